@@ -1,0 +1,62 @@
+// The decode maps: which handler, if any, serves an instruction word.
+//
+// They are the single definition of what this system regards as an SVE instruction: a word that no
+// map knows stays in the application's code untouched. Maps, listing and tests all come from the
+// one table in sve/decode/instructions.inc.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string_view>
+
+#include "sve/state/cpu_state.h"
+
+using decode_handler = aarch64_decode_rc (*)(cpu_state*, unsigned int);
+
+// The handler for `word` as a pointer-sized value, or null if no map has it. Reads only the maps;
+// any number of threads may call it at a time.
+decode_handler is_sve(unsigned int word);
+
+// Decodes and runs the instruction at `pc` of the state. On success counts it, advances `pc` by 4
+// and returns aarch64_decode_ok. Returns aarch64_decode_unimplemented, with the state as it was,
+// if no map has the word; passes on any other failure of the handler with `pc` unchanged.
+aarch64_decode_rc execute_sve_instruction(cpu_state* state);
+
+namespace sve {
+
+// What carries an instruction form out.
+enum class row_kind : char {
+  fast = 'F',    // a fast path on the machine state
+  bridge = 'B',  // the reference semantics, through a bridge
+  no_op = 'N',   // nothing: prefetches
+};
+
+// One row of the decode maps: one instruction form at one element type.
+struct instruction_row {
+  std::string_view pattern;  // 32 characters, bit 31 first: 0, 1 or the letter of an operand field
+  std::string_view name;     // VecS32MinVVM
+  row_kind kind;
+  bool written;     // false: recognised, but the handler only reports 2
+  std::size_t map;  // index into decode_map_names()
+  int key;          // the row's key in that map
+  decode_handler handler;
+
+  // The bits that the pattern fixes, and their values.
+  std::uint32_t fixed_mask() const;
+  std::uint32_t fixed_bits() const;
+};
+
+// All rows, in the order of the table, which is that of the architecture's encoding index.
+std::span<const instruction_row> instruction_rows();
+
+// Names of the maps, in the order in which is_sve probes them.
+std::span<const std::string_view> decode_map_names();
+
+// The row that serves `word`, or null.
+const instruction_row* find_row(std::uint32_t word);
+
+}  // namespace sve
+
+// Prints the table, one line a row: pattern, kind, name, and what is not written yet.
+extern "C" void list_sve_instructions(std::FILE* out);

@@ -1,0 +1,71 @@
+// The values that the reference semantics speak, and their names.
+//
+// A semantic function is plain: values in, a value out, and one CpuContext through which it sees
+// the rest of the machine. It knows nothing of registers, instruction words or the host, and takes
+// the vector length at run time from the context, so that it can serve as the definition of what
+// an instruction means at any length.
+//
+// Names are Vec + element tag + stem + shape (VecS32AbdVVM). Arguments come in the order merge
+// source (shapes that end in M), governing predicate, remaining operands, CpuContext*.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+// A vector value: room for the architecture's longest vector, of which vl * 8 bytes count; what
+// lies above is undefined and nobody reads it. Element 0 stands at byte 0, little-endian.
+struct VecV {
+  alignas(16) unsigned char bytes[256];
+
+  template <class T>
+  T get(unsigned e) const {
+    T value;
+    std::memcpy(&value, bytes + e * sizeof(T), sizeof(T));
+    return value;
+  }
+
+  template <class T>
+  void set(unsigned e, T value) {
+    std::memcpy(bytes + e * sizeof(T), &value, sizeof(T));
+  }
+};
+
+// A predicate value in packed form: bit i belongs to vector byte lane i.
+struct PredV {
+  std::uint64_t words[4];
+
+  bool lane(unsigned i) const { return ((words[i / 64] >> (i % 64)) & 1) != 0; }
+
+  void set_lane(unsigned i, bool value) {
+    const std::uint64_t bit = std::uint64_t{1} << (i % 64);
+    words[i / 64] = value ? words[i / 64] | bit : words[i / 64] & ~bit;
+  }
+
+  // The bit that governs element e of type T: that of the element's first lane.
+  template <class T>
+  bool active(unsigned e) const {
+    return lane(e * sizeof(T));
+  }
+
+  // Clears all lanes of element e of type T, then writes the truth value into the first.
+  template <class T>
+  void set_active(unsigned e, bool value) {
+    for (unsigned i = 1; i < sizeof(T); ++i) set_lane(e * sizeof(T) + i, false);
+    set_lane(e * sizeof(T), value);
+  }
+};
+
+// The abstract machine's registers.
+struct CpuContext {
+  std::uint32_t nzcv;  // N bit 31, Z 30, C 29, V 28
+  std::uint32_t fpsr;
+  std::uint32_t fpcr;
+  std::uint32_t vl;  // vector length in units of 64 bits
+  PredV ffr;
+
+  // Number of elements of type T in a vector.
+  template <class T>
+  unsigned elements() const {
+    return vl * 8 / sizeof(T);
+  }
+};

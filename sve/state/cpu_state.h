@@ -1,0 +1,52 @@
+// The emulated register file of one application thread, and the result codes of the emulation.
+//
+// It holds two kinds of state. X0 to X30, SP, NZCV, FPSR, FPCR and the low 128 bits of each Z
+// register mirror the processor: the code that replaces an SVE instruction copies them in just
+// before the emulated instruction and back just after it. The rest of the Z registers, the
+// predicates and the FFR exist nowhere else and stay here from one emulated instruction to the
+// next. Predicates are unpacked, one byte for each vector byte, so that the governing test of a
+// fast path is one AND for each 16 bytes, without bit extraction.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "sve/state/vector_length.h"
+
+// Result of a decode handler and of a fast path. No other value occurs.
+enum aarch64_decode_rc : int {
+  aarch64_decode_ok = 0,             // the instruction was carried out
+  aarch64_decode_unimplemented = 2,  // nothing was carried out
+};
+
+// Element bytes ascending; a byte of a vector register or of an unpacked predicate.
+using vector_register = unsigned char[sve::vector_bytes];
+using predicate_register = unsigned char[sve::vector_bytes];
+
+struct cpu_state {
+  std::uint64_t x[31];
+  std::uint64_t sp;
+  std::uint32_t* pc;   // application address of the instruction being emulated
+  std::uint64_t nzcv;  // the NZCV system register: N bit 31, Z 30, C 29, V 28
+  std::uint32_t fpsr;
+  std::uint32_t fpcr;
+  std::uint32_t fpcr_extra;  // ORed into the control word of the reference semantics; always 0
+  alignas(16) vector_register z[32];
+  predicate_register p[16];  // bit 0 of byte k is the predicate bit of vector byte k
+  predicate_register ffr;
+  std::uint64_t instr;  // the instruction word, zero-extended
+};
+
+static_assert(offsetof(cpu_state, sp) == offsetof(cpu_state, x) + 31 * sizeof(std::uint64_t),
+              "a base register numbered 31 reaches SP as x[31]");
+static_assert(offsetof(cpu_state, ffr) == offsetof(cpu_state, p) + 16 * sizeof(predicate_register),
+              "the FFR is in effect predicate number 16");
+
+// The condition flags in `nzcv` and in CpuContext::nzcv.
+namespace sve {
+inline constexpr std::uint32_t flag_n = 1U << 31;
+inline constexpr std::uint32_t flag_z = 1U << 30;
+inline constexpr std::uint32_t flag_c = 1U << 29;
+inline constexpr std::uint32_t flag_v = 1U << 28;
+inline constexpr std::uint32_t flags_nzcv = flag_n | flag_z | flag_c | flag_v;
+}  // namespace sve

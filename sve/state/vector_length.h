@@ -1,0 +1,26 @@
+// The vector length of the emulated processor.
+//
+// It is a build constant, because every loop of the fast paths is written for a known trip count;
+// it comes from the CMake cache variable SVE_VECTOR_BITS and from nowhere else, so that a build for
+// another length is a matter of configuring again. No other file names a length: counts, pattern
+// results and the size of a predicate in memory all follow from the values here.
+#pragma once
+
+namespace sve {
+
+inline constexpr unsigned vector_bits = SVE_VECTOR_BITS;
+inline constexpr unsigned vector_bytes = vector_bits / 8;
+inline constexpr unsigned vector_words64 = vector_bits / 64;   // unit of CpuContext::vl
+inline constexpr unsigned predicate_bytes = vector_bytes / 8;  // a predicate's image in memory
+
+// Size of one unit of the branch-free loops: the processor's own 128-bit vector.
+inline constexpr unsigned group_bytes = 16;
+
+static_assert(vector_bits % 128 == 0 && vector_bits >= 128 && vector_bits <= 2048,
+              "the architecture allows multiples of 128 bits from 128 to 2048");
+
+// Number of elements of type T in a vector.
+template <class T>
+inline constexpr unsigned elements = vector_bytes / sizeof(T);
+
+}  // namespace sve
