@@ -1,1 +1,1 @@
-# target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/....cpp)
+target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counters.cpp)
