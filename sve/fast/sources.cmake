@@ -1,1 +1,2 @@
 # target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/....cpp)
+target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/integer_arithmetic.cpp)
