@@ -258,6 +258,6 @@ DR_EXPORT void dr_log(void* drcontext, uint mask, uint level, const char* format
     __attribute__((format(printf, 4, 5)));
 #define DR_LOG_ALL 0x00ffffff
 // Ends the process by SIGABRT.
-DR_EXPORT [[noreturn]] void dr_abort();
+DR_EXPORT void dr_abort() __attribute__((noreturn));
 
 enum dr_emit_flags_t { DR_EMIT_DEFAULT = 0 };

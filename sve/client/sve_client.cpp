@@ -1,0 +1,151 @@
+// The client: what it sets up when the host loads it, and what it does with each block.
+//
+// The host must run with thread-private code caches: the address of a thread's cpu_state stands as
+// an immediate in the blocks that were rewritten on that thread.
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "dr_api.h"
+#include "drmgr.h"
+#include "drreg.h"
+#include "sve/client/counters.h"
+#include "sve/client/thread_state.h"
+#include "sve/client/transfer.h"
+#include "sve/decode/sve_utils.h"
+
+extern "C" {
+
+// Version of the host's interface that this client is written for; the host reads it at load.
+DR_EXPORT int _USES_DR_VERSION_;
+int _USES_DR_VERSION_ = 602;
+
+// The main module's record, or null if the host has none. Freed in event_exit.
+DR_EXPORT module_data_t* exe;
+module_data_t* exe = nullptr;
+
+DR_EXPORT void dr_client_main(client_id_t id, int argc, const char* argv[]);
+
+}  // extern "C"
+
+namespace {
+
+app_pc exe_start = nullptr;
+
+// Instructions of rewritten blocks that no decode map knows, counted at translation.
+std::atomic<std::uint64_t> aarch64_instr_count{0};
+
+void fail_assertion(int line, const char* condition) {
+  dr_fprintf(our_stderr, "ASSERT FAILURE: %s:%d: %s (%s)\n", "sve/client/sve_client", line,
+             condition, "");
+  dr_abort();
+}
+
+// A macro for the caller's line. The text is told apart from the condition, so that the message
+// does not depend on how the condition is written.
+#define CLIENT_ASSERT(condition, text) \
+  ((condition) ? static_cast<void>(0) : fail_assertion(__LINE__, text))
+
+// --- Blocks ------------------------------------------------------------------------------------
+
+// Whether the block at `tag` is emulated: the main module's, or code outside of any module.
+bool is_rewritten(void* tag) {
+  module_data_t* module = dr_lookup_module(dr_fragment_app_pc(tag));
+  if (module == nullptr) return true;
+  const app_pc start = module->start;
+  dr_free_module_data(module);
+  return start == exe_start;
+}
+
+void rewrite_instruction(void* drcontext, instrlist_t* block, instr_t* instr,
+                         decode_handler handler) {
+  CLIENT_ASSERT(dr_get_stolen_reg() == DR_REG_X28, "dr_get_stolen_reg() == DR_REG_X28");
+  insert_emulation(drcontext, block, instr, thread_state(drcontext), handler);
+  instrlist_remove(block, instr);
+  instr_destroy(drcontext, instr);
+}
+
+dr_emit_flags_t event_instruction_change(void* drcontext, void* tag, instrlist_t* block,
+                                         bool /*for_trace*/, bool /*translating*/) {
+  if (!is_rewritten(tag)) return DR_EMIT_DEFAULT;
+  instr_t* next = nullptr;
+  for (instr_t* instr = instrlist_first_app(block); instr != nullptr; instr = next) {
+    next = instr_get_next_app(instr);  // before `instr` goes
+    std::uint32_t word = 0;
+    std::memcpy(&word, instr_get_raw_bits(instr), sizeof(word));
+    if (const decode_handler handler = is_sve(word)) {
+      rewrite_instruction(drcontext, block, instr, handler);
+    } else {
+      ++aarch64_instr_count;
+    }
+  }
+  return DR_EMIT_DEFAULT;
+}
+
+// --- Threads -----------------------------------------------------------------------------------
+
+void event_thread_init(void* drcontext) {
+  static_assert(alignof(cpu_state) <= 16, "dr_thread_alloc aligns to 16 bytes");
+  void* memory = dr_thread_alloc(drcontext, sizeof(cpu_state));
+  drmgr_set_tls_field(drcontext, tls_idx, new (memory) cpu_state{});  // cleared
+}
+
+void event_thread_exit(void* drcontext) {
+  cpu_state* data = thread_state(drcontext);
+  CLIENT_ASSERT(data != nullptr, "data != __null");
+  dr_thread_free(drcontext, data, sizeof(cpu_state));
+}
+
+// --- Process -----------------------------------------------------------------------------------
+
+void print_report() {
+  const char* name = exe != nullptr ? basename(exe->full_path) : "(no main module)";
+  std::fprintf(stderr, "%s: %lu SVE instructions executed\n", name, sve_instr_count.load());
+  std::fprintf(stderr, "%s: %lu Non-SVE AArch64 instructions executed\n", name,
+               aarch64_instr_count.load());
+}
+
+void event_exit() {
+  dr_log(nullptr, DR_LOG_ALL, 1, "SVE client exiting\n");
+  print_report();
+  if (exe != nullptr) dr_free_module_data(exe);
+  exe = nullptr;
+  CLIENT_ASSERT(drmgr_unregister_bb_app2app_event(event_instruction_change), "false");
+  CLIENT_ASSERT(drreg_exit() == DRREG_SUCCESS, "false");
+  drmgr_exit();
+}
+
+// The client has no options: an argument that is not "--" is an error, what follows one is ignored.
+void scan_arguments(int argc, const char* argv[]) {
+  if (argc < 2 || std::strcmp(argv[1], "--") == 0) return;
+  dr_fprintf(our_stderr, "Usage error: Unknown option: %s\n", argv[1]);
+  dr_abort();
+}
+
+void register_events() {
+  drmgr_register_thread_init_event(event_thread_init);
+  drmgr_register_thread_exit_event(event_thread_exit);
+  dr_register_exit_event(event_exit);
+  CLIENT_ASSERT(drmgr_register_bb_app2app_event(event_instruction_change, nullptr), "false");
+}
+
+}  // namespace
+
+void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
+  dr_set_client_name("Tessaly SVE emulation client", "support@tessaly.example");
+  drreg_options_t options{};
+  options.struct_size = sizeof(options);
+  scan_arguments(argc, argv);
+  CLIENT_ASSERT(drmgr_init() && drreg_init(&options) == DRREG_SUCCESS, "false");
+
+  exe = dr_get_main_module();
+  if (exe != nullptr) exe_start = exe->start;
+  register_events();
+  tls_idx = drmgr_register_tls_field();
+
+  sve_instr_count = 0;
+  aarch64_instr_count = 0;
+  dr_log(nullptr, DR_LOG_ALL, 1, "SVE client initializing\n");
+}
