@@ -1,0 +1,34 @@
+// The client library: loaded into the launcher's own link-map namespace, from where it binds to the
+// host interface that the launcher exports.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// libsve_client.so in the launcher's ../lib.
+std::string default_client_path();
+
+class client_library {
+ public:
+  // Loads the library, which runs its static initialisers. Throws launch_error. It is never
+  // unloaded: code of the application's calls into it until the process ends.
+  explicit client_library(const std::string& path);
+
+  // Checks the interface version that the client was built for and calls its dr_client_main.
+  // `arguments` starts with the client's path. Throws launch_error.
+  void start(const std::vector<std::string>& arguments) const;
+
+  // Prints the instruction forms that our own client knows. Throws launch_error for another one.
+  void list_instructions() const;
+
+ private:
+  [[nodiscard]] void* symbol(const char* name) const;
+  void check_version() const;
+
+  std::string path_;
+  void* handle_;
+};
+
+}  // namespace host

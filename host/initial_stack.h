@@ -1,0 +1,48 @@
+// The stack of a new program, as the kernel leaves it for the first instruction.
+//
+// From the stack pointer upwards: argc, argv, null, envp, null, the auxiliary vector; above them
+// the strings and random bytes that these point to. A program finds its whole world through it:
+// the C library sizes itself by the auxiliary vector before it runs anything else.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <elf.h>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct process_start {
+  std::vector<std::string> arguments;
+  std::vector<std::string> environment;
+  std::string executable_name;                 // AT_EXECFN
+  std::vector<Elf64_auxv_t> auxiliary_vector;  // without the AT_NULL at its end
+  bool executable_stack = false;
+};
+
+// What the application's auxiliary vector tells about its own files, absolute.
+struct program_addresses {
+  std::uint64_t program_headers = 0;
+  std::uint64_t program_header_count = 0;
+  std::uint64_t entry = 0;
+  std::uint64_t interpreter_base = 0;  // load bias of the interpreter; 0 if there is none
+};
+
+// The auxiliary vector for the application: this process's own (`own`, up to AT_NULL), so that
+// every fact about processor, kernel and user passes through, with the application's addresses in
+// place of the launcher's. Entries that point to strings still point to the launcher's.
+std::vector<Elf64_auxv_t> application_auxiliary_vector(const Elf64_auxv_t* own,
+                                                       const program_addresses& program);
+
+// The bytes of the stack from the stack pointer, a multiple of 16, to `top`. Everything that the
+// auxiliary vector points to (AT_EXECFN, AT_PLATFORM, AT_RANDOM) is copied onto the stack.
+std::vector<std::byte> build_initial_stack(const process_start& start, std::uint64_t top,
+                                           std::span<const std::byte, 16> random);
+
+// Maps a stack of the size that RLIMIT_STACK allows, with a guard below, and fills it. Returns the
+// stack pointer. Throws launch_error.
+std::uintptr_t map_initial_stack(const process_start& start);
+
+}  // namespace host

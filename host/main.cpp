@@ -1,0 +1,81 @@
+#include <cstdio>
+#include <cstdlib>
+#include <elf.h>
+#include <string>
+#include <sys/prctl.h>
+#include <vector>
+
+#include "host/client_library.h"
+#include "host/launch_error.h"
+#include "host/loader.h"
+#include "host/options.h"
+#include "host/program_search.h"
+#include "host/runtime.h"
+
+namespace {
+
+using namespace host;
+
+// Where the kernel put the auxiliary vector: behind the environment, as long as that stands where
+// it was.
+const Elf64_auxv_t* auxiliary_vector(char** environment) {
+  while (*environment != nullptr) ++environment;
+  return reinterpret_cast<const Elf64_auxv_t*>(environment + 1);
+}
+
+std::vector<std::string> collect(char** texts) {
+  std::vector<std::string> result;
+  for (; *texts != nullptr; ++texts) result.emplace_back(*texts);
+  return result;
+}
+
+// Without PATH a shell looks here.
+std::string search_path() {
+  const char* const path = std::getenv("PATH");
+  return path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
+}
+
+loaded_program load(const options& chosen, char** environment) {
+  const program_to_run program = find_program(chosen.program, search_path());
+  loaded_program loaded =
+      load_program(program, collect(environment), auxiliary_vector(environment));
+  // The process bears the program's name, as after exec.
+  const std::string& name = program.executable_name;
+  prctl(PR_SET_NAME, name.c_str() + name.rfind('/') + 1);
+  return loaded;
+}
+
+[[noreturn]] void run_program(options chosen, char** environment) {
+  const loaded_program program = load(chosen, environment);
+  if (chosen.client.empty()) chosen.client.push_back(default_client_path());
+  initialize(program);
+  client_library(chosen.client.front()).start(chosen.client);
+  run(program);
+}
+
+int launch(const options& chosen, char** environment) {
+  switch (chosen.action) {
+    case requested_action::show_help: std::fputs(help_text, stdout); return 0;
+    case requested_action::show_version: std::puts("tessaly " TESSALY_VERSION); return 0;
+    case requested_action::list_instructions:
+      client_library(default_client_path()).list_instructions();
+      return 0;
+    case requested_action::run: break;
+  }
+  run_program(chosen, environment);
+}
+
+}  // namespace
+
+int main(int argc, char** argv, char** environment) {
+  try {
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    return launch(parse_options(arguments), environment);
+  } catch (const launch_error& error) {
+    std::fprintf(stderr, "tessaly: %s\n", error.what());
+    return static_cast<int>(error.status());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tessaly: internal error: %s\n", error.what());
+    return static_cast<int>(exit_status::launcher_failed);
+  }
+}

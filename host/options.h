@@ -1,0 +1,25 @@
+// The launcher's command line.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class requested_action { run, show_help, show_version, list_instructions };
+
+struct options {
+  requested_action action = requested_action::run;
+  // argv for dr_client_main: the client library's path, then its arguments. Empty: our own client.
+  std::vector<std::string> client;
+  // argv for the program, from the name that the user gave.
+  std::vector<std::string> program;
+};
+
+extern const char* const help_text;
+
+// Reads the command line without argv[0]. Throws launch_error (status usage) if it makes no sense.
+options parse_options(std::span<const std::string> arguments);
+
+}  // namespace host
