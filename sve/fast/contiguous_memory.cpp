@@ -1,0 +1,312 @@
+// Contiguous loads and stores read and write one element after the other, each by one access of
+// its width in memory: a wider access would touch the memory of inactive elements, which may be
+// unmapped or belong to somebody else. There is no temporary, since no operand but the address is
+// read and a fault doesn't return here.
+//
+// All loads of a width are one template, whether plain, non-temporal or of several registers, and
+// so are all stores; each name below is one instance of it.
+#include "sve/fast/contiguous_memory.h"
+
+#include <cstdint>
+#include <type_traits>
+
+#include "sve/state/access.h"
+#include "sve/state/guest_memory.h"
+#include "sve/state/packed_predicate.h"
+
+namespace {
+
+using sve::elements;
+using sve::predicate_bytes;
+using sve::read_guest;
+using sve::read_x;
+using sve::vector_bytes;
+using sve::write_guest;
+
+using U8 = std::uint8_t;
+using U16 = std::uint16_t;
+using U32 = std::uint32_t;
+using U64 = std::uint64_t;
+using S8 = std::int8_t;
+using S16 = std::int16_t;
+using S32 = std::int32_t;
+
+using RC = aarch64_decode_rc;
+using CPU = cpu_state;
+using Z = aarch64_z_reg;
+using P = aarch64_p_reg;
+using R = aarch64_i_rsp_reg;
+using X = aarch64_i_reg;
+
+// Byte offset of a block transfer: registers times bytes, in 32 bits, sign-extended.
+U64 block_offset(int imm, unsigned bytes) {
+  return static_cast<U64>(static_cast<S32>(static_cast<U32>(imm) * bytes));
+}
+
+// Offset of the zpri forms in memory elements.
+template <class T, int N>
+long register_offset(int imm) {
+  return static_cast<long>(imm) * elements<T> * N;
+}
+
+// M is the memory element, whose sign is extended where it is signed; T the register element.
+template <class M, class T, int N>
+RC load(CPU* cpu, Z zt, P pg, U64 address) {
+  for (unsigned i = 0; i < elements<T>; ++i, address += N * sizeof(M)) {
+    const bool active = sve::active<T>(cpu->p[pg.num], i);
+    for (unsigned r = 0; r < N; ++r) {
+      const T value = active ? static_cast<T>(read_guest<M>(address + r * sizeof(M))) : T{0};
+      sve::set_element<T>(cpu->z[(zt.num + r) & 31], i, value);
+    }
+  }
+  return aarch64_decode_ok;
+}
+
+template <class M, class T, int N>
+RC store(CPU* cpu, Z zt, P pg, U64 address) {
+  for (unsigned i = 0; i < elements<T>; ++i, address += N * sizeof(M)) {
+    if (!sve::active<T>(cpu->p[pg.num], i)) continue;
+    for (unsigned r = 0; r < N; ++r) {
+      const T value = sve::element<T>(cpu->z[(zt.num + r) & 31], i);
+      write_guest<M>(address + r * sizeof(M), static_cast<M>(value));
+    }
+  }
+  return aarch64_decode_ok;
+}
+
+// The zpri and scaled_zprr forms of one to four registers.
+template <class M, class T = M, int N = 1>
+RC ld(CPU* cpu, Z zt, P pg, R rn, int imm) {
+  return load<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + register_offset<T, N>(imm) * sizeof(M));
+}
+
+template <class M, class T = M, int N = 1>
+RC ld(CPU* cpu, Z zt, P pg, R rn, X rm) {
+  return load<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + read_x(cpu, rm) * sizeof(M));
+}
+
+template <class M, class T = M, int N = 1>
+RC st(CPU* cpu, Z zt, P pg, R rn, int imm) {
+  return store<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + register_offset<T, N>(imm) * sizeof(M));
+}
+
+template <class M, class T = M, int N = 1>
+RC st(CPU* cpu, Z zt, P pg, R rn, X rm) {
+  return store<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + read_x(cpu, rm) * sizeof(M));
+}
+
+template <class M, int N>
+RC ldN(CPU* cpu, Z zt, P pg, R rn, int imm) {
+  return sve_ldN_zpri<M, M, N>(cpu, zt, pg, rn, static_cast<S32>(register_offset<M, N>(imm)));
+}
+
+template <class M, int N>
+RC ldN(CPU* cpu, Z zt, P pg, R rn, X rm) {
+  return sve_ldN_zpri<M, M, N>(cpu, zt, pg, rn, static_cast<long>(read_x(cpu, rm)));
+}
+
+template <class M, class T = M>
+RC ld1r(CPU* cpu, Z zt, P pg, R rn, unsigned imm) {
+  const U64 address = read_x(cpu, rn) + U64{imm} * sizeof(M);
+  for (unsigned i = 0; i < elements<T>; ++i) {
+    const bool active = sve::active<T>(cpu->p[pg.num], i);
+    sve::set_element<T>(cpu->z[zt.num], i, active ? static_cast<T>(read_guest<M>(address)) : T{0});
+  }
+  return aarch64_decode_ok;
+}
+
+}  // namespace
+
+template <class T, class M, int N>
+RC sve_ldN_zpri(CPU* cpu, Z zt, P pg, R rn, long offset) {
+  return load<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + static_cast<U64>(offset) * sizeof(M));
+}
+
+// Single registers: memory element, then register element where it is wider.
+RC sve_ld1b_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8>(c, t, g, n, i); }
+RC sve_ld1b_h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8, U16>(c, t, g, n, i); }
+RC sve_ld1b_s_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8, U32>(c, t, g, n, i); }
+RC sve_ld1b_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8, U64>(c, t, g, n, i); }
+RC sve_ld1h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U16>(c, t, g, n, i); }
+RC sve_ld1h_s_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U16, U32>(c, t, g, n, i); }
+RC sve_ld1h_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U16, U64>(c, t, g, n, i); }
+RC sve_ld1w_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U32>(c, t, g, n, i); }
+RC sve_ld1w_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U32, U64>(c, t, g, n, i); }
+RC sve_ld1d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U64>(c, t, g, n, i); }
+RC sve_ld1sb_h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S8, U16>(c, t, g, n, i); }
+RC sve_ld1sb_s_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S8, U32>(c, t, g, n, i); }
+RC sve_ld1sb_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S8, U64>(c, t, g, n, i); }
+RC sve_ld1sh_s_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S16, U32>(c, t, g, n, i); }
+RC sve_ld1sh_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S16, U64>(c, t, g, n, i); }
+RC sve_ld1sw_d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<S32, U64>(c, t, g, n, i); }
+
+RC sve_ld1b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U8>(c, t, g, n, x); }
+RC sve_ld1b_h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U8, U16>(c, t, g, n, x); }
+RC sve_ld1b_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U8, U32>(c, t, g, n, x); }
+RC sve_ld1b_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U8, U64>(c, t, g, n, x); }
+RC sve_ld1h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U16>(c, t, g, n, x); }
+RC sve_ld1h_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U16, U32>(c, t, g, n, x); }
+RC sve_ld1h_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U16, U64>(c, t, g, n, x); }
+RC sve_ld1w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U32>(c, t, g, n, x); }
+RC sve_ld1w_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U32, U64>(c, t, g, n, x); }
+RC sve_ld1d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U64>(c, t, g, n, x); }
+RC sve_ld1sb_h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S8, U16>(c, t, g, n, x); }
+RC sve_ld1sb_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S8, U32>(c, t, g, n, x); }
+RC sve_ld1sb_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S8, U64>(c, t, g, n, x); }
+RC sve_ld1sh_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S16, U32>(c, t, g, n, x); }
+RC sve_ld1sh_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S16, U64>(c, t, g, n, x); }
+RC sve_ld1sw_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<S32, U64>(c, t, g, n, x); }
+
+RC sve_st1b_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8>(c, t, g, n, i); }
+RC sve_st1b_h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U16>(c, t, g, n, i); }
+RC sve_st1b_s_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U32>(c, t, g, n, i); }
+RC sve_st1b_d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U64>(c, t, g, n, i); }
+RC sve_st1h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16>(c, t, g, n, i); }
+RC sve_st1h_s_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16, U32>(c, t, g, n, i); }
+RC sve_st1h_d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16, U64>(c, t, g, n, i); }
+RC sve_st1w_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32>(c, t, g, n, i); }
+RC sve_st1w_d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32, U64>(c, t, g, n, i); }
+RC sve_st1d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U64>(c, t, g, n, i); }
+
+RC sve_st1b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8>(c, t, g, n, x); }
+RC sve_st1b_h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U16>(c, t, g, n, x); }
+RC sve_st1b_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U32>(c, t, g, n, x); }
+RC sve_st1b_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U64>(c, t, g, n, x); }
+RC sve_st1h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16>(c, t, g, n, x); }
+RC sve_st1h_s_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16, U32>(c, t, g, n, x); }
+RC sve_st1h_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16, U64>(c, t, g, n, x); }
+RC sve_st1w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32>(c, t, g, n, x); }
+RC sve_st1w_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32, U64>(c, t, g, n, x); }
+RC sve_st1d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64>(c, t, g, n, x); }
+
+// Non-temporal: no cache hint is given.
+RC sve_ldnt1b_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8>(c, t, g, n, i); }
+RC sve_ldnt1h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U16>(c, t, g, n, i); }
+RC sve_ldnt1w_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U32>(c, t, g, n, i); }
+RC sve_ldnt1d_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U64>(c, t, g, n, i); }
+RC sve_ldnt1b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U8>(c, t, g, n, x); }
+RC sve_ldnt1h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U16>(c, t, g, n, x); }
+RC sve_ldnt1w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U32>(c, t, g, n, x); }
+RC sve_ldnt1d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ld<U64>(c, t, g, n, x); }
+RC sve_stnt1b_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8>(c, t, g, n, i); }
+RC sve_stnt1h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16>(c, t, g, n, i); }
+RC sve_stnt1w_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32>(c, t, g, n, i); }
+RC sve_stnt1d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U64>(c, t, g, n, i); }
+RC sve_stnt1b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8>(c, t, g, n, x); }
+RC sve_stnt1h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16>(c, t, g, n, x); }
+RC sve_stnt1w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32>(c, t, g, n, x); }
+RC sve_stnt1d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64>(c, t, g, n, x); }
+
+// Structures of two to four registers.
+RC sve_ld2b_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U8, 2>(c, t, g, n, i); }
+RC sve_ld2h_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U16, 2>(c, t, g, n, i); }
+RC sve_ld2w_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U32, 2>(c, t, g, n, i); }
+RC sve_ld2d_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U64, 2>(c, t, g, n, i); }
+RC sve_ld3b_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U8, 3>(c, t, g, n, i); }
+RC sve_ld3h_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U16, 3>(c, t, g, n, i); }
+RC sve_ld3w_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U32, 3>(c, t, g, n, i); }
+RC sve_ld3d_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U64, 3>(c, t, g, n, i); }
+RC sve_ld4b_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U8, 4>(c, t, g, n, i); }
+RC sve_ld4h_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U16, 4>(c, t, g, n, i); }
+RC sve_ld4w_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U32, 4>(c, t, g, n, i); }
+RC sve_ld4d_zpri(CPU* c, Z t, P g, R n, int i) { return ldN<U64, 4>(c, t, g, n, i); }
+
+RC sve_ld2b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U8, 2>(c, t, g, n, x); }
+RC sve_ld2h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U16, 2>(c, t, g, n, x); }
+RC sve_ld2w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U32, 2>(c, t, g, n, x); }
+RC sve_ld2d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U64, 2>(c, t, g, n, x); }
+RC sve_ld3b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U8, 3>(c, t, g, n, x); }
+RC sve_ld3h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U16, 3>(c, t, g, n, x); }
+RC sve_ld3w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U32, 3>(c, t, g, n, x); }
+RC sve_ld3d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U64, 3>(c, t, g, n, x); }
+RC sve_ld4b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U8, 4>(c, t, g, n, x); }
+RC sve_ld4h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U16, 4>(c, t, g, n, x); }
+RC sve_ld4w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U32, 4>(c, t, g, n, x); }
+RC sve_ld4d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return ldN<U64, 4>(c, t, g, n, x); }
+
+RC sve_st2b_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U8, 2>(c, t, g, n, i); }
+RC sve_st2h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16, U16, 2>(c, t, g, n, i); }
+RC sve_st2w_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32, U32, 2>(c, t, g, n, i); }
+RC sve_st2d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U64, U64, 2>(c, t, g, n, i); }
+RC sve_st3b_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U8, 3>(c, t, g, n, i); }
+RC sve_st3h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16, U16, 3>(c, t, g, n, i); }
+RC sve_st3w_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32, U32, 3>(c, t, g, n, i); }
+RC sve_st3d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U64, U64, 3>(c, t, g, n, i); }
+RC sve_st4b_zpri(CPU* c, Z t, P g, R n, int i) { return st<U8, U8, 4>(c, t, g, n, i); }
+RC sve_st4h_zpri(CPU* c, Z t, P g, R n, int i) { return st<U16, U16, 4>(c, t, g, n, i); }
+RC sve_st4w_zpri(CPU* c, Z t, P g, R n, int i) { return st<U32, U32, 4>(c, t, g, n, i); }
+RC sve_st4d_zpri(CPU* c, Z t, P g, R n, int i) { return st<U64, U64, 4>(c, t, g, n, i); }
+
+RC sve_st2b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U8, 2>(c, t, g, n, x); }
+RC sve_st2h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16, U16, 2>(c, t, g, n, x); }
+RC sve_st2w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32, U32, 2>(c, t, g, n, x); }
+RC sve_st2d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64, U64, 2>(c, t, g, n, x); }
+RC sve_st3b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U8, 3>(c, t, g, n, x); }
+RC sve_st3h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16, U16, 3>(c, t, g, n, x); }
+RC sve_st3w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32, U32, 3>(c, t, g, n, x); }
+RC sve_st3d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64, U64, 3>(c, t, g, n, x); }
+RC sve_st4b_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U8, U8, 4>(c, t, g, n, x); }
+RC sve_st4h_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U16, U16, 4>(c, t, g, n, x); }
+RC sve_st4w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32, U32, 4>(c, t, g, n, x); }
+RC sve_st4d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64, U64, 4>(c, t, g, n, x); }
+
+template RC sve_ldN_zpri<U8, U8, 2>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U16, U16, 2>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U32, U32, 2>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U64, U64, 2>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U8, U8, 3>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U16, U16, 3>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U32, U32, 3>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U64, U64, 3>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U8, U8, 4>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U16, U16, 4>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U32, U32, 4>(CPU*, Z, P, R, long);
+template RC sve_ldN_zpri<U64, U64, 4>(CPU*, Z, P, R, long);
+
+// Load and replicate.
+RC sve_ld1rb_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U8>(c, t, g, n, i); }
+RC sve_ld1rb_h_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U8, U16>(c, t, g, n, i); }
+RC sve_ld1rb_s_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U8, U32>(c, t, g, n, i); }
+RC sve_ld1rb_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U8, U64>(c, t, g, n, i); }
+RC sve_ld1rh_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U16>(c, t, g, n, i); }
+RC sve_ld1rh_s_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U16, U32>(c, t, g, n, i); }
+RC sve_ld1rh_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U16, U64>(c, t, g, n, i); }
+RC sve_ld1rw_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U32>(c, t, g, n, i); }
+RC sve_ld1rw_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U32, U64>(c, t, g, n, i); }
+RC sve_ld1rd_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<U64>(c, t, g, n, i); }
+RC sve_ld1rsb_h_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S8, U16>(c, t, g, n, i); }
+RC sve_ld1rsb_s_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S8, U32>(c, t, g, n, i); }
+RC sve_ld1rsb_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S8, U64>(c, t, g, n, i); }
+RC sve_ld1rsh_s_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S16, U32>(c, t, g, n, i); }
+RC sve_ld1rsh_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S16, U64>(c, t, g, n, i); }
+RC sve_ld1rsw_d_zpri(CPU* c, Z t, P g, R n, unsigned i) { return ld1r<S32, U64>(c, t, g, n, i); }
+
+// Whole registers.
+
+RC sve_ldr_zri(CPU* cpu, Z zt, R rn, int imm) {
+  sve::read_guest_block(cpu->z[zt.num], read_x(cpu, rn) + block_offset(imm, vector_bytes));
+  return aarch64_decode_ok;
+}
+
+RC sve_str_zri(CPU* cpu, Z zt, R rn, int imm) {
+  sve::write_guest_block(read_x(cpu, rn) + block_offset(imm, vector_bytes), cpu->z[zt.num]);
+  return aarch64_decode_ok;
+}
+
+RC sve_ldr_pri(CPU* cpu, P pt, R rn, int imm) {
+  U8 packed[predicate_bytes];
+  sve::read_guest_block(packed, read_x(cpu, rn) + block_offset(imm, predicate_bytes));
+  for (unsigned j = 0; j < predicate_bytes; ++j) {
+    sve::set_element<U64>(cpu->p[pt.num], j, sve::unpack_lanes(packed[j]));
+  }
+  return aarch64_decode_ok;
+}
+
+RC sve_str_pri(CPU* cpu, P pt, R rn, int imm) {
+  U8 packed[predicate_bytes];
+  for (unsigned j = 0; j < predicate_bytes; ++j) {
+    packed[j] = sve::pack_lanes(sve::element<U64>(cpu->p[pt.num], j));
+  }
+  sve::write_guest_block(read_x(cpu, rn) + block_offset(imm, predicate_bytes), packed);
+  return aarch64_decode_ok;
+}
