@@ -1,0 +1,144 @@
+// With the vector length fixed at build, an element count is a constant of pattern and size: most
+// of this is the product of that constant and a small multiplier.
+#include "sve/fast/counting.h"
+
+#include "sve/fast/element_loops.h"
+#include "sve/fast/operations.h"
+#include "sve/fast/predicate_scan.h"
+#include "sve/state/predicate_pattern.h"
+
+using namespace sve::fast;
+using sve::element;
+using sve::elements;
+using sve::pattern_count;
+using sve::read_x;
+using sve::set_active;
+using sve::vector_bytes;
+using sve::write_x;
+
+namespace {
+
+using u8 = std::uint8_t;
+using u16 = std::uint16_t;
+using u32 = std::uint32_t;
+using u64 = std::uint64_t;
+
+// The count is taken at the size of T, the register is X.
+template <class T, class Op>
+rc rii(cpu_state* s, R rdn, unsigned pattern, unsigned multiplier, Op op) {
+  const u32 delta = multiplier * pattern_count(pattern, elements<T>);
+  write_x(s, rdn, op(read_x(s, rdn), u64{delta}));
+  return aarch64_decode_ok;
+}
+
+// The same to every element of type T.
+template <class T, class Op>
+rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
+  const T delta = static_cast<T>(multiplier * pattern_count(pattern, elements<T>));
+  return compute<group<T>>(
+      s, zdn, [=](auto dn) { return op(dn, broadcast<group<T>>(delta)); }, zdn);
+}
+
+// Number of elements of type T of which bit 0 is set in all of the given predicates.
+template <class T, class... Predicates>
+u64 count_true(Predicates... predicates) {
+  group<T> counts{};
+  for (std::size_t i = 0; i < elements<group<T>>; ++i) {
+    counts += (element<group<T>>(predicates, i) & ...) & 1;
+  }
+  u64 sum = 0;
+  for (std::size_t lane = 0; lane < sve::group_bytes / sizeof(T); ++lane) sum += counts[lane];
+  return sum;
+}
+
+// The product is taken in 32 bits.
+std::int32_t times_vector_bytes(int imm) {
+  return static_cast<std::int32_t>(static_cast<u32>(imm) * vector_bytes);
+}
+
+template <class T, class Counter, class Compare>
+void while_elements(cpu_state* s, P pd, Counter n, Counter m, Compare holds) {
+  unsigned char result[vector_bytes] = {};
+  for (std::size_t i = 0; i < elements<T> && holds(n, m); ++i, ++n) set_active<T>(result, i, true);
+  set_flags_all_active<T>(s, result);
+  std::memcpy(s->p[pd.num], result, vector_bytes);
+}
+
+template <class Compare>
+rc prr(cpu_state* s, P pd, R rn, R rm, Compare holds) {
+  const u64 n = read_x(s, rn), m = read_x(s, rm);
+  return by_size<single>(pd.size, [=]<class T>() {
+    if (rn.size == sve::D) {
+      while_elements<T, u64>(s, pd, n, m, holds);
+    } else {
+      while_elements<T, u32>(s, pd, static_cast<u32>(n), static_cast<u32>(m), holds);
+    }
+  });
+}
+
+constexpr auto lower = [](auto n, auto m) { return n < m; };
+constexpr auto lower_or_same = [](auto n, auto m) { return n <= m; };
+constexpr auto less = [](auto n, auto m) { return as_signed(n) < as_signed(m); };
+
+}  // namespace
+
+rc sve_incb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u8>(s, rdn, p, m, add); }
+rc sve_inch_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u16>(s, rdn, p, m, add); }
+rc sve_incw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u32>(s, rdn, p, m, add); }
+rc sve_incd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u64>(s, rdn, p, m, add); }
+rc sve_decb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u8>(s, rdn, p, m, sub); }
+rc sve_dech_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u16>(s, rdn, p, m, sub); }
+rc sve_decw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u32>(s, rdn, p, m, sub); }
+rc sve_decd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u64>(s, rdn, p, m, sub); }
+
+rc sve_inch_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u16>(s, zdn, p, m, add); }
+rc sve_incw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u32>(s, zdn, p, m, add); }
+rc sve_incd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u64>(s, zdn, p, m, add); }
+rc sve_dech_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u16>(s, zdn, p, m, sub); }
+rc sve_decw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u32>(s, zdn, p, m, sub); }
+rc sve_decd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u64>(s, zdn, p, m, sub); }
+
+template <class T>
+void sve_uqdec(cpu_state* state, R rdn, unsigned pattern, unsigned multiplier, element_size size) {
+  const u32 delta = multiplier * pattern_count(pattern, vector_bytes >> size);
+  const T value = static_cast<T>(read_x(state, rdn));
+  write_x(state, rdn, delta < value ? value - delta : 0);
+}
+
+template void sve_uqdec<unsigned int>(cpu_state*, R, unsigned, unsigned, element_size);
+template void sve_uqdec<unsigned long>(cpu_state*, R, unsigned, unsigned, element_size);
+
+rc sve_uqdecb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) {
+  rdn.dst_size == sve::D ? sve_uqdec<unsigned long>(s, rdn, p, m, sve::B)
+                         : sve_uqdec<unsigned int>(s, rdn, p, m, sve::B);
+  return aarch64_decode_ok;
+}
+
+rc sve_incp_rp(cpu_state* s, R rdn, P pn) {
+  return by_size<single>(
+      pn.size, [=]<class T>() { write_x(s, rdn, read_x(s, rdn) + count_true<T>(s->p[pn.num])); });
+}
+
+rc sve_cntp_rpp(cpu_state* s, R rd, P pg, P pn) {
+  return by_size<single>(
+      pn.size, [=]<class T>() { write_x(s, rd, count_true<T>(s->p[pg.num], s->p[pn.num])); });
+}
+
+rc sve_addvl_rri(cpu_state* s, R_or_SP rd, R_or_SP rn, int imm) {
+  write_x(s, rd, read_x(s, rn) + static_cast<u64>(times_vector_bytes(imm)));
+  return aarch64_decode_ok;
+}
+
+rc sve_addpl_rri(cpu_state* s, R_or_SP rd, R_or_SP rn, int imm) {
+  write_x(s, rd, read_x(s, rn) + static_cast<u64>(times_vector_bytes(imm) / 8));
+  return aarch64_decode_ok;
+}
+
+rc sve_rdvl_ri(cpu_state* s, R rd, int imm) {
+  write_x(s, rd, static_cast<u64>(times_vector_bytes(imm)));
+  return aarch64_decode_ok;
+}
+
+rc sve_whilelo_prr(cpu_state* s, P pd, R rn, R rm) { return prr(s, pd, rn, rm, lower); }
+rc sve_whilels_prr(cpu_state* s, P pd, R rn, R rm) { return prr(s, pd, rn, rm, lower_or_same); }
+rc sve_whilelt_prr(cpu_state* s, P pd, R rn, R rm) { return prr(s, pd, rn, rm, less); }
