@@ -6,6 +6,7 @@
 // what is computed for inactive elements is discarded. Units of one element branch instead.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -24,19 +25,29 @@ using form::R;
 using form::R_or_SP;
 using form::Z;
 
-// Calls `loop` for the element type of a size code, as the given kind of unit: the one place where
-// size codes are told apart.
+template <class T>
+inline constexpr unsigned size_code = std::countr_zero(sizeof(T));
+
+// Calls `loop` for the element type that has the given size code, as the given kind of unit. The
+// types are tried in their order, and the last takes all codes that are left.
+template <template <class> class Unit, class T, class... Others, class Loop>
+inline rc by_size_among(unsigned size, Loop loop) {
+  if constexpr (sizeof...(Others) > 0) {
+    if (size != size_code<T>) return by_size_among<Unit, Others...>(size, loop);
+  }
+  loop.template operator()<Unit<T>>();
+  return aarch64_decode_ok;
+}
+
 template <template <class> class Unit, class Loop>
 inline rc by_size(unsigned size, Loop loop) {
-  if (size == S) {
-    loop.template operator()<Unit<std::uint32_t>>();
-  } else if (size == D) {
-    loop.template operator()<Unit<std::uint64_t>>();
-  } else if (size == H) {
-    loop.template operator()<Unit<std::uint16_t>>();
-  } else {
-    loop.template operator()<Unit<std::uint8_t>>();
-  }
+  return by_size_among<Unit, std::uint32_t, std::uint64_t, std::uint16_t, std::uint8_t>(size, loop);
+}
+
+// Writes value(i) as each unit i of a register directly: for what reads no other vector.
+template <class Unit, class Value>
+inline rc write_in_place(unsigned char* destination, Value value) {
+  for (std::size_t i = 0; i < elements<Unit>; ++i) set_element<Unit>(destination, i, value(i));
   return aarch64_decode_ok;
 }
 
@@ -44,7 +55,7 @@ inline rc by_size(unsigned size, Loop loop) {
 template <class Unit, class Value>
 inline rc write_units(unsigned char* destination, Value value) {
   alignas(group_bytes) unsigned char result[vector_bytes];
-  for (std::size_t i = 0; i < elements<Unit>; ++i) set_element<Unit>(result, i, value(i));
+  write_in_place<Unit>(result, value);
   std::memcpy(destination, result, vector_bytes);
   return aarch64_decode_ok;
 }
@@ -57,7 +68,7 @@ inline rc compute(cpu_state* state, Z zd, Op op, Sources... sources) {
   });
 }
 
-// zd = op(sources...) where pg, else `otherwise`.
+// zd = op(sources...) where pg, else the element of `otherwise`.
 template <class Unit, class Op, class... Sources>
 inline rc select(cpu_state* state, Z zd, P pg, Z otherwise, Op op, Sources... sources) {
   return write_units<Unit>(state->z[zd.num], [=](std::size_t i) {
@@ -71,6 +82,27 @@ inline rc select(cpu_state* state, Z zd, P pg, Z otherwise, Op op, Sources... so
 template <class Unit, class Op, class... Sources>
 inline rc merge(cpu_state* state, Z zd, P pg, Op op, Sources... sources) {
   return select<Unit>(state, zd, pg, zd, op, sources...);
+}
+
+// zd = op(sources...) where pg; the other elements become 0.
+template <class Unit, class Op, class... Sources>
+inline rc zero_inactive(cpu_state* state, Z zd, P pg, Op op, Sources... sources) {
+  return write_units<Unit>(state->z[zd.num], [=](std::size_t i) {
+    return governing<Unit>(state->p[pg.num], i)
+               ? (Unit)op(element<Unit>(state->z[sources.num], i)...)
+               : Unit{};
+  });
+}
+
+// compute and merge at the element type of a size code.
+template <template <class> class UnitKind = group, class Op, class... Sources>
+inline rc compute_by_size(cpu_state* state, unsigned size, Z zd, Op op, Sources... sources) {
+  return by_size<UnitKind>(size, [=]<class Unit>() { compute<Unit>(state, zd, op, sources...); });
+}
+
+template <template <class> class UnitKind = group, class Op, class... Sources>
+inline rc merge_by_size(cpu_state* state, unsigned size, Z zd, P pg, Op op, Sources... sources) {
+  return by_size<UnitKind>(size, [=]<class Unit>() { merge<Unit>(state, zd, pg, op, sources...); });
 }
 
 }  // namespace sve::fast

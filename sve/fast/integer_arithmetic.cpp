@@ -12,42 +12,34 @@ namespace {
 // Destructive forms: zdn = op(zdn, zm) where pg, with the size code in zdn or in zm.
 template <class Op>
 rc zpz(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
-  return by_size<group>(zdn.dst_size, [=]<class Unit>() { merge<Unit>(s, zdn, pg, op, zdn, zm); });
+  return merge_by_size(s, zdn.dst_size, zdn, pg, op, zdn, zm);
 }
 
 template <class Op>
 rc zpz_by_zm(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
-  return by_size<group>(zm.size, [=]<class Unit>() { merge<Unit>(s, zdn, pg, op, zdn, zm); });
+  return merge_by_size(s, zm.size, zdn, pg, op, zdn, zm);
 }
 
 template <class Op>
 rc zpz_multiply(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
-  return by_size<group_but_single_d>(zdn.dst_size,
-                                     [=]<class Unit>() { merge<Unit>(s, zdn, pg, op, zdn, zm); });
+  return merge_by_size<group_but_single_d>(s, zdn.dst_size, zdn, pg, op, zdn, zm);
 }
 
-// Doublewords, and words at any other size code.
 template <class Op>
 rc zpz_divide(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
-  return zdn.dst_size == sve::D ? merge<std::uint64_t>(s, zdn, pg, op, zdn, zm)
-                                : merge<std::uint32_t>(s, zdn, pg, op, zdn, zm);
-}
-
-template <class Op>
-rc zpz_unary(cpu_state* s, Z zd, P pg, Z zn, Op op) {
-  return by_size<group>(zd.size, [=]<class Unit>() { merge<Unit>(s, zd, pg, op, zn); });
+  return by_size_among<single, std::uint64_t, std::uint32_t>(
+      zdn.dst_size, [=]<class Unit>() { merge<Unit>(s, zdn, pg, op, zdn, zm); });
 }
 
 // Multiply-add forms: zd = op(zd, zn, zm) where pg.
 template <class Op>
 rc zpzz(cpu_state* s, Z zd, P pg, Z zn, Z zm, Op op) {
-  return by_size<group_but_single_d>(zd.dst_size,
-                                     [=]<class Unit>() { merge<Unit>(s, zd, pg, op, zd, zn, zm); });
+  return merge_by_size<group_but_single_d>(s, zd.dst_size, zd, pg, op, zd, zn, zm);
 }
 
 template <class Op>
 rc zzz(cpu_state* s, Z zd, Z zn, Z zm, Op op) {
-  return by_size<group>(zd.size, [=]<class Unit>() { compute<Unit>(s, zd, op, zn, zm); });
+  return compute_by_size(s, zd.size, zd, op, zn, zm);
 }
 
 template <class Op>
@@ -73,8 +65,6 @@ constexpr auto msb = [](auto dn, auto m, auto a) { return a - dn * m; };
 constexpr auto mla = [](auto da, auto n, auto m) { return da + n * m; };
 constexpr auto mls = [](auto da, auto n, auto m) { return da - n * m; };
 
-constexpr auto same = [](auto a) { return a; };
-
 }  // namespace
 
 rc sve_add_zpz(cpu_state* s, Z zdn, P pg, Z zm) { return zpz(s, zdn, pg, zm, add); }
@@ -95,7 +85,9 @@ rc sve_udiv_zpz(cpu_state* s, Z zdn, P pg, Z zm) { return zpz_divide(s, zdn, pg,
 rc sve_sdivr_zpz(cpu_state* s, Z zdn, P pg, Z zm) { return zpz_divide(s, zdn, pg, zm, sdivr); }
 rc sve_udivr_zpz(cpu_state* s, Z zdn, P pg, Z zm) { return zpz_divide(s, zdn, pg, zm, udivr); }
 
-rc sve_neg_zpz(cpu_state* s, Z zd, P pg, Z zn) { return zpz_unary(s, zd, pg, zn, neg); }
+rc sve_neg_zpz(cpu_state* s, Z zd, P pg, Z zn) {
+  return merge_by_size(s, zd.size, zd, pg, neg, zn);
+}
 
 rc sve_mad_zpzz(cpu_state* s, Z zdn, P pg, Z zm, Z za) { return zpzz(s, zdn, pg, zm, za, mad); }
 rc sve_msb_zpzz(cpu_state* s, Z zdn, P pg, Z zm, Z za) { return zpzz(s, zdn, pg, zm, za, msb); }

@@ -20,4 +20,40 @@ inline constexpr auto umax = [](auto a, auto b) { return a > b ? a : b; };
 inline constexpr auto smin = [](auto a, auto b) { return as_signed(a) < as_signed(b) ? a : b; };
 inline constexpr auto smax = [](auto a, auto b) { return as_signed(a) > as_signed(b) ? a : b; };
 
+inline constexpr auto same = [](auto a) { return a; };
+
+// Shifts by the unsigned count n. From the element's width on, LSL and LSR give 0 and ASR fills the
+// element with the sign.
+inline constexpr auto lsl = []<class Unit>(Unit a, Unit n) {
+  constexpr unsigned width = element_bits<Unit>;
+  return n < width ? a << (n & (width - 1)) : Unit{};
+};
+inline constexpr auto lsr = []<class Unit>(Unit a, Unit n) {
+  constexpr unsigned width = element_bits<Unit>;
+  return n < width ? a >> (n & (width - 1)) : Unit{};
+};
+inline constexpr auto asr = []<class Unit>(Unit a, Unit n) {
+  return as_signed(a) >> as_signed(umin(n, broadcast<Unit>(element_bits<Unit> - 1)));
+};
+
+// The low `bits` bits of an element, extended to it.
+template <unsigned bits>
+inline constexpr auto sign_extend = []<class Unit>(Unit a) {
+  constexpr unsigned unused = element_bits<Unit> - bits;
+  return as_signed(a << unused) >> unused;
+};
+template <unsigned bits>
+inline constexpr auto zero_extend = []<class Unit>(Unit a) { return a & ((1UL << bits) - 1); };
+
+// Exchanges neighbouring groups of 1, 2, 4 ... bits, up to the halves of an element.
+inline constexpr auto reverse_bits = []<class Unit>(Unit a) {
+  using T = typename unit_traits<Unit>::element_type;
+  for (unsigned step = 1; step < element_bits<Unit>; step *= 2) {
+    const T low = static_cast<T>(-1) / ((T{1} << step) + 1);  // 0x55, 0x33, 0x0f for bytes
+    a = ((a >> step) & low) | ((a & low) << step);
+  }
+  return a;
+};
+inline constexpr auto swap_words = [](auto a) { return (a >> 32) | (a << 32); };
+
 }  // namespace sve::fast

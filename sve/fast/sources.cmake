@@ -1,5 +1,6 @@
-# target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/....cpp)
 target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/integer_arithmetic.cpp)
 target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/contiguous_memory.cpp)
 target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
 target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counting.cpp)
+target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/immediates_shifts_moves.cpp)
+target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/compare.cpp)
