@@ -63,9 +63,9 @@ struct CpuContext {
   std::uint32_t vl;  // vector length in units of 64 bits
   PredV ffr;
 
-  // Number of elements of type T in a vector.
+  // Number of elements of type T in a vector, in 32-bit arithmetic: the low 26 bits of vl count.
   template <class T>
   unsigned elements() const {
-    return vl * 8 / sizeof(T);
+    return vl * 64 / static_cast<unsigned>(8 * sizeof(T));
   }
 };

@@ -1,0 +1,67 @@
+// The shapes of the semantic functions: which elements are computed and what the others become.
+// A family is one of these with its element expression.
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+
+#include "sve/semantics/integer_helpers.h"
+#include "sve/semantics/semantics.h"
+
+namespace sve::semantics {
+
+using U8 = std::uint8_t;
+using U16 = std::uint16_t;
+using U32 = std::uint32_t;
+using U64 = std::uint64_t;
+using S8 = std::int8_t;
+using S16 = std::int16_t;
+using S32 = std::int32_t;
+using S64 = std::int64_t;
+
+// The w and u arguments of the integer helpers for a tag's type.
+template <class T>
+inline constexpr int width = 8 * sizeof(T);
+template <class T>
+inline constexpr int is_unsigned = std::is_unsigned_v<T> ? 1 : 0;
+
+// The element as the integer that its tag says.
+template <class T>
+constexpr Int128 Int(T x) {
+  return x;
+}
+
+// X forms: every element e is operation(e).
+template <class T, class Operation>
+VecV unpredicated(const CpuContext* ctx, Operation operation) {
+  VecV result;
+  const unsigned n = ctx->elements<T>();
+  for (unsigned e = 0; e < n; ++e) result.set<T>(e, static_cast<T>(operation(e)));
+  return result;
+}
+
+// M forms: operation(e) where g is active, else the merge source's element.
+template <class T, class Operation>
+VecV merging(const VecV& merge, const PredV& g, const CpuContext* ctx, Operation operation) {
+  return unpredicated<T>(ctx, [&](unsigned e) {
+    return g.active<T>(e) ? static_cast<T>(operation(e)) : merge.get<T>(e);
+  });
+}
+
+// Z forms: operation(e) where g is active, else 0.
+template <class T, class Operation>
+VecV zeroing(const PredV& g, const CpuContext* ctx, Operation operation) {
+  return unpredicated<T>(
+      ctx, [&](unsigned e) { return g.active<T>(e) ? static_cast<T>(operation(e)) : T{0}; });
+}
+
+// Generators of predicates: element e is truth(e), in its first lane; all other lanes are 0.
+template <class T, class Truth>
+PredV generated(const CpuContext* ctx, Truth truth) {
+  PredV result{};
+  const unsigned n = ctx->elements<T>();
+  for (unsigned e = 0; e < n; ++e) result.set_active<T>(e, truth(e));
+  return result;
+}
+
+}  // namespace sve::semantics
