@@ -28,7 +28,11 @@ const std::uintptr_t page_size = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZ
 
 std::uintptr_t page_start(std::uintptr_t address) { return address & ~(page_size - 1); }
 std::uintptr_t page_end(std::uintptr_t address) { return page_start(address + page_size - 1); }
-void* pointer(std::uintptr_t address) { return reinterpret_cast<void*>(address); }
+
+// Addresses come from files and are computed with; only here they become pointers.
+void* pointer(std::uintptr_t address) {
+  return reinterpret_cast<void*>(address);  // NOLINT(performance-no-int-to-ptr): see above
+}
 
 std::string hexadecimal(std::uintptr_t value) {
   char text[2 + 2 * sizeof value + 1];

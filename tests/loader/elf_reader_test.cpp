@@ -1,0 +1,326 @@
+// A well-formed program is built in memory, then damaged in one place. Files are given to the
+// reader in heap blocks of their exact size, so that the sanitizers see a read beyond the end.
+#include "host/elf_reader.h"
+
+#include <cstring>
+#include <elf.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/mman.h>
+
+#include "host/launch_error.h"
+
+namespace host {
+namespace {
+
+constexpr std::uint64_t page_size = 4096;
+constexpr std::string_view interpreter_path{"/lib/ld.so\0", 11};
+
+struct elf_file {
+  Elf64_Ehdr header = {};
+  std::vector<Elf64_Phdr> program_headers;
+  std::vector<std::byte> content = std::vector<std::byte>(0x1800);
+
+  Elf64_Phdr& interpreter() { return program_headers[0]; }
+  Elf64_Phdr& text() { return program_headers[1]; }
+  Elf64_Phdr& data() { return program_headers[2]; }
+  Elf64_Phdr& stack() { return program_headers[3]; }
+
+  [[nodiscard]] std::vector<std::byte> bytes() const {
+    std::vector<std::byte> result = content;
+    const auto put = [&result](std::size_t offset, const void* from, std::size_t size) {
+      if (offset + size <= result.size()) std::memcpy(result.data() + offset, from, size);
+    };
+    put(0, &header, sizeof header);
+    put(sizeof header, program_headers.data(), program_headers.size() * sizeof(Elf64_Phdr));
+    return result;
+  }
+};
+
+// A dynamic program at 0x400000: headers, path and code in one page, data and zeros behind it.
+elf_file well_formed() {
+  elf_file file;
+  std::memcpy(file.header.e_ident, ELFMAG, SELFMAG);
+  file.header.e_ident[EI_CLASS] = ELFCLASS64;
+  file.header.e_ident[EI_DATA] = ELFDATA2LSB;
+  file.header.e_ident[EI_VERSION] = EV_CURRENT;
+  file.header.e_type = ET_EXEC;
+  file.header.e_machine = EM_AARCH64;
+  file.header.e_entry = 0x400800;
+  file.header.e_phoff = sizeof(Elf64_Ehdr);
+  file.header.e_phentsize = sizeof(Elf64_Phdr);
+  file.header.e_phnum = 4;
+  // type, flags, offset, vaddr, paddr, filesz, memsz, align
+  file.program_headers = {
+      {PT_INTERP, PF_R, 0x400, 0x400400, 0, interpreter_path.size(), interpreter_path.size(), 1},
+      {PT_LOAD, PF_R | PF_X, 0, 0x400000, 0, 0x1000, 0x1000, 0x10000},
+      {PT_LOAD, PF_R | PF_W, 0x1000, 0x411000, 0, 0x800, 0x2340, 0x10000},
+      {PT_GNU_STACK, PF_R | PF_W, 0, 0, 0, 0, 0, 16},
+  };
+  std::memcpy(file.content.data() + 0x400, interpreter_path.data(), interpreter_path.size());
+  return file;
+}
+
+elf_image read(const elf_file& file) {
+  const std::vector<std::byte> bytes = file.bytes();
+  return read_elf("program", bytes, page_size);
+}
+
+// The message with which `bytes` are refused, or "" if they are taken.
+std::string refusal(std::span<const std::byte> bytes) {
+  try {
+    read_elf("program", bytes, page_size);
+    return "";
+  } catch (const launch_error& error) {
+    EXPECT_EQ(error.status(), exit_status::cannot_run);
+    return error.what();
+  }
+}
+
+TEST(elf_reader, takes_a_well_formed_program) {
+  const elf_image image = read(well_formed());
+  EXPECT_FALSE(image.position_independent);
+  EXPECT_EQ(image.entry, 0x400800U);
+  EXPECT_EQ(image.program_headers_address, 0x400040U);
+  EXPECT_EQ(image.program_header_count, 4);
+  EXPECT_EQ(image.alignment, 0x10000U);
+  EXPECT_FALSE(image.executable_stack);
+  EXPECT_EQ(image.interpreter, "/lib/ld.so");
+  EXPECT_EQ(image.low, 0x400000U);
+  EXPECT_EQ(image.high, 0x414000U);
+  ASSERT_EQ(image.segments.size(), 2U);
+  EXPECT_EQ(image.segments[0].protection, PROT_READ | PROT_EXEC);
+  EXPECT_EQ(image.segments[1].protection, PROT_READ | PROT_WRITE);
+  EXPECT_EQ(image.segments[1].address, 0x411000U);
+  EXPECT_EQ(image.segments[1].memory_size, 0x2340U);
+  EXPECT_EQ(image.segments[1].file_offset, 0x1000U);
+  EXPECT_EQ(image.segments[1].file_size, 0x800U);
+}
+
+struct variation {
+  const char* name;
+  std::function<void(elf_file&)> change;
+};
+
+// What the kernel takes as well.
+TEST(elf_reader, takes_unusual_programs) {
+  const variation variations[] = {
+      {"alignment that is no power of two", [](elf_file& f) { f.text().p_align = 0x30000; }},
+      {"alignment below a page", [](elf_file& f) { f.data().p_align = 0; }},
+      {"empty segment anywhere",
+       [](elf_file& f) { f.stack() = {PT_LOAD, PF_R, 0, 0, 0, 0, 0, 0}; }},
+      {"zeros only, with an odd offset",
+       [](elf_file& f) {
+         f.data().p_filesz = 0;
+         f.data().p_offset = 0x123;
+       }},
+      {"segments on one page",
+       [](elf_file& f) {
+         f.data().p_vaddr = 0x400f00 + 0x1000;
+         f.data().p_offset = 0xf00;
+         f.text().p_memsz = 0x1e00;
+       }},
+      {"second interpreter, ignored",
+       [](elf_file& f) { f.stack() = {PT_INTERP, PF_R, ~0UL, 0, 0, ~0UL, 0, 1}; }},
+      {"unknown header type with absurd values",
+       [](elf_file& f) { f.stack() = {0x6fffffff, ~0U, ~0UL, ~0UL, ~0UL, ~0UL, ~0UL, ~0UL}; }},
+      {"position-independent from zero",
+       [](elf_file& f) {
+         f.header.e_type = ET_DYN;
+         f.header.e_entry -= 0x400000;
+         f.text().p_vaddr = 0;
+         f.data().p_vaddr = 0x11000;
+       }},
+  };
+  for (const variation& variation : variations) {
+    elf_file file = well_formed();
+    variation.change(file);
+    EXPECT_EQ(refusal(file.bytes()), "") << variation.name;
+  }
+}
+
+TEST(elf_reader, reads_optional_parts) {
+  elf_file file = well_formed();
+  file.stack().p_flags |= PF_X;
+  file.interpreter().p_type = PT_NOTE;
+  file.header.e_type = ET_DYN;
+  file.text().p_offset = 0x1000;  // now no segment holds the program headers
+  file.text().p_filesz = 0x800;
+  file.header.e_entry = 0x4007fc;
+  const elf_image image = read(file);
+  EXPECT_TRUE(image.executable_stack);
+  EXPECT_TRUE(image.position_independent);
+  EXPECT_EQ(image.interpreter, "");
+  EXPECT_EQ(image.program_headers_address, 0U);
+}
+
+struct refused {
+  const char* fragment;  // of the message
+  std::function<void(elf_file&)> change;
+};
+
+const refused foreign_files[] = {
+    {"neither an ELF program nor a script", [](elf_file& f) { f.header.e_ident[1] = 'e'; }},
+    {"built for x86-64", [](elf_file& f) { f.header.e_machine = EM_X86_64; }},
+    {"built for ELF machine 4711", [](elf_file& f) { f.header.e_machine = 4711; }},
+    {"built for 32-bit Arm",
+     [](elf_file& f) {
+       f.header.e_machine = EM_ARM;
+       f.header.e_ident[EI_CLASS] = ELFCLASS32;
+     }},
+    {"big-endian AArch64",
+     [](elf_file& f) {
+       f.header.e_machine = __builtin_bswap16(EM_AARCH64);
+       f.header.e_ident[EI_DATA] = ELFDATA2MSB;
+     }},
+    {"32-bit addresses", [](elf_file& f) { f.header.e_ident[EI_CLASS] = ELFCLASS32; }},
+    {"ELF class 0", [](elf_file& f) { f.header.e_ident[EI_CLASS] = ELFCLASSNONE; }},
+    {"data encoding 3", [](elf_file& f) { f.header.e_ident[EI_DATA] = 3; }},
+    {"object file", [](elf_file& f) { f.header.e_type = ET_REL; }},
+    {"core dump", [](elf_file& f) { f.header.e_type = ET_CORE; }},
+    {"file type 65280", [](elf_file& f) { f.header.e_type = ET_LOPROC; }},
+};
+
+const refused hostile_tables[] = {
+    {"program headers of 55 bytes", [](elf_file& f) { f.header.e_phentsize = 55; }},
+    {"program headers of 0 bytes", [](elf_file& f) { f.header.e_phentsize = 0; }},
+    {"no program headers", [](elf_file& f) { f.header.e_phnum = 0; }},
+    {"1171 program headers", [](elf_file& f) { f.header.e_phnum = 1171; }},
+    {"65535 program headers", [](elf_file& f) { f.header.e_phnum = PN_XNUM; }},
+    {"headers lie outside the file", [](elf_file& f) { f.header.e_phnum = 1170; }},
+    {"headers lie outside the file", [](elf_file& f) { f.header.e_phoff = 0x1800 - 4 * 56 + 1; }},
+    {"headers lie outside the file", [](elf_file& f) { f.header.e_phoff = ~0UL; }},
+    {"headers lie outside the file", [](elf_file& f) { f.header.e_phoff = ~0UL - 4 * 56 + 1; }},
+    {"no segment to load", [](elf_file& f) { f.text().p_type = f.data().p_type = PT_NOTE; }},
+    {"no segment to load",
+     [](elf_file& f) {
+       f.text().p_filesz = f.text().p_memsz = 0;
+       f.data().p_filesz = f.data().p_memsz = 0;
+     }},
+};
+
+const refused hostile_segments[] = {
+    {"load segment 1 lies outside the file", [](elf_file& f) { f.data().p_filesz = 0x801; }},
+    {"load segment 1 lies outside the file", [](elf_file& f) { f.data().p_offset = 0x2000; }},
+    {"load segment 1 lies outside the file", [](elf_file& f) { f.data().p_offset = ~0xfffUL; }},
+    {"load segment 1 lies outside the file",
+     [](elf_file& f) { f.data().p_filesz = f.data().p_memsz = ~0xfffUL; }},
+    {"segment 1 is larger in the file", [](elf_file& f) { f.data().p_memsz = 0x7ff; }},
+    {"segment 1 lies above all addresses", [](elf_file& f) { f.data().p_vaddr = ~0xfffUL; }},
+    {"segment 1 lies above all addresses", [](elf_file& f) { f.data().p_memsz = ~0UL; }},
+    {"segment 1 lies above all addresses",
+     [](elf_file& f) { f.data().p_memsz = address_limit - 0x411000; }},
+    {"segment 1 cannot be mapped", [](elf_file& f) { f.data().p_vaddr += 8; }},
+    {"segment 1 cannot be mapped", [](elf_file& f) { f.data().p_offset -= 8; }},
+    {"segment 1 asks for an absurd", [](elf_file& f) { f.data().p_align = 1UL << 63; }},
+    {"segment 1 overlaps", [](elf_file& f) { f.text().p_memsz = 0x11001; }},
+    {"segment 1 overlaps", [](elf_file& f) { f.data().p_vaddr = 0x3ff000; }},
+    {"segment 1 overlaps", [](elf_file& f) { f.data() = f.text(); }},
+    {"page zero", [](elf_file& f) { f.text().p_vaddr = 0, f.header.e_entry = 0x800; }},
+};
+
+const refused hostile_entries_and_interpreters[] = {
+    {"entry point", [](elf_file& f) { f.header.e_entry = 0; }},
+    {"entry point", [](elf_file& f) { f.header.e_entry = 0x400802; }},
+    {"entry point", [](elf_file& f) { f.header.e_entry = 0x411000; }},
+    {"entry point", [](elf_file& f) { f.header.e_entry = 0x401000; }},
+    {"entry point", [](elf_file& f) { f.header.e_entry = 0x3ffffc; }},
+    {"entry point", [](elf_file& f) { f.text().p_flags = PF_R; }},
+    {"path has no end", [](elf_file& f) { f.interpreter().p_filesz -= 1; }},
+    {"path has 1 bytes", [](elf_file& f) { f.interpreter().p_filesz = 1; }},
+    {"path has 0 bytes", [](elf_file& f) { f.interpreter().p_filesz = 0; }},
+    {"path has 4097 bytes", [](elf_file& f) { f.interpreter().p_filesz = 4097; }},
+    {"path lies outside", [](elf_file& f) { f.interpreter().p_offset = 0x1800 - 10; }},
+    {"path lies outside", [](elf_file& f) { f.interpreter().p_offset = ~0UL; }},
+    {"path is empty", [](elf_file& f) { f.content[0x400] = std::byte{0}; }},
+};
+
+void expect_refused(std::span<const refused> table) {
+  for (const refused& row : table) {
+    elf_file file = well_formed();
+    row.change(file);
+    const std::string message = refusal(file.bytes());
+    EXPECT_NE(message.find(row.fragment), std::string::npos)
+        << "row \"" << row.fragment << "\" gives \"" << message << '"';
+    EXPECT_TRUE(message.starts_with("program: ")) << message;
+    EXPECT_EQ(message.find('\n'), std::string::npos) << message;
+  }
+}
+
+TEST(elf_reader, refuses_foreign_files) { expect_refused(foreign_files); }
+TEST(elf_reader, refuses_hostile_tables) { expect_refused(hostile_tables); }
+TEST(elf_reader, refuses_hostile_segments) { expect_refused(hostile_segments); }
+TEST(elf_reader, refuses_hostile_entries_and_interpreters) {
+  expect_refused(hostile_entries_and_interpreters);
+}
+
+TEST(elf_reader, refuses_every_truncation) {
+  const std::vector<std::byte> whole = well_formed().bytes();
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    const std::vector<std::byte> part(whole.begin(), whole.begin() + static_cast<long>(size));
+    ASSERT_NE(refusal(part), "") << size << " bytes";
+  }
+  EXPECT_EQ(refusal(whole), "");
+}
+
+// What elf_reader.h promises of an image that was taken.
+void check_promises(const elf_image& image, std::size_t file_size) {
+  ASSERT_FALSE(image.segments.empty());
+  std::uint64_t previous_end = image.low;
+  bool entry_is_code = false;
+  for (const elf_segment& segment : image.segments) {
+    ASSERT_LE(previous_end, segment.address);
+    ASSERT_LE(segment.file_size, segment.memory_size);
+    ASSERT_LT(segment.memory_size, address_limit);
+    previous_end = segment.address + segment.memory_size;
+    ASSERT_LT(previous_end, address_limit);
+    if (segment.file_size != 0) {
+      ASSERT_LE(segment.file_offset, file_size);
+      ASSERT_LE(segment.file_size, file_size - segment.file_offset);
+      ASSERT_EQ(segment.file_offset % page_size, segment.address % page_size);
+    }
+    entry_is_code |= (segment.protection & PROT_EXEC) != 0 && image.entry >= segment.address &&
+                     image.entry < segment.address + segment.file_size;
+  }
+  ASSERT_TRUE(entry_is_code);
+  ASSERT_EQ(image.low % page_size + image.high % page_size, 0U);
+  ASSERT_LE(previous_end, image.high);
+  ASSERT_LE(image.high, address_limit);
+  ASSERT_TRUE(image.alignment >= page_size && std::has_single_bit(image.alignment));
+}
+
+// Damages a few fields of the headers with values at which arithmetic goes wrong.
+std::vector<std::byte> mutate(std::vector<std::byte> bytes, std::mt19937_64& random) {
+  const std::uint64_t limits[] = {0,         1,         page_size,    address_limit, ~0UL,
+                                  1UL << 63, ~0UL >> 1, bytes.size(), 0x400000,      random()};
+  const std::size_t headers_size = sizeof(Elf64_Ehdr) + 4 * sizeof(Elf64_Phdr);
+  for (std::uint64_t count = 1 + random() % 3; count != 0; --count) {
+    const std::uint64_t value = limits[random() % std::size(limits)] + random() % 3 - 1;
+    const std::size_t width = std::size_t{1} << random() % 4;
+    const std::size_t offset = SELFMAG + random() % (headers_size - SELFMAG) / width * width;
+    std::memcpy(bytes.data() + std::min(offset, headers_size - width), &value, width);
+  }
+  return bytes;
+}
+
+TEST(elf_reader, keeps_its_promises_on_damaged_files) {
+  const std::uint64_t seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937_64 random(seed);
+  const std::vector<std::byte> whole = well_formed().bytes();
+  int taken = 0;
+  for (int round = 0; round < 20000; ++round) {
+    const std::vector<std::byte> bytes = mutate(whole, random);
+    try {
+      check_promises(read_elf("program", bytes, page_size), bytes.size());
+      if (HasFatalFailure()) return;
+      ++taken;
+    } catch (const launch_error&) {
+    }
+  }
+  EXPECT_GT(taken, 100) << "nearly every damaged file was refused, so nothing was tested";
+}
+
+}  // namespace
+}  // namespace host

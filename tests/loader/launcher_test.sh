@@ -1,0 +1,141 @@
+#!/bin/bash
+# Runs the launcher as a user does: programs of each kind see the same start as without it, and each
+# kind of bad input gets one line and the status that a shell would give.
+#
+# launcher_test.sh DIRECTORY LAUNCHER [EMULATOR...]: DIRECTORY has the programs show_start_KIND.
+set -u
+programs=$(cd "$1" && pwd)
+launcher=$2
+shift 2
+# The programs get an environment of their own, without PATH.
+emulator=()
+if [ $# -gt 0 ]; then emulator=("$(command -v "$1")" "${@:2}"); fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+failures=0
+
+fail() {
+  echo "FAIL: $*"
+  failures=$((failures + 1))
+}
+
+native() { env -i A=b "C=d e" "${emulator[@]}" "$@"; }
+tessaly() { env -i A=b "C=d e" "${emulator[@]}" "$launcher" "$@"; }
+
+# expect STATUS TEXT ARGUMENTS...: the launcher refuses, with TEXT in its one line.
+expect() {
+  local status=$1 text=$2
+  shift 2
+  tessaly "$@" >out 2>err </dev/null
+  local got=$?
+  [ $got -eq "$status" ] || fail "$*: status $got instead of $status ($(cat err))"
+  [ "$(wc -l <err)" -eq 1 ] || fail "$*: not one line: $(cat err)"
+  grep -q "^tessaly: .*$text" err || fail "$*: \"$text\" is not in: $(cat err)"
+  [ ! -s out ] || fail "$*: wrote to standard output: $(cat out)"
+}
+
+# Changes bytes of a copy: damage NAME OFFSET OCTAL-ESCAPES
+damage() {
+  cp "$programs/show_start_static" "$1"
+  printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none
+}
+
+same_start() {
+  local kind=$1
+  cp "$programs/show_start_$kind" show
+  native ./show x "" "y z" >expected
+  local expected_status=$?
+  tessaly ./show x "" "y z" >actual 2>err
+  local status=$?
+  [ $status -eq 42 ] && [ $expected_status -eq 42 ] ||
+    fail "$kind: status $status, without the launcher $expected_status: $(cat err)"
+  diff expected actual || fail "$kind: another start than without the launcher"
+  ! grep NO expected || fail "$kind: the program itself is wrong"
+}
+
+for kind in static static_pie dynamic dynamic_fixed; do same_start $kind; done
+
+tessaly ./show --random >first 2>err
+tessaly ./show --random >second 2>err
+! cmp -s first second || fail "random bytes are the same twice: $(cat first)"
+
+tessaly ./show --overflow-stack >out 2>err
+status=$?
+[ $status -eq 139 ] || fail "overflowing the stack gives status $status, not SIGSEGV's"
+
+# Scripts, and a script as a script's interpreter.
+echo "#! ./show one  argument " >script && chmod +x script
+printf '#!./script' >nested && chmod +x nested
+tessaly ./nested x >out 2>err
+[ $? -eq 42 ] || fail "a nested script: $(cat err)"
+printf 'argument %s\n' ./show "one  argument" ./script ./nested x >expected
+grep ^argument out | cmp - expected || fail "a nested script's arguments: $(cat out)"
+grep -q "^auxiliary 31 ./nested" out || fail "a nested script's AT_EXECFN: $(grep 'y 31' out)"
+
+# Files that are not there or may not be executed.
+mkdir directory
+echo text >text && chmod +x text
+cp show unexecutable && chmod -x unexecutable
+: >empty && chmod +x empty
+mkfifo pipe && chmod +x pipe
+expect 127 "./absent: no such file" ./absent
+expect 127 "absent: not found in PATH" absent
+expect 126 "./directory: a directory" ./directory
+expect 126 "./unexecutable: permission denied" ./unexecutable
+expect 126 "./show/x: Not a directory" ./show/x
+expect 126 "./empty: an empty file" ./empty
+expect 126 "./pipe: not a regular file" ./pipe
+expect 126 "./text: neither an ELF program nor a script" ./text
+
+# Scripts without a usable interpreter.
+printf '#!/does/not/exist\n' >script1
+printf '#! \n' >script2
+printf '#!./script3\n' >script3
+printf '#!./text\n' >script4
+chmod +x script[1-4]
+expect 127 "./script1: interpreter /does/not/exist: no such file" ./script1
+expect 126 "./script2: .*names no interpreter" ./script2
+expect 126 "./script3: scripts that interpret scripts" ./script3
+expect 126 "./text: neither" ./script4
+
+# Programs for other machines, and damaged ones.
+damage x86_64 18 '\076\0'
+damage arm 4 '\001'
+printf '\050\0' | dd of=arm bs=1 seek=18 conv=notrunc status=none
+damage big_endian 5 '\002'
+printf '\0\267' | dd of=big_endian bs=1 seek=18 conv=notrunc status=none
+damage entry 24 '\0\0\0\0'
+damage object 16 '\001'
+damage headers 54 '\0'
+head -c 4000 show >truncated && chmod +x truncated
+head -c 18 show >header_only && chmod +x header_only
+expect 126 "./x86_64: built for x86-64" ./x86_64
+expect 126 "./arm: built for 32-bit Arm" ./arm
+expect 126 "./big_endian: built for big-endian AArch64" ./big_endian
+expect 126 "./entry: .*entry point" ./entry
+expect 126 "./object: an object file" ./object
+expect 126 "./headers: .*program headers of 0 bytes" ./headers
+expect 126 "./truncated: damaged ELF file" ./truncated
+expect 126 "./header_only: damaged ELF file" ./header_only
+expect 127 "interpreter /no/such/interpreter: no such file" "$programs/show_start_no_interpreter"
+
+# A program whose fixed addresses are those of the launcher, which the emulator puts here.
+if [ ${#emulator[@]} -gt 0 ]; then
+  expect 126 "its fixed addresses .* cannot be had" "$programs/show_start_collision"
+fi
+
+# The command line and the client library.
+expect 2 "no program given"
+expect 2 "unknown option -x" -x ./show
+expect 2 "-c needs --" -c ./client.so ./show
+expect 125 "cannot load the client library: .*absent.so" -c ./absent.so -- ./show
+expect 125 "cannot load the client library: .*text" -c text -- ./show
+tessaly --help >out 2>err || fail "--help: $(cat err)"
+grep -q "^Usage: tessaly PROGRAM" out && [ ! -s err ] || fail "--help prints $(cat out err)"
+tessaly --version >out 2>err || fail "--version: $(cat err)"
+grep -Eqx "tessaly [0-9.]+" out || fail "--version prints $(cat out err)"
+
+[ $failures -eq 0 ] || exit 1
+echo "launcher_test: all as expected"

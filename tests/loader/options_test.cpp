@@ -1,0 +1,75 @@
+#include "host/options.h"
+
+#include <gtest/gtest.h>
+
+#include "host/launch_error.h"
+
+namespace host {
+namespace {
+
+using words = std::vector<std::string>;
+
+struct accepted {
+  words arguments;
+  words client;
+  words program;
+};
+
+TEST(options, separates_client_and_program) {
+  const accepted table[] = {
+      {{"prog"}, {}, {"prog"}},
+      {{"prog", "-c", "--", "--help"}, {}, {"prog", "-c", "--", "--help"}},
+      {{"--", "prog", "x"}, {}, {"prog", "x"}},
+      {{"--", "-prog"}, {}, {"-prog"}},
+      {{"--", "--"}, {}, {"--"}},
+      {{"-c", "c.so", "--", "prog"}, {"c.so"}, {"prog"}},
+      {{"-c", "c.so", "-x", "y", "--", "prog", "--", "z"},
+       {"c.so", "-x", "y"},
+       {"prog", "--", "z"}},
+      {{"", "x"}, {}, {"", "x"}},
+  };
+  for (const accepted& row : table) {
+    const options chosen = parse_options(row.arguments);
+    EXPECT_EQ(chosen.action, requested_action::run);
+    EXPECT_EQ(chosen.client, row.client) << testing::PrintToString(row.arguments);
+    EXPECT_EQ(chosen.program, row.program) << testing::PrintToString(row.arguments);
+  }
+}
+
+TEST(options, knows_requests_for_information) {
+  EXPECT_EQ(parse_options(words{"--help"}).action, requested_action::show_help);
+  EXPECT_EQ(parse_options(words{"--version"}).action, requested_action::show_version);
+  EXPECT_EQ(parse_options(words{"--list-instructions"}).action,
+            requested_action::list_instructions);
+}
+
+TEST(options, refuses_what_makes_no_sense) {
+  const struct {
+    words arguments;
+    const char* fragment;
+  } table[] = {
+      {{}, "no program given"},
+      {{"--"}, "no program given"},
+      {{"-c"}, "-c needs"},
+      {{"-c", "--", "prog"}, "-c needs the path"},
+      {{"-c", "c.so"}, "-c needs --"},
+      {{"-c", "c.so", "prog"}, "-c needs --"},
+      {{"-c", "c.so", "--"}, "no program given"},
+      {{"-x", "prog"}, "unknown option -x"},
+      {{"--helpful"}, "unknown option --helpful"},
+      {{"-"}, "unknown option -"},
+      {{"--version", "prog"}, "--version takes no"},
+  };
+  for (const auto& row : table) {
+    try {
+      parse_options(row.arguments);
+      ADD_FAILURE() << "accepted " << testing::PrintToString(row.arguments);
+    } catch (const launch_error& error) {
+      EXPECT_EQ(error.status(), exit_status::usage);
+      EXPECT_NE(std::string(error.what()).find(row.fragment), std::string::npos) << error.what();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace host
