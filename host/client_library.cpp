@@ -55,6 +55,7 @@ void client_library::check_version() const {
 void client_library::start(const std::vector<std::string>& arguments) const {
   check_version();
   std::vector<const char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   argv.push_back(nullptr);
   using client_main = void(unsigned id, int argc, const char** argv);

@@ -22,6 +22,10 @@ constexpr std::size_t guard_size = std::size_t{1} << 20;  // the kernel's stack_
 
 constexpr std::size_t alignment = 16;  // of the stack pointer, by the procedure call standard
 
+void* pointer(std::uint64_t address) {
+  return reinterpret_cast<void*>(address);  // NOLINT(performance-no-int-to-ptr): words of the stack
+}
+
 // The upper part of the stack: what the words in the lower part point to. Argument and environment
 // strings stand next to each other without gaps, which programs that rewrite their own title
 // expect.
@@ -36,8 +40,9 @@ class pointed_to {
     return add(std::as_bytes(std::span(text.c_str(), text.size() + 1)));
   }
   std::vector<std::size_t> add_all(const std::vector<std::string>& texts) {
-    std::vector<std::size_t> offsets;
-    for (const std::string& text : texts) offsets.push_back(add(text));
+    std::vector<std::size_t> offsets(texts.size());
+    std::transform(texts.begin(), texts.end(), offsets.begin(),
+                   [this](const std::string& text) { return add(text); });
     return offsets;
   }
   // At least a word of zeros stands at the very top.
@@ -59,7 +64,7 @@ void add_auxiliary_strings(pointed_to& upper, const std::string& executable_name
       case AT_EXECFN: entry.a_un.a_val = upper.add(executable_name); break;
       case AT_PLATFORM:
       case AT_BASE_PLATFORM:
-        entry.a_un.a_val = upper.add(reinterpret_cast<const char*>(entry.a_un.a_val));
+        entry.a_un.a_val = upper.add(static_cast<const char*>(pointer(entry.a_un.a_val)));
         break;
       default: break;
     }
@@ -164,7 +169,7 @@ std::uintptr_t map_initial_stack(const process_start& start) {
   const std::size_t filled = build_initial_stack(start, 0, random).size();
   const std::uintptr_t top = map_stack(stack_size(filled), start.executable_stack);
   const std::vector<std::byte> content = build_initial_stack(start, top, random);
-  std::memcpy(reinterpret_cast<void*>(top - content.size()), content.data(), content.size());
+  std::memcpy(pointer(top - content.size()), content.data(), content.size());
   return top - content.size();
 }
 

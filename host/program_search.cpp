@@ -66,8 +66,9 @@ std::string find_in_path(const std::string& name, std::string_view search_path) 
   std::string unusable;
   for (std::size_t start = 0; start <= search_path.size();) {
     const std::size_t end = std::min(search_path.find(':', start), search_path.size());
-    const std::string directory(search_path.substr(start, end - start));
-    const std::string path = directory.empty() ? name : directory + "/" + name;
+    std::string path(search_path.substr(start, end - start));
+    if (!path.empty()) path += '/';
+    path += name;
     const int error = execution_error(path);
     if (error == 0) return path;
     if (error != ENOENT && error != ENOTDIR && unusable.empty()) unusable = path;

@@ -1,0 +1,34 @@
+// Operands of the client interface.
+#include "host/include/dr_api.h"
+
+opnd_t opnd_create_null() { return {}; }
+
+opnd_t opnd_create_reg(reg_id_t reg) { return {.kind = opnd_kind::reg, .reg = reg}; }
+
+opnd_t opnd_create_immed_int(ptr_int_t value, opnd_size_t size) {
+  return {.kind = opnd_kind::immed_int, .size = size, .value = value};
+}
+
+opnd_t opnd_create_base_disp(reg_id_t base, reg_id_t index, int scale, int disp, opnd_size_t size) {
+  // An index or a scale has no form here; the encoder refuses the operand by its missing base.
+  const bool plain = index == DR_REG_NULL && scale == 0;
+  return {.kind = opnd_kind::base_disp,
+          .size = size,
+          .reg = plain ? base : static_cast<reg_id_t>(DR_REG_NULL),
+          .disp = disp};
+}
+
+opnd_t opnd_add_flags(opnd_t opnd, dr_opnd_flags_t flags) {
+  opnd.flags |= flags;
+  return opnd;
+}
+
+reg_id_t opnd_get_reg(opnd_t opnd) { return opnd.reg; }
+
+opnd_size_t opnd_get_size(opnd_t opnd) {
+  if (opnd.kind != opnd_kind::reg) return opnd.size;
+  if (opnd.reg >= DR_REG_X0 && opnd.reg <= DR_REG_XZR) return OPSZ_8;
+  if (opnd.reg >= DR_REG_W0 && opnd.reg <= DR_REG_WZR) return OPSZ_4;
+  if (opnd.reg >= DR_REG_Q0 && opnd.reg <= DR_REG_Q31) return OPSZ_16;
+  return opnd.reg == DR_REG_NULL ? OPSZ_NA : OPSZ_8;  // the system registers, as MRS reads them
+}

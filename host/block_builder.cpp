@@ -1,0 +1,68 @@
+#include "host/block_builder.h"
+
+#include <asm/hwcap.h>
+#include <sys/auxv.h>
+
+#include "host/events.h"
+#include "host/instruction_list.h"
+#include "host/memory_map.h"
+
+namespace host {
+namespace {
+
+// Long enough that few straight runs of code are cut, short enough that a block of calls to the
+// client still fits the arena many times over.
+constexpr int most_instructions = 64;
+constexpr std::uint64_t page_bytes = 4096;
+
+bool processor_has_sve() {
+  static const bool has = (getauxval(AT_HWCAP) & HWCAP_SVE) != 0;
+  return has;
+}
+
+// Appends the block's instructions and returns the address after the last.
+std::uint64_t discover(std::uint64_t pc, instrlist_t& list) {
+  for (int count = 0; count < most_instructions; count++) {
+    if ((count == 0 || pc % page_bytes == 0) && !is_executable(pc)) break;
+    auto* const bits = reinterpret_cast<byte*>(pc);
+    instr_t* const instr = instr_create_app(nullptr, bits, bits);
+    instrlist_append(&list, instr);
+    pc += 4;
+    if (decode_control_flow(instr->word, pc - 4).kind != flow::none) break;
+  }
+  return pc;
+}
+
+bool ends_block(const instr_t& instr) {
+  return instr.raw_bits != nullptr && decode_control_flow(instr.word, 0).kind != flow::none;
+}
+
+void emit(const instr_t& instr, block_code& out) {
+  const auto pc = reinterpret_cast<std::uint64_t>(instr.pc);
+  if (pc != 0 && (out.map.empty() || out.map.back().pc != pc)) {
+    out.map.push_back({static_cast<std::uint32_t>(out.code.size()), pc});
+  }
+  if (instr.meta) return out.code.push_back(instr.word);
+  if (ends_block(instr)) return emit_control_flow(instr.word, pc, out);
+  emit_straight(instr.word, pc, processor_has_sve(), out);
+}
+
+}  // namespace
+
+std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
+  instrlist_t list;
+  const std::uint64_t end = discover(pc, list);
+  if (end == pc) return std::nullopt;
+  note_translated(pc, end);
+  run_block_events(thread, pc, list);
+  block_code out;
+  for (const instr_t* instr = list.first; instr != nullptr; instr = instr->next) {
+    emit(*instr, out);
+  }
+  if (list.last == nullptr || !ends_block(*list.last)) {
+    emit_exit({.kind = exit_kind::direct, .target = end}, out);
+  }
+  return out;
+}
+
+}  // namespace host

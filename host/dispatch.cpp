@@ -1,0 +1,103 @@
+#include "host/dispatch.h"
+
+#include <csignal>
+
+#include "host/block_builder.h"
+#include "host/context_switch.h"
+#include "host/events.h"
+#include "host/fatal.h"
+#include "host/memory_map.h"
+#include "host/signals.h"
+#include "host/syscalls.h"
+
+constinit const host::exit_record stop_record = {.kind = host::exit_kind::stopped};
+
+namespace host {
+namespace {
+
+constexpr std::uint64_t instruction_cache_line = 64;  // at least; CTR_EL0.IminLine may say less
+
+const fragment& translate(thread_state& thread, std::uint64_t pc, const exit_record*& came_from) {
+  if (const fragment* known = thread.cache.find(pc)) return *known;
+  if (pc % 4 != 0) raise_fetch_fault(SIGBUS, pc);
+  const auto block = build_block(thread, pc);
+  if (!block) raise_fetch_fault(SIGSEGV, pc);
+  const fragment* made = thread.cache.install(pc, *block);
+  if (made == nullptr) {
+    thread.cache.flush();
+    came_from = nullptr;
+    made = thread.cache.install(pc, *block);
+  }
+  if (made == nullptr) fatal("the block at %#lx is larger than the code cache", pc);
+  return *made;
+}
+
+void invalidate_line(const thread_state& thread, unsigned reg) {
+  const std::uint64_t address = reg == zero_register ? 0 : thread.context.x[reg];
+  const std::uint64_t line = address & ~(instruction_cache_line - 1);
+  note_rewritten(line, line + instruction_cache_line);
+}
+
+[[noreturn]] void refuse(const exit_record& exit) {
+  fatal(
+      "the instruction word 0x%08x at %#lx is not supported: it may use X28 in a way that is not "
+      "known",
+      exit.word, exit.target);
+}
+
+class dispatcher {
+ public:
+  explicit dispatcher(thread_state& thread) : thread_(thread) {}
+
+  void run() {
+    while (!ended_ && thread_.context.stop_requested == 0) run_block();
+  }
+
+ private:
+  void run_block() {
+    if (thread_.flush_requested.exchange(false)) {
+      thread_.cache.flush();
+      came_from_ = nullptr;
+    }
+    const fragment& next = translate(thread_, thread_.context.pc, came_from_);
+    if (came_from_ != nullptr && came_from_->kind == exit_kind::direct) {
+      code_cache::link(*came_from_, next);
+    }
+    if (came_from_ != nullptr && came_from_->kind == exit_kind::indirect) {
+      thread_.cache.admit(next);
+    }
+    if (thread_.flush_requested) return;  // came while the lookup table was written
+    enter_cache(&thread_.context, next.code);
+    leave(*thread_.context.exit);
+  }
+
+  void leave(const exit_record& exit) {
+    came_from_ = &exit;
+    switch (exit.kind) {
+      case exit_kind::indirect: return;  // thread_context::pc is set
+      case exit_kind::direct: break;
+      case exit_kind::stopped: return;
+      case exit_kind::refused: refuse(exit);
+      case exit_kind::invalidate: invalidate_line(thread_, exit.reg); break;
+      case exit_kind::supervisor_call:
+        thread_.context.pc = exit.target;
+        ended_ = handle_system_call(thread_) == after_call::end_thread;
+        return;
+    }
+    thread_.context.pc = exit.target;
+  }
+
+  thread_state& thread_;
+  const exit_record* came_from_ = nullptr;  // how the cache was left last, if that still exists
+  bool ended_ = false;
+};
+
+}  // namespace
+
+void run_thread(thread_state& thread) {
+  run_thread_init_events(thread);
+  dispatcher(thread).run();
+  run_thread_exit_events(thread);
+}
+
+}  // namespace host

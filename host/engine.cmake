@@ -1,0 +1,29 @@
+# The translator. An object library: the client interface is looked up at run time, so all of it
+# must be in the launcher, whether or not the launcher itself refers to it.
+enable_language(ASM)
+find_package(Threads REQUIRED)
+add_library(host_engine OBJECT
+  api_inserted_code.cpp
+  api_instructions.cpp
+  api_operands.cpp
+  api_process.cpp
+  assembler.cpp
+  block_builder.cpp
+  block_code.cpp
+  code_cache.cpp
+  context_switch.S
+  control_flow.cpp
+  dispatch.cpp
+  events.cpp
+  fatal.cpp
+  instruction_list.cpp
+  mangle.cpp
+  memory_map.cpp
+  program_break.cpp
+  register_fields.cpp
+  runtime.cpp
+  signals.cpp
+  syscalls.cpp
+  thread.cpp
+  threads.cpp)
+target_link_libraries(host_engine PUBLIC Threads::Threads ${CMAKE_DL_LIBS})

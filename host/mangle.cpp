@@ -1,0 +1,174 @@
+#include "host/mangle.h"
+
+#include "host/register_fields.h"
+
+namespace host {
+namespace {
+
+constexpr unsigned no_register = 32;
+
+unsigned field_at(std::uint32_t word, unsigned position) {
+  return field(word, position + 4, position);
+}
+
+// A register that appears in none of the word's register fields, whatever they mean. The second of
+// a pair at an even number is free as well.
+unsigned free_register(std::uint32_t word) {
+  for (unsigned candidate = 0; candidate < context_register; candidate += 2) {
+    bool taken = false;
+    for (const unsigned position : field_positions) {
+      taken |= field_at(word, position) / 2 == candidate / 2;
+    }
+    if (!taken) return candidate;
+  }
+  return no_register;  // four fields cannot take fourteen pairs
+}
+
+// --- Instructions that compute from their address ----------------------------------------------
+
+bool is_address(std::uint32_t word) { return (word & 0x1f000000) == 0x10000000; }       // ADR, ADRP
+bool is_literal_load(std::uint32_t word) { return (word & 0x3b000000) == 0x18000000; }  // LDR label
+
+std::uint64_t address_value(std::uint32_t word, std::uint64_t pc) {
+  const std::int64_t immediate = signed_field(word, 23, 5) * 4 + field(word, 30, 29);
+  if (field(word, 31, 31) == 0) return pc + static_cast<std::uint64_t>(immediate);
+  return (pc & ~0xfffull) + static_cast<std::uint64_t>(immediate * 4096);
+}
+
+// The load with the same effect from [Xn], or 0 if the encoding is unallocated.
+std::uint32_t load_from_register(std::uint32_t word, unsigned n) {
+  const std::uint32_t operands = n << 5 | field(word, 4, 0);
+  switch (field(word, 31, 30) << 1 | field(word, 26, 26)) {
+    case 0b000: return 0xb9400000 | operands;  // LDR Wt
+    case 0b010: return 0xf9400000 | operands;  // LDR Xt
+    case 0b100: return 0xb9800000 | operands;  // LDRSW Xt
+    case 0b110: return 0xf9800000 | operands;  // PRFM
+    case 0b001: return 0xbd400000 | operands;  // LDR St
+    case 0b011: return 0xfd400000 | operands;  // LDR Dt
+    case 0b101: return 0x3dc00000 | operands;  // LDR Qt
+    default: return 0;
+  }
+}
+
+void mangle_address(std::uint32_t word, std::uint64_t pc, words& out) {
+  const unsigned d = field(word, 4, 0);
+  const std::uint64_t value = address_value(word, pc);
+  if (d == zero_register) return;
+  if (d != context_register) return append(out, a64::mov_constant(d, value));
+  out.push_back(a64::store_home(0));
+  append(out, a64::mov_constant(0, value));
+  out.push_back(a64::str(0, context_register, 28 * 8));
+  out.push_back(a64::load_home(0));
+}
+
+void mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
+  const unsigned t = field(word, 4, 0);
+  const std::uint64_t address = pc + static_cast<std::uint64_t>(signed_field(word, 23, 5) * 4);
+  const bool is_prefetch = field(word, 31, 30) == 3;
+  const bool is_vector = field(word, 26, 26) != 0;
+  if (load_from_register(word, 0) == 0) return out.push_back(word);  // unallocated: SIGILL
+  if (!is_vector && !is_prefetch && t != context_register && t != zero_register) {
+    append(out, a64::mov_constant(t, address));
+    return out.push_back(load_from_register(word, t));
+  }
+  const bool loads_x28 = !is_vector && !is_prefetch && t == context_register;
+  out.push_back(a64::store_home(0));
+  append(out, a64::mov_constant(0, address));
+  if (loads_x28) {
+    out.push_back(load_from_register(replace_field(word, 0, 0), 0));
+    out.push_back(a64::str(0, context_register, 28 * 8));
+  } else {
+    out.push_back(load_from_register(word, 0));
+  }
+  out.push_back(a64::load_home(0));
+}
+
+// CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is: the translator
+// learns of new code by it.
+void mangle_cache_type(std::uint32_t word, words& out) {
+  const unsigned t = field(word, 4, 0);
+  out.push_back(word);
+  out.push_back(0x9262f800 | t << 5 | t);  // AND Xt, Xt, #~(1 << 29)
+}
+
+bool reads_cache_type(std::uint32_t word) { return (word & 0xffffffe0) == 0xd53b0020; }
+
+// --- Instructions that name X28 ----------------------------------------------------------------
+
+struct x28_use {
+  bool named = false;
+  bool read = false;
+  bool written = false;
+  bool paired = false;  // X29 goes with it
+  bool refused = false;
+};
+
+x28_use use_of_x28(std::uint32_t word, const register_roles& roles) {
+  x28_use use;
+  for (unsigned i = 0; i < roles.size(); i++) {
+    const unsigned reg = field_at(word, field_positions[i]);
+    if (roles[i] == role::octet) use.refused |= reg > context_register - 8 && reg < 31;
+    if (reg != context_register || roles[i] == role::none) continue;
+    use.named = true;
+    use.read |= roles[i] != role::written;
+    use.written |= roles[i] != role::read;
+    use.paired |= roles[i] == role::pair;
+    use.refused |= roles[i] == role::ambiguous;
+  }
+  return use;
+}
+
+std::uint32_t rename_x28(std::uint32_t word, const register_roles& roles, unsigned substitute) {
+  for (unsigned i = 0; i < roles.size(); i++) {
+    const unsigned position = field_positions[i];
+    if (roles[i] != role::none && field_at(word, position) == context_register) {
+      word = replace_field(word, position, substitute);
+    }
+  }
+  return word;
+}
+
+void mangle_one(std::uint32_t renamed, const x28_use& use, unsigned reg, words& out) {
+  out.push_back(a64::store_home(reg));
+  if (use.read) out.push_back(a64::ldr(reg, context_register, 28 * 8));
+  if (reads_cache_type(renamed)) {
+    mangle_cache_type(renamed, out);
+  } else {
+    out.push_back(renamed);
+  }
+  if (use.written) out.push_back(a64::str(reg, context_register, 28 * 8));
+  out.push_back(a64::load_home(reg));
+}
+
+void mangle_pair(std::uint32_t renamed, unsigned reg, words& out) {
+  const int home = static_cast<int>(reg * 8);
+  out.push_back(a64::stp(reg, reg + 1, context_register, home));
+  out.push_back(a64::ldr(reg, context_register, 28 * 8));
+  out.push_back(a64::mov(reg + 1, 29));
+  out.push_back(renamed);
+  out.push_back(a64::str(reg, context_register, 28 * 8));
+  out.push_back(a64::mov(29, reg + 1));
+  out.push_back(a64::ldp(reg, reg + 1, context_register, home));
+}
+
+}  // namespace
+
+bool mangle(std::uint32_t word, std::uint64_t pc, words& out) {
+  if (is_address(word)) return mangle_address(word, pc, out), true;
+  if (is_literal_load(word)) return mangle_literal_load(word, pc, out), true;
+  const register_roles roles = roles_of(word);
+  const x28_use use = use_of_x28(word, roles);
+  if (use.refused) return false;
+  if (use.named) {
+    const unsigned reg = free_register(word);
+    const std::uint32_t renamed = rename_x28(word, roles, reg);
+    use.paired ? mangle_pair(renamed, reg, out) : mangle_one(renamed, use, reg, out);
+  } else if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
+    mangle_cache_type(word, out);
+  } else {
+    out.push_back(word);
+  }
+  return true;
+}
+
+}  // namespace host

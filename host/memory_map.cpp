@@ -1,0 +1,186 @@
+#include "host/memory_map.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <elf.h>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/thread.h"
+
+namespace host {
+namespace {
+
+constexpr std::uintptr_t page_bytes = 4096;  // a finer grain than some kernels' is no harm
+
+struct mapping {
+  std::uintptr_t start = 0;
+  std::uintptr_t end = 0;
+  std::uint64_t offset = 0;
+  bool readable = false;
+  bool executable = false;
+  std::string path;
+};
+
+std::mutex mutex;
+std::vector<module_info> loaded_modules;  // the first is the main module
+std::vector<mapping> executable_mappings;
+std::vector<module_info> mapped_modules;
+std::set<std::uintptr_t> translated_pages;
+
+bool contains(const module_info& module, std::uintptr_t address) {
+  return address >= module.start && address < module.end;
+}
+
+// "start-end rwxp offset device inode   path"
+std::optional<mapping> parse_line(const char* line) {
+  mapping out;
+  char permissions[5] = {};
+  int path_at = 0;
+  // NOLINTNEXTLINE(cert-err34-c): the kernel writes these numbers, and they fit
+  if (std::sscanf(line, "%" SCNxPTR "-%" SCNxPTR " %4s %" SCNx64 " %*s %*s %n", &out.start,
+                  &out.end, permissions, &out.offset, &path_at) < 4) {
+    return std::nullopt;
+  }
+  out.readable = permissions[0] == 'r';
+  out.executable = permissions[2] == 'x';
+  if (path_at > 0) out.path = line + path_at;
+  while (!out.path.empty() && (out.path.back() == '\n' || out.path.back() == ' ')) {
+    out.path.pop_back();
+  }
+  return out;
+}
+
+std::vector<mapping> read_mappings() {
+  std::vector<mapping> all;
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen("/proc/self/maps", "re"),
+                                                   std::fclose);
+  if (file == nullptr) return all;
+  char* line = nullptr;
+  std::size_t capacity = 0;
+  while (getline(&line, &capacity, file.get()) > 0) {
+    if (auto parsed = parse_line(line)) all.push_back(std::move(*parsed));
+  }
+  std::free(line);
+  return all;
+}
+
+bool starts_elf_image(const mapping& m) {
+  const bool is_file = m.path.starts_with('/') && m.offset == 0;
+  if (!m.readable || !(is_file || m.path == "[vdso]")) return false;
+  return std::memcmp(reinterpret_cast<const void*>(m.start), ELFMAG, SELFMAG) == 0;
+}
+
+// An image is its first mapping and the following ones of the same file.
+std::vector<module_info> modules_of(const std::vector<mapping>& mappings) {
+  std::vector<module_info> modules;
+  for (const mapping& m : mappings) {
+    if (m.path.empty()) continue;
+    if (starts_elf_image(m)) {
+      modules.push_back({.start = m.start, .end = m.end, .full_path = m.path});
+    } else if (!modules.empty() && modules.back().full_path == m.path) {
+      modules.back().end = m.end;
+    }
+  }
+  return modules;
+}
+
+void read_again() {
+  std::vector<mapping> all = read_mappings();
+  mapped_modules = modules_of(all);
+  std::erase_if(all, [](const mapping& m) { return !m.executable; });
+  executable_mappings = std::move(all);
+}
+
+bool is_known_executable(std::uintptr_t address) {
+  return std::ranges::any_of(executable_mappings, [address](const mapping& m) {
+    return address >= m.start && address < m.end;
+  });
+}
+
+bool look_up_executable(std::uintptr_t address) {
+  if (is_known_executable(address)) return true;
+  read_again();
+  return is_known_executable(address);
+}
+
+bool overlaps_known_executable(std::uintptr_t start, std::uintptr_t end) {
+  return std::ranges::any_of(executable_mappings, [start, end](const mapping& m) {
+    return start < m.end && end > m.start;
+  });
+}
+
+// Whether code was translated from the range; forgets that it was.
+bool take_translated(std::uintptr_t start, std::uintptr_t end) {
+  const auto first = translated_pages.lower_bound(start & ~(page_bytes - 1));
+  const auto last = translated_pages.lower_bound(end);
+  const bool any = first != last;
+  translated_pages.erase(first, last);
+  return any;
+}
+
+}  // namespace
+
+void set_loaded_modules(const loaded_program& program) {
+  const std::lock_guard lock(mutex);
+  loaded_modules = {program.main_module};
+  loaded_modules.insert(loaded_modules.end(), program.other_modules.begin(),
+                        program.other_modules.end());
+}
+
+std::optional<module_info> main_module() {
+  const std::lock_guard lock(mutex);
+  if (loaded_modules.empty()) return std::nullopt;
+  return loaded_modules.front();
+}
+
+std::optional<module_info> module_at(std::uintptr_t address) {
+  const std::lock_guard lock(mutex);
+  look_up_executable(address);
+  for (const auto* modules : {&loaded_modules, &mapped_modules}) {
+    for (const module_info& module : *modules) {
+      if (contains(module, address)) return module;
+    }
+  }
+  return std::nullopt;
+}
+
+bool is_executable(std::uintptr_t address) {
+  const std::lock_guard lock(mutex);
+  return look_up_executable(address);
+}
+
+void note_translated(std::uintptr_t start, std::uintptr_t end) {
+  const std::lock_guard lock(mutex);
+  for (std::uintptr_t page = start & ~(page_bytes - 1); page < end; page += page_bytes) {
+    translated_pages.insert(page);
+  }
+}
+
+void note_changed(std::uintptr_t start, std::uintptr_t end) {
+  {
+    const std::lock_guard lock(mutex);
+    if (overlaps_known_executable(start, end)) {
+      executable_mappings.clear();
+      mapped_modules.clear();
+    }
+  }
+  note_rewritten(start, end);
+}
+
+void note_rewritten(std::uintptr_t start, std::uintptr_t end) {
+  bool stale = false;
+  {
+    const std::lock_guard lock(mutex);
+    stale = take_translated(start, end);
+  }
+  if (stale) flush_all_threads();
+}
+
+}  // namespace host

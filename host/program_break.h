@@ -1,0 +1,15 @@
+// The application's program break. The kernel's own belongs to the host's C library, so the
+// application's is a region of its own, reserved at the start and grown in place beyond that if
+// nothing else has come to stand there.
+#pragma once
+
+#include <cstdint>
+
+namespace host {
+
+void reserve_program_break();
+
+// As the brk system call: returns the new break, or the old one if it cannot be moved.
+std::uint64_t move_program_break(std::uint64_t wanted);
+
+}  // namespace host

@@ -1,0 +1,30 @@
+#include "host/runtime.h"
+
+#include "host/dispatch.h"
+#include "host/fatal.h"
+#include "host/memory_map.h"
+#include "host/program_break.h"
+#include "host/signals.h"
+#include "host/threads.h"
+
+namespace host {
+
+void initialize(const loaded_program& program) {
+  set_loaded_modules(program);
+  install_signal_handlers();
+  reserve_program_break();
+  thread_state* const initial = acquire_thread();
+  if (initial == nullptr) fatal("the process is ending before it has begun");
+  bind_thread(*initial);
+}
+
+void run(const loaded_program& program) {
+  thread_state& initial = *current_thread();
+  initial.context.pc = program.start_pc;
+  initial.context.sp = program.stack_pointer;
+  run_thread(initial);
+  finish_thread(initial);
+  fatal("the initial thread came back from its end");
+}
+
+}  // namespace host

@@ -1,0 +1,136 @@
+#include "host/thread.h"
+
+#include <csignal>
+#include <ctime>
+#include <mutex>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "host/context_switch.h"
+#include "host/signals.h"
+
+namespace host {
+namespace {
+
+constinit thread_local thread_state* bound_thread = nullptr;
+
+std::mutex registry_mutex;
+std::atomic<thread_state*> registry = nullptr;
+std::atomic<int> active_threads = 0;
+std::atomic<bool> ending = false;
+
+std::uint64_t read_tpidr() {
+  std::uint64_t value = 0;
+  asm("mrs %0, tpidr_el0" : "=r"(value));
+  return value;
+}
+
+thread_state* find_free_record() {
+  for (thread_state* thread = registry; thread != nullptr; thread = thread->next) {
+    if (!thread->in_use) return thread;
+  }
+  return nullptr;
+}
+
+thread_state* add_record() {
+  auto* thread = new thread_state;
+  thread->next = registry;
+  registry = thread;
+  return thread;
+}
+
+// A thread may be about to enter a system call or in code that cannot be left at once, so the
+// signal is repeated. One that does not answer is blocked in the kernel with signals masked; it
+// will find the request when it comes back.
+void ask_to_stop(thread_state& thread) {
+  constexpr int attempts = 3000;
+  const timespec pause = {.tv_sec = 0, .tv_nsec = 1'000'000};
+  for (int i = 0; i < attempts && thread.active; i++) {
+    syscall(SYS_tgkill, getpid(), thread.tid, stop_signal);
+    nanosleep(&pause, nullptr);
+  }
+}
+
+}  // namespace
+
+void thread_state::reset() {
+  context = {};
+  cache.flush();
+  tls_fields = {};
+  clear_child_tid = 0;
+  signal_stack = {.ss_sp = nullptr, .ss_flags = SS_DISABLE, .ss_size = 0};
+  flush_requested = false;
+}
+
+thread_state* current_thread() { return bound_thread; }
+
+thread_state* acquire_thread() {
+  const std::lock_guard lock(registry_mutex);
+  if (ending) return nullptr;
+  thread_state* thread = find_free_record();
+  if (thread == nullptr) thread = add_record();
+  thread->reset();
+  thread->in_use = true;
+  thread->active = true;
+  active_threads++;
+  return thread;
+}
+
+void bind_thread(thread_state& thread) {
+  bound_thread = &thread;
+  thread.tid = static_cast<pid_t>(syscall(SYS_gettid));
+  thread.context.host_tpidr = read_tpidr();
+  thread.context.exit_entry = reinterpret_cast<std::uint64_t>(&leave_cache_with_record);
+  thread.context.call_entry = reinterpret_cast<std::uint64_t>(&call_client);
+  install_signal_stack();
+}
+
+int retire_thread(thread_state& thread) {
+  thread.active = false;
+  return --active_threads;
+}
+
+void release_thread(thread_state& thread) {
+  const std::lock_guard lock(registry_mutex);
+  bound_thread = nullptr;
+  thread.in_use = false;
+}
+
+thread_state* thread_of_cache_address(std::uint64_t address) {
+  for (thread_state* thread = registry; thread != nullptr; thread = thread->next) {
+    if (thread->cache.contains(address)) return thread;
+  }
+  return nullptr;
+}
+
+void for_each_active_thread(const std::function<void(thread_state&)>& visit) {
+  for (thread_state* thread = registry; thread != nullptr; thread = thread->next) {
+    if (thread->active) visit(*thread);
+  }
+}
+
+void flush_all_threads() {
+  for_each_active_thread([](thread_state& thread) {
+    thread.flush_requested = true;
+    thread.cache.forget_branches();
+  });
+}
+
+bool stop_other_threads() {
+  {
+    const std::lock_guard lock(registry_mutex);  // no thread is born from here on
+    if (ending.exchange(true)) return false;
+  }
+  thread_state* const self = current_thread();
+  for_each_active_thread([self](thread_state& thread) {
+    if (&thread != self) std::atomic_ref(thread.context.stop_requested).store(1);
+  });
+  for_each_active_thread([self](thread_state& thread) {
+    if (&thread != self) ask_to_stop(thread);
+  });
+  return true;
+}
+
+bool process_is_ending() { return ending; }
+
+}  // namespace host

@@ -1,0 +1,66 @@
+// A thread of the application and all that the host keeps for it, and the registry of threads.
+//
+// Records of ended threads are used again and never freed: the signal entry walks the registry
+// without a lock.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstdint>
+#include <functional>
+#include <sys/types.h>
+
+#include "host/code_cache.h"
+#include "host/context.h"
+
+namespace host {
+
+inline constexpr int tls_field_count = 16;
+
+struct thread_state {
+  thread_context context{};  // first: X28 points here, and a drcontext is this record's address
+  code_cache cache{context};
+  std::array<void*, tls_field_count> tls_fields{};
+  pid_t tid = 0;
+  std::uint64_t clear_child_tid = 0;  // where the kernel would clear the thread's number at its end
+  stack_t signal_stack{};             // that the application asked for
+  std::atomic<bool> flush_requested = false;
+  std::atomic<bool> active = false;  // between its thread-init and thread-exit events
+  bool in_use = false;               // guarded by the registry's lock
+  thread_state* next = nullptr;      // in the registry
+
+  void reset();
+};
+
+// The record of the calling thread; null on a thread that the host did not start.
+thread_state* current_thread();
+
+// A record for a new thread, registered as active; null if the process is ending.
+thread_state* acquire_thread();
+
+// Makes the record the calling thread's: its number, its TPIDR_EL0, its signal stack.
+void bind_thread(thread_state& thread);
+
+// Takes the thread out of the active ones. Returns how many are left.
+int retire_thread(thread_state& thread);
+
+// Makes the record available again; the thread must not touch it any more.
+void release_thread(thread_state& thread);
+
+// The thread in whose code cache an address lies, or null. Safe in a signal handler.
+thread_state* thread_of_cache_address(std::uint64_t address);
+
+void for_each_active_thread(const std::function<void(thread_state&)>& visit);
+
+// Makes every thread drop its translations before it runs another block that it has not reached
+// by direct branches alone.
+void flush_all_threads();
+
+// Takes all other threads out of their code, runs their thread-exit events, and keeps them from
+// running on. False: another thread has begun this already, and the caller is to stop as well.
+bool stop_other_threads();
+
+bool process_is_ending();
+
+}  // namespace host
