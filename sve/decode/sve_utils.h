@@ -36,11 +36,11 @@ enum class row_kind : char {
 struct instruction_row {
   std::string_view pattern;  // 32 characters, bit 31 first: 0, 1 or the letter of an operand field
   std::string_view name;     // VecS32MinVVM
-  row_kind kind;
-  bool written;     // false: recognised, but the handler only reports 2
+  decode_handler handler;
   std::size_t map;  // index into decode_map_names()
   int key;          // the row's key in that map
-  decode_handler handler;
+  row_kind kind;
+  bool written;  // false: recognised, but the handler only reports 2
 
   // The bits that the pattern fixes, and their values.
   std::uint32_t fixed_mask() const;

@@ -1,0 +1,33 @@
+// Decode handlers: the three ways in which an instruction form is carried out.
+//
+// A handler is an instance of a template over its row's pattern, the function that it calls and
+// the row's operand descriptors; there is no handler code besides. A fast handler stores the word
+// and calls a fast path with operand records; a bridge (sve/decode/bridge.h) goes to the reference
+// semantics; a no-op serves the prefetches, which have no architectural effect.
+#pragma once
+
+#include "sve/decode/operand_fields.h"
+#include "sve/state/cpu_state.h"
+
+namespace sve {
+
+template <word_pattern Pattern, auto Function, class... Operands>
+aarch64_decode_rc fast_handler(cpu_state* state, unsigned word) {
+  state->instr = word;
+  return Function(state, Operands::template take<Pattern>(word)...);
+}
+
+inline aarch64_decode_rc no_op_handler(cpu_state*, unsigned) { return aarch64_decode_ok; }
+
+// Serves the rows whose operation does not exist yet: the instruction is recognised and reported.
+inline aarch64_decode_rc unwritten_handler(cpu_state*, unsigned) {
+  return aarch64_decode_unimplemented;
+}
+
+// Whether descriptors read every operand field of a pattern; a row that forgets one does not
+// compile.
+template <word_pattern Pattern, class... Operands>
+inline constexpr bool reads_all_fields = ((Operands::template field_mask<Pattern> | ... | 0U) ==
+                                          ~Pattern.fixed_mask());
+
+}  // namespace sve

@@ -1,0 +1,78 @@
+// The rows of the decode maps, made from the instruction table.
+//
+// A row takes its map and its key from its pattern, and its handler from what the line says serves
+// it. All checks on the table as a whole happen here at compile time: that each pattern belongs to
+// a map, that each line reads all its operand fields, that each map has its number of rows.
+#include <algorithm>
+
+#include "sve/decode/bridge.h"
+#include "sve/decode/fast_paths.h"
+#include "sve/decode/handlers.h"
+#include "sve/decode/maps.h"
+#include "sve/decode/reference_functions.h"
+#include "sve/decode/sve_utils.h"
+
+namespace sve {
+namespace {
+
+template <word_pattern Pattern>
+inline constexpr word_pattern stored_pattern = Pattern;
+
+template <word_pattern Pattern>
+consteval instruction_row row(std::string_view name, row_kind kind, bool written,
+                              decode_handler handler) {
+  constexpr std::size_t map = map_with_key_mask(Pattern.fixed_mask());
+  static_assert(map != no_map, "the fixed bits of a pattern must be exactly the ranges of a map");
+  return {.pattern = {stored_pattern<Pattern>.text, 32},
+          .name = name,
+          .handler = handler,
+          .map = map,
+          .key = static_cast<int>(gather_bits(Pattern.fixed_bits(), Pattern.fixed_mask())),
+          .kind = kind,
+          .written = written};
+}
+
+template <word_pattern Pattern, auto Function, class... Operands>
+consteval instruction_row fast_row(std::string_view name) {
+  static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
+  return row<Pattern>(name, row_kind::fast, true, &fast_handler<Pattern, Function, Operands...>);
+}
+
+template <word_pattern Pattern, auto Function, class Result, class... Operands>
+consteval instruction_row bridge_row(std::string_view name) {
+  static_assert(reads_all_fields<Pattern, Result, Operands...>, "an operand field is not read");
+  return row<Pattern>(name, row_kind::bridge, true,
+                      &bridge_handler<Pattern, Function, Result, Operands...>);
+}
+
+// How a line of the table becomes a row. BRIDGE takes the function from the row's own name.
+#define FAST(pattern, name, ...) fast_row<pattern, __VA_ARGS__>(#name),
+#define BRIDGE(pattern, name, ...) bridge_row<pattern, &name, __VA_ARGS__>(#name),
+#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, true, &no_op_handler),
+#define UNWRITTEN(pattern, name, kind) \
+  row<pattern>(#name, row_kind::kind, false, &unwritten_handler),
+
+constexpr instruction_row table[] = {
+#include "sve/decode/instructions.inc"
+};
+
+static_assert(std::size(table) == 1483, "the number of instruction forms");
+
+consteval bool every_map_has_its_rows() {
+  std::array<unsigned, decode_maps.size()> rows{};
+  for (const instruction_row& row : table) ++rows[row.map];
+  return std::ranges::equal(rows, decode_maps, {}, {}, &map_description::rows);
+}
+static_assert(every_map_has_its_rows());
+
+consteval bool every_row_is_an_sve_encoding() {
+  return std::ranges::all_of(
+      table, [](const instruction_row& row) { return row.pattern.substr(3, 4) == "0010"; });
+}
+static_assert(every_row_is_an_sve_encoding(), "is_sve looks at bits 28 to 25 first");
+
+}  // namespace
+
+std::span<const instruction_row> instruction_rows() { return table; }
+
+}  // namespace sve

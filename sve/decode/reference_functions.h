@@ -1,0 +1,5 @@
+// The reference functions that the instruction table's bridges name, gathered in one place.
+#pragma once
+
+#include "sve/semantics/counts.h"
+#include "sve/semantics/predicates.h"
