@@ -34,9 +34,10 @@ rc rii(cpu_state* s, R rdn, unsigned pattern, unsigned multiplier, Op op) {
 // The same to every element of type T.
 template <class T, class Op>
 rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
-  const T delta = static_cast<T>(multiplier * pattern_count(pattern, elements<T>));
+  const u32 count = multiplier * pattern_count(pattern, elements<T>);
+  const auto delta = broadcast<group<T>>(static_cast<T>(count));
   return compute<group<T>>(
-      s, zdn, [=](auto dn) { return op(dn, broadcast<group<T>>(delta)); }, zdn);
+      s, zdn, [=](auto dn) { return op(dn, delta); }, zdn);
 }
 
 // Number of elements of type T of which bit 0 is set in all of the given predicates.

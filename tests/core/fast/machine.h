@@ -1,0 +1,148 @@
+// Random machine states, the records that handlers pass, and plain access to elements by size in
+// bytes, for comparing fast paths with models that know nothing of groups or templates.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "sve/state/cpu_state.h"
+#include "sve/state/operands.h"
+
+using u64 = std::uint64_t;
+using s64 = std::int64_t;
+using byte = unsigned char;
+
+inline constexpr std::array<const char*, 4> size_names{"B", "H", "S", "D"};
+
+inline u64 get(const byte* vector, std::size_t i, unsigned bytes) {
+  u64 value = 0;
+  std::memcpy(&value, vector + i * bytes, bytes);
+  return value;
+}
+inline void put(byte* vector, std::size_t i, unsigned bytes, u64 value) {
+  std::memcpy(vector + i * bytes, &value, bytes);
+}
+inline bool bit(const byte* predicate, std::size_t i, unsigned bytes) {
+  return (predicate[i * bytes] & 1) != 0;
+}
+inline u64 low_bits(u64 value, unsigned width) {
+  return width < 64 ? value & ((u64{1} << width) - 1) : value;
+}
+inline s64 sign_extended(u64 value, unsigned width) {
+  const u64 sign = u64{1} << (width - 1);
+  return static_cast<s64>((low_bits(value, width) ^ sign) - sign);
+}
+
+// The records of a register that is only read or only written, and of one that is both.
+inline aarch64_z_reg z_one_way(unsigned num, unsigned size) { return {num, size, 5, 5}; }
+inline aarch64_z_reg z_both_ways(unsigned num, unsigned size) { return {num, 5, size, size}; }
+inline aarch64_p_reg predicate(unsigned num, unsigned size) { return {num, size, 7, 7}; }
+inline aarch64_i_reg x_one_way(unsigned num, unsigned size = 3) { return {num, size, 4, 4}; }
+inline aarch64_i_reg x_both_ways(unsigned num, unsigned size = 3) { return {num, 4, size, size}; }
+
+// N, Z, C and V after a predicate result, as the architecture's PredTest defines them.
+inline void set_model_flags(cpu_state& s, const byte* governing, const byte* result,
+                            unsigned bytes) {
+  bool first = false, any = false, last = false, seen = false;
+  for (unsigned i = 0; i < sve::vector_bytes / bytes; ++i) {
+    if (!bit(governing, i, bytes)) continue;
+    last = bit(result, i, bytes);
+    if (!seen) first = last;
+    seen = true;
+    any |= last;
+  }
+  s.nzcv = (s.nzcv & ~u64{0xf0000000}) | u64{first} << 31 | u64{!any} << 30 | u64{!last} << 29;
+}
+
+// Where two states differ, or nothing.
+inline std::string difference(const cpu_state& expected, const cpu_state& actual) {
+  std::ostringstream out;
+  const auto compare = [&out](const std::string& name, const byte* e, const byte* a) {
+    for (unsigned k = 0; k < sve::vector_bytes; ++k) {
+      if (e[k] == a[k]) continue;
+      out << name << " byte " << k << ": expected " << unsigned{e[k]} << ", got " << unsigned{a[k]}
+          << "\n";
+      return;
+    }
+  };
+  for (unsigned i = 0; i < 32; ++i) {
+    compare("z" + std::to_string(i), expected.z[i], actual.z[i]);
+    if (i < 16) compare("p" + std::to_string(i), expected.p[i], actual.p[i]);
+    const u64 e = i < 31 ? expected.x[i] : expected.sp, a = i < 31 ? actual.x[i] : actual.sp;
+    if (e != a) out << "x" << i << ": expected " << e << ", got " << a << "\n";
+  }
+  compare("ffr", expected.ffr, actual.ffr);
+  if (expected.nzcv != actual.nzcv) {
+    out << std::hex << "nzcv: expected " << expected.nzcv << ", got " << actual.nzcv << "\n";
+  }
+  if (expected.pc != actual.pc || expected.instr != actual.instr || expected.fpsr != actual.fpsr ||
+      expected.fpcr != actual.fpcr) {
+    out << "pc, instr, fpsr or fpcr changed\n";
+  }
+  return out.str();
+}
+
+// Random states and numbers. Every case says how to have the same numbers again.
+class RandomMachine : public testing::Test {
+ protected:
+  RandomMachine() : seed_(chosen_seed()), random_(seed_) {
+    trace_ = std::make_unique<testing::ScopedTrace>(
+        __FILE__, __LINE__, "again with --gtest_random_seed=" + std::to_string(seed_));
+    std::printf("seed %u\n", seed_);
+  }
+
+  u64 number(u64 below) { return random_() % below; }
+
+  // Elements at the limits of every width, counts about the element's width, and noise.
+  u64 doubleword() {
+    switch (number(8)) {
+      case 0: return 0;
+      case 1: return ~u64{0};
+      case 2: return 0x8000000080008080 << (8 * number(4));
+      case 3: return 0x7fffffff7fff7f7f >> (8 * number(4));
+      case 4: return 0x0000000100010101 * number(70);
+      case 5: return number(300) << (16 * number(4));
+      default: return random_();
+    }
+  }
+
+  // A predicate byte: mostly legal, but also others, which count by bit 0 alone.
+  byte predicate_byte(unsigned density) {
+    constexpr std::array<byte, 4> odd{0xff, 0x01, 0x81, 0x01}, even{0x00, 0xfe, 0x00, 0x02};
+    return number(4) < density ? odd[number(4)] : even[number(4)];
+  }
+
+  // With `legal`, predicate bytes are 0 and 1 only.
+  void randomize(cpu_state& state, bool legal = false) {
+    state = {};
+    for (u64& x : state.x) x = doubleword();
+    state.sp = random_();
+    state.nzcv = random_();
+    state.instr = random_() & 0xffffffff;
+    for (auto& z : state.z) {
+      for (unsigned i = 0; i < sve::vector_words64; ++i) put(z, i, 8, doubleword());
+    }
+    for (unsigned i = 0; i <= 16; ++i) {
+      const unsigned density = number(5);  // none active, some, all
+      for (byte& b : i < 16 ? state.p[i] : state.ffr) {
+        b = legal ? predicate_byte(density) & 1 : predicate_byte(density);
+      }
+    }
+  }
+
+ private:
+  static unsigned chosen_seed() {
+    const int given = GTEST_FLAG_GET(random_seed);
+    return given != 0 ? static_cast<unsigned>(given) : std::random_device{}() % 99999 + 1;
+  }
+
+  unsigned seed_;
+  std::mt19937_64 random_;
+  std::unique_ptr<testing::ScopedTrace> trace_;
+};
