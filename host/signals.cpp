@@ -66,8 +66,12 @@ void end_by_repeated_fault(int signal) { restore_default_action(signal); }
 void report_application_fault(int signal, std::uint64_t pc, const void* address) {
   std::uint32_t word = 0;
   std::memcpy(&word, reinterpret_cast<const void*>(pc), sizeof word);
-  print_line("%s at %#lx, instruction word 0x%08x, fault address %p", name_of(signal), pc, word,
-             address);
+  if (signal == SIGSEGV || signal == SIGBUS) {
+    print_line("%s at %#lx, instruction word 0x%08x, accessing %p", name_of(signal), pc, word,
+               address);
+  } else {
+    print_line("%s at %#lx, instruction word 0x%08x", name_of(signal), pc, word);
+  }
 }
 
 // In the thread's own TPIDR_EL0 from here on.

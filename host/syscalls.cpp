@@ -113,17 +113,18 @@ std::int64_t change_mapping(std::int64_t number, const std::uint64_t* x) {
   return result;
 }
 
-// /proc/self/exe shall be the program, not the launcher. The kernel is asked first: a path that it
-// could follow can be read here too.
-bool names_own_executable(std::uint64_t path) {
+// /proc/self/exe shall be the program, not the launcher. The kernel is asked first whether the path
+// can be read at all.
+bool names_own_executable(std::uint64_t directory, std::uint64_t path) {
+  if (is_error(kernel_call(SYS_faccessat, directory, path, F_OK))) return false;
   return std::strcmp(reinterpret_cast<const char*>(path), "/proc/self/exe") == 0;
 }
 
 std::int64_t read_link(const std::uint64_t* x) {
-  const std::int64_t result = kernel_call(SYS_readlinkat, x[0], x[1], x[2], x[3]);
-  if (is_error(result) || !names_own_executable(x[1])) return result;
   const auto module = main_module();
-  if (!module) return result;
+  if (!module || x[3] == 0 || !names_own_executable(x[0], x[1])) {
+    return kernel_call(SYS_readlinkat, x[0], x[1], x[2], x[3]);
+  }
   const std::size_t length = std::min<std::size_t>(module->full_path.size(), x[3]);
   std::memcpy(reinterpret_cast<void*>(x[2]), module->full_path.data(), length);
   return static_cast<std::int64_t>(length);
@@ -131,7 +132,7 @@ std::int64_t read_link(const std::uint64_t* x) {
 
 std::int64_t open_file(const std::uint64_t* x) {
   const std::int64_t result = kernel_call(SYS_openat, x[0], x[1], x[2], x[3]);
-  if (is_error(result) || !names_own_executable(x[1])) return result;
+  if (is_error(result) || !names_own_executable(x[0], x[1])) return result;
   const auto module = main_module();
   if (!module) return result;
   close(static_cast<int>(result));
