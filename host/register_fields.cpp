@@ -126,6 +126,44 @@ constexpr std::string_view patterns[] = {
     "01x1111xxxxxxxxxxxxxxxvvvvvvvvvv",  //   scalar
     "11001110xxxxxxxxxxxxxxvvvvvvvvvv",  // SHA-512, SHA-3, SM3, SM4
 
+    // SVE, for processors that have it; a client may leave such instructions in their blocks
+    "00000100xx1xxxxx010001rrrrrvvvvv",  // INDEX (scalar, immediate)
+    "00000100xx1rrrrr010010vvvvvvvvvv",  // INDEX (immediate, scalar)
+    "00000100xx1rrrrr010011rrrrrvvvvv",  // INDEX (scalars)
+    "00000100101xxxxx0101xxxxxxxwwwww",  // RDVL
+    "000001000x1rrrrr0101xxxxxxxwwwww",  // ADDVL, ADDPL
+    "00000100xx10xxxx11100xxxxxxwwwww",  // CNTB, CNTH, CNTW, CNTD
+    "00000100xx11xxxx11100xxxxxxbbbbb",  // INCB, DECB...
+    "00000100xx1xxxxx1111xxxxxxxbbbbb",  // SQINCB, UQDECB...
+    "00000101xx100000001110rrrrrvvvvv",  // DUP (scalar)
+    "00000101xx100100001110rrrrrvvvvv",  // INSR (scalar)
+    "00000101xx101000101xxxrrrrrvvvvv",  // CPY (scalar)
+    "00000101xx10000x101xxxvvvvvwwwww",  // LASTA, LASTB (scalar)
+    "00000101xx11000x101xxxvvvvvbbbbb",  // CLASTA, CLASTB (scalar)
+    "00100101xx101xxx10001xxxxxxbbbbb",  // INCP, DECP, SQINCP... (scalar)
+    "00100101xx100xxx10xxxxxxxxxwwwww",  // CNTP
+    "00100101xx1rrrrr00xxxxrrrrrvvvvv",  // WHILELT..., CTERMEQ, CTERMNE
+    "10000100x00rrrrr110xxxrrrrrvvvvv",  // PRFB... (scalar and scalar)
+    "10000101x00rrrrr110xxxrrrrrvvvvv",
+    "1000010xx00rrrrr10xxxxvvvvvvvvvv",  // LDNT1 (vector and scalar)
+    "1000010xxx0xxxxx0xxxxxrrrrrvvvvv",  // LD1, LDFF1 (scalar and 32-bit vector), LDR
+    "1000010xxx1xxxxx0xxxxxrrrrrvvvvv",
+    "1000010xx1xxxxxx1xxxxxrrrrrvvvvv",  // LD1R
+    "1010010xxxxrrrrr000xxxrrrrrvvvvv",  // LD1RQ, LD1RO (scalar and scalar)
+    "1010010xxxxrrrrr01xxxxrrrrrvvvvv",  // LD1, LDFF1 (scalar and scalar)
+    "1010010xxxxrrrrr110xxxrrrrrvvvvv",  // LD2..4, LDNT1 (scalar and scalar)
+    "1010010xxxxxxxxxxxxxxxrrrrrvvvvv",  // contiguous loads (scalar and immediate)
+    "1100010xx00rrrrr1x0xxxvvvvvvvvvv",  // LDNT1 (vector and scalar)
+    "1100010xxxxxxxxx0xxxxxrrrrrvvvvv",  // LD1, LDFF1 (scalar and 64-bit vector)
+    "1100010xx1xxxxxx1xxxxxrrrrrvvvvv",
+    "1110010110xxxxxx0x0xxxrrrrrvvvvv",  // STR
+    "1110010xxxxrrrrr01xxxxrrrrrvvvvv",  // ST1..4, STNT1 (scalar and scalar)
+    "1110010xx10xxxxx101xxxvvvvvvvvvv",  // ST1 (vector and immediate)
+    "1110010xx11xxxxx101xxxvvvvvvvvvv",
+    "1110010xxxxxxxxx1xxxxxrrrrrvvvvv",  // ST1 (scalar and vector; scalar and immediate)
+    "1110010xxx0rrrrr001xxxvvvvvvvvvv",  // STNT1 (vector and scalar)
+    "xxx0010xxxxxxxxxxxxxxxvvvvvvvvvv",  // all others: vectors and predicates
+
     // Permanently undefined
     "0000000000000000xxxxxxvvvvvvvvvv",  // UDF
 };
