@@ -89,7 +89,8 @@ TEST_F(program_search, takes_the_first_executable_in_path) {
   fs::create_directories(root_ / "d/prog");
   const auto path = [this](const std::string& names) {
     std::string result;
-    for (const char name : names) result += (result.empty() ? "" : ":") + at(std::string(1, name));
+    for (const char name : names) result.append(at({name})).append(":");
+    result.pop_back();
     return result;
   };
   EXPECT_EQ(find_in_path("prog", path("dabc")), at("b/prog"));
@@ -113,7 +114,7 @@ TEST_F(program_search, follows_nested_scripts) {
   EXPECT_EQ(program.arguments, (words{elf, "one  argument", previous, s2, "x", "y"}));
 
   for (int depth = 2; depth <= 5; ++depth) {
-    previous = put("s" + std::to_string(depth), "#!" + previous);
+    previous = put("s" + std::to_string(depth), std::string("#!").append(previous));
   }
   EXPECT_EQ(status_of({previous}, ""), exit_status{0});
   EXPECT_EQ(status_of({put("s6", "#!" + previous)}, ""), exit_status::cannot_run);
