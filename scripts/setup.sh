@@ -1,0 +1,69 @@
+#!/bin/sh
+# Installs what building needs and this machine lacks, and nothing else; with the argument "check"
+# also what checking needs. Called by ./run and ./check; does nothing on a machine that has it all.
+set -eu
+
+missing_commands=
+missing_packages=
+
+# need COMMAND-OR-FILE PACKAGE
+need() {
+  case $1 in
+    /*) [ -e "$1" ] && return ;;
+    *) command -v "$1" >/dev/null 2>&1 && return ;;
+  esac
+  missing_commands="$missing_commands $1"
+  missing_packages="$missing_packages $2"
+}
+
+fail() {
+  echo "setup: $*" >&2
+  exit 1
+}
+
+find_missing() {
+  need cmake cmake
+  need ninja ninja-build
+  need /usr/src/googletest/CMakeLists.txt googletest
+  case $(uname -m) in
+    x86_64)
+      need aarch64-linux-gnu-g++ g++-aarch64-linux-gnu
+      need /usr/aarch64-linux-gnu/lib/libc.so.6 libc6-dev-arm64-cross
+      need qemu-aarch64 qemu-user
+      ;;
+    aarch64) need g++ g++ ;;
+    *) fail "this is a $(uname -m) machine; x86-64 or AArch64 is needed" ;;
+  esac
+  [ "$1" = check ] || return 0
+  need g++ g++
+  need qemu-aarch64 qemu-user
+  need clang-format clang-format
+  need clang-tidy clang-tidy
+  need python3 python3
+}
+
+# As root, or through sudo.
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null 2>&1; then
+    sudo "$@"
+  else
+    fail "cannot install packages: not root, and no sudo. As root, do: apt-get install$missing_packages"
+  fi
+}
+
+find_missing "${1:-run}"
+[ -n "$missing_packages" ] || exit 0
+command -v apt-get >/dev/null 2>&1 ||
+  fail "missing:$missing_commands. Without apt-get they cannot be installed from here; on Debian 12" \
+    "they are in the packages$missing_packages"
+echo "setup: installing$missing_packages" >&2
+as_root apt-get update -q >&2
+# shellcheck disable=SC2086
+as_root env DEBIAN_FRONTEND=noninteractive \
+  apt-get install -q -y --no-install-recommends $missing_packages >&2
+missing_commands=
+missing_packages=
+find_missing "${1:-run}"
+[ -z "$missing_commands" ] || fail "still missing after the installation:$missing_commands"
