@@ -1,0 +1,143 @@
+#include "tests/conformance/cases.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include "tests/conformance/exceptions.h"
+#include "tests/conformance/random.h"
+#include "tests/conformance/words.h"
+
+namespace conformance {
+namespace {
+
+constexpr unsigned max_reports_per_row = 2;
+constexpr unsigned max_failures_per_row = 20;
+
+// Too large for a stack, and there is one thread.
+test_case tested;
+machine_image native;
+cpu_state emulated;
+arena_content native_memory;
+
+class row_test {
+ public:
+  row_test(const row_shape& shape, failure_report report)
+      : shape_(shape), exception_(find_exception(shape)), report_(report) {
+    result.row = shape.row;
+  }
+
+  // At most max_prepared cases. Stops once `wanted` are compared.
+  void run(const std::vector<instruction_case>& cases, unsigned wanted) {
+    std::vector<std::uint32_t> words;
+    words.reserve(cases.size());
+    for (const instruction_case& each : cases) words.push_back(native_word(each.word));
+    prepare(words);
+    for (std::size_t i = 0; i < cases.size() && !done(wanted); ++i) run_one(i, cases[i]);
+  }
+
+  bool done(unsigned wanted) const {
+    return result.compared >= wanted || result.failed >= max_failures_per_row;
+  }
+
+  row_result result{};
+
+ private:
+  std::uint32_t native_word(std::uint32_t word) const {
+    const bool replaced = exception_ != nullptr && exception_->native_word != nullptr;
+    return replaced ? exception_->native_word(word) : word;
+  }
+
+  void run_one(std::size_t index, const instruction_case& which) {
+    make_state(shape_, which.word, which.state_seed, tested);
+    if (shape_.memory) arena() = tested.memory;
+    const run_outcome outcome = run_native(index, tested.before, native);
+    if (outcome.signal == SIGILL) {
+      ++result.reserved;
+      return;
+    }
+    if (outcome.signal != 0) stop_at_native_fault(outcome);
+    if (exception_ != nullptr && exception_->correct != nullptr)
+      exception_->correct(shape_, which.word, tested.before, native);
+    judge(run_emulated_too());
+  }
+
+  emulated_outcome run_emulated_too() const {
+    if (shape_.memory) {
+      native_memory = arena();
+      arena() = tested.memory;
+    }
+    unpack(tested.before, emulated);
+    return run_emulated(tested.word, emulated);
+  }
+
+  void judge(const emulated_outcome& outcome) {
+    ++result.compared;
+    const auto found = compare(tested, {&native, &native_memory, &emulated, &arena(), outcome});
+    if (found.empty()) return;
+    if (result.failed++ < max_reports_per_row) report_(tested, found);
+    result.status = row_status::failing;
+  }
+
+  // The state was made such that this can't happen.
+  [[noreturn]] void stop_at_native_fault(const run_outcome& outcome) const {
+    std::fprintf(stderr,
+                 "conformance: fault of this test itself: %s, word 0x%08x, state seed 0x%016llx, "
+                 "raised signal %d on the processor at address 0x%llx\n",
+                 std::string{shape_.row->name}.c_str(), tested.word,
+                 static_cast<unsigned long long>(tested.state_seed), outcome.signal,
+                 static_cast<unsigned long long>(outcome.fault_address));
+    std::exit(2);
+  }
+
+  const row_shape& shape_;
+  const exception* exception_;
+  failure_report report_;
+};
+
+std::vector<instruction_case> make_cases(const row_shape& shape, std::uint64_t seed, unsigned first,
+                                         unsigned count) {
+  std::vector<instruction_case> cases;
+  for (unsigned i = first; i < first + count; ++i) {
+    random_source random{derive_seed(seed, shape.row->name, i)};
+    const std::uint32_t word = make_word(shape, random);
+    cases.push_back({word, random()});
+  }
+  return cases;
+}
+
+row_result concluded(row_result result) {
+  if (result.compared == 0) result.status = row_status::failing;
+  return result;
+}
+
+}  // namespace
+
+row_result test_row(const row_shape& shape, std::uint64_t seed, unsigned count,
+                    failure_report report) {
+  if (!shape.row->written) return {.row = shape.row, .status = row_status::not_written};
+  row_test test{shape, report};
+  const unsigned limit = 8 * count + 64;
+  for (unsigned made = 0; made < limit && !test.done(count);) {
+    const unsigned missing = count - test.result.compared;
+    const auto batch = std::min<unsigned>(missing + missing / 8, max_prepared);
+    test.run(make_cases(shape, seed, made, std::max(batch, 1U)), count);
+    made += std::max(batch, 1U);
+  }
+  return concluded(test.result);
+}
+
+row_result test_cases(const row_shape& shape, const std::vector<instruction_case>& cases,
+                      failure_report report) {
+  row_test test{shape, report};
+  for (std::size_t i = 0; i < cases.size(); i += max_prepared) {
+    const auto end = std::min(cases.size(), i + max_prepared);
+    test.run({cases.begin() + static_cast<std::ptrdiff_t>(i),
+              cases.begin() + static_cast<std::ptrdiff_t>(end)},
+             static_cast<unsigned>(cases.size()));
+  }
+  return concluded(test.result);
+}
+
+}  // namespace conformance

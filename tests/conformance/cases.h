@@ -1,0 +1,40 @@
+// Runs cases of a row, both ways, and keeps count.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tests/conformance/comparison.h"
+#include "tests/conformance/states.h"
+
+namespace conformance {
+
+enum class row_status { passing, failing, not_written };
+
+struct row_result {
+  const sve::instruction_row* row;
+  row_status status = row_status::passing;
+  unsigned compared = 0;
+  unsigned failed = 0;
+  unsigned reserved = 0;  // words that the processor refuses: SIGILL
+};
+
+struct instruction_case {
+  std::uint32_t word;
+  std::uint64_t state_seed;
+};
+
+// What is told of a case that fails: tested, difference by difference.
+using failure_report = void (*)(const test_case& tested, const std::vector<difference>& found);
+
+// Makes words and states from `seed` until `count` cases are compared, or until it is plain that
+// the processor refuses most of them. A row of which nothing could be compared is failing. Reports
+// the first failing cases of the row.
+row_result test_row(const row_shape& shape, std::uint64_t seed, unsigned count,
+                    failure_report report);
+
+// Runs the given cases, all of one row.
+row_result test_cases(const row_shape& shape, const std::vector<instruction_case>& cases,
+                      failure_report report);
+
+}  // namespace conformance

@@ -1,0 +1,108 @@
+// The conformance test: every row of the instruction table against a processor with SVE.
+//
+// The processor is the judge: each instruction word runs on it natively, from a random machine
+// state, and through execute_sve_instruction() from the same state, and both have to leave the same
+// behind. Rows, patterns and names come from the instruction table, so that a row that is added is
+// tested. `conformance --help` tells the options.
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fnmatch.h>
+
+#include "tests/conformance/arena.h"
+#include "tests/conformance/cases.h"
+#include "tests/conformance/options.h"
+#include "tests/conformance/report.h"
+#include "tests/conformance/self_check.h"
+
+namespace conformance {
+namespace {
+
+bool is_chosen(const options& chosen, const sve::instruction_row& row) {
+  if (chosen.only_written && !row.written) return false;
+  const std::string name{row.name};
+  return chosen.rows.empty() || std::ranges::any_of(chosen.rows, [&](const std::string& pattern) {
+           return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+         });
+}
+
+std::vector<const sve::instruction_row*> choose_rows(const options& chosen) {
+  std::vector<const sve::instruction_row*> rows;
+  unsigned position = 0;
+  for (const sve::instruction_row& row : sve::instruction_rows())
+    if (is_chosen(chosen, row) && position++ % chosen.shards == chosen.shard - 1)
+      rows.push_back(&row);
+  return rows;
+}
+
+std::vector<row_shape> describe_all(const std::vector<const sve::instruction_row*>& rows) {
+  std::vector<row_shape> shapes;
+  shapes.reserve(rows.size());
+  for (const sve::instruction_row* row : rows) shapes.push_back(describe(*row));
+  return shapes;
+}
+
+int run_word(const options& chosen) {
+  const sve::instruction_row* row = sve::find_row(*chosen.word);
+  if (row == nullptr) {
+    std::fprintf(stderr, "conformance: no row serves the word 0x%08x\n", *chosen.word);
+    return 2;
+  }
+  const std::uint64_t first = chosen.state_seed.value_or(chosen.seed);
+  std::vector<instruction_case> cases;
+  for (unsigned i = 0; i < chosen.count; ++i) cases.push_back({*chosen.word, first + i});
+  const row_shape shape = describe(*row);
+  const row_result result = test_cases(shape, cases, report_failure);
+  std::printf("%s: %u states compared, %u failed%s\n", std::string{row->name}.c_str(),
+              result.compared, result.failed,
+              result.reserved > 0 ? "; the processor refuses the word" : "");
+  return result.status == row_status::passing ? 0 : 1;
+}
+
+int conclude(const options& chosen, const std::vector<row_result>& results) {
+  print_summary(results);
+  if (!chosen.output.empty() && !write_results(chosen.output, results)) {
+    std::fprintf(stderr, "conformance: cannot write %s: %s\n", chosen.output.c_str(),
+                 std::strerror(errno));
+    return 2;
+  }
+  const auto has_status = [&](row_status status) {
+    return std::ranges::any_of(results, [=](auto& result) { return result.status == status; });
+  };
+  if (has_status(row_status::failing)) return 1;
+  if (has_status(row_status::passing)) return 0;
+  std::fputs("conformance: none of the chosen rows is written yet\n", stderr);
+  return 1;
+}
+
+int run_rows(const options& chosen, const std::vector<const sve::instruction_row*>& rows) {
+  std::printf("seed 0x%llx, %u words for each row, %u-bit vectors\n",
+              static_cast<unsigned long long>(chosen.seed), chosen.count, sve::vector_bits);
+  std::vector<row_result> results;
+  for (const row_shape& shape : describe_all(rows))
+    results.push_back(test_row(shape, chosen.seed, chosen.count, report_failure));
+  return conclude(chosen, results);
+}
+
+int run(const options& chosen) {
+  const auto rows = choose_rows(chosen);
+  if (rows.empty()) {
+    std::fputs("conformance: no row matches\n", stderr);
+    return 2;
+  }
+  if (chosen.list) {
+    print_list(rows);
+    return 0;
+  }
+  map_arena();
+  start_native_runs();
+  if (chosen.word) return run_word(chosen);
+  if (chosen.self_check) return self_check(describe_all(rows), chosen.seed) ? 0 : 1;
+  return run_rows(chosen, rows);
+}
+
+}  // namespace
+}  // namespace conformance
+
+int main(int argc, char** argv) { return conformance::run(conformance::parse_options(argc, argv)); }

@@ -1,0 +1,172 @@
+#include "tests/conformance/report.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fnmatch.h>
+#include <map>
+#include <memory>
+
+#include "tests/conformance/exceptions.h"
+
+namespace conformance {
+namespace {
+
+constexpr std::size_t max_differences = 12;
+
+struct family {
+  const char* rows;
+  const char* name;
+};
+
+// The first entry that matches a row's name tells its family.
+constexpr std::array families{
+    family{"*Prefetch*", "prefetches"},
+    family{"*FillSI", "register loads and stores"},
+    family{"*SpillSI", "register loads and stores"},
+    family{"*LoadDup*", "replicating loads"},
+    family{"*Load[FN]F*", "first-fault and non-fault loads"},
+    family{"*E[234]Load*", "structure loads and stores"},
+    family{"*E[234]Store*", "structure loads and stores"},
+    family{"*CLoad*", "contiguous loads and stores"},
+    family{"*CStore*", "contiguous loads and stores"},
+    family{"*Load[1248]*", "gathers and scatters"},
+    family{"*Store[1248]*", "gathers and scatters"},
+    family{"*While*", "loop control"},
+    family{"*CTerm*", "loop control"},
+    family{"*Count*", "counts"},
+    family{"*VL[48SVX]*", "counts"},
+    family{"*AddPLX", "counts"},
+    family{"VecP*", "predicates"},
+    family{"*CmpFlg*", "integer compares"},
+    family{"*Zip[12]VV", "permutes, copies and extraction"},
+    family{"*Uzp[12]VV", "permutes, copies and extraction"},
+    family{"*Trn[12]VV", "permutes, copies and extraction"},
+    family{"*TblVV", "permutes, copies and extraction"},
+    family{"*ReverseV", "permutes, copies and extraction"},
+    family{"*Unpack*", "permutes, copies and extraction"},
+    family{"*SpliceVV", "permutes, copies and extraction"},
+    family{"*CompressVV", "permutes, copies and extraction"},
+    family{"*SlideVI", "permutes, copies and extraction"},
+    family{"*Last[AB]V", "permutes, copies and extraction"},
+    family{"*CondX[AB]*", "permutes, copies and extraction"},
+    family{"*InsertS", "permutes, copies and extraction"},
+    family{"*Dup*", "permutes, copies and extraction"},
+    family{"*Move*", "permutes, copies and extraction"},
+    family{"*SelVV", "permutes, copies and extraction"},
+    family{"Vec[FDH][136]*", "floating point"},
+    family{"*_[248]From*", "floating point"},
+    family{"*Reduce*", "integer reductions"},
+    family{"*", "integer arithmetic"},
+};
+
+const char* family_of(const sve::instruction_row& row) {
+  const std::string name{row.name};
+  return std::ranges::find_if(
+             families,
+             [&](const family& entry) { return fnmatch(entry.rows, name.c_str(), 0) == 0; })
+      ->name;
+}
+
+const char* kind_name(sve::row_kind kind) {
+  if (kind == sve::row_kind::fast) return "fast";
+  return kind == sve::row_kind::bridge ? "bridge" : "no-op";
+}
+
+const char* status_name(row_status status) {
+  if (status == row_status::passing) return "passing";
+  return status == row_status::failing ? "failing" : "not written";
+}
+
+std::string text(std::string_view view) { return std::string{view}; }
+
+struct tally {
+  unsigned passing = 0, failing = 0, not_written = 0;
+  unsigned long compared = 0, reserved = 0;
+
+  void add(const row_result& result) {
+    passing += result.status == row_status::passing ? 1 : 0;
+    failing += result.status == row_status::failing ? 1 : 0;
+    not_written += result.status == row_status::not_written ? 1 : 0;
+    compared += result.compared;
+    reserved += result.reserved;
+  }
+
+  void print(const char* family, const char* kind) const {
+    std::printf("%-32s %-7s %8u %8u %12u %10lu\n", family, kind, passing, failing, not_written,
+                compared);
+  }
+};
+
+void print_fields(const test_case& tested) {
+  for (const operand_field& field : tested.shape->fields)
+    std::printf(" %c=%u", field.letter, tested.shape->value(field.letter, tested.word));
+}
+
+void print_failing_rows(const std::vector<row_result>& results) {
+  for (const row_result& result : results)
+    if (result.status == row_status::failing) report_row(result);
+}
+
+}  // namespace
+
+void report_failure(const test_case& tested, const std::vector<difference>& found) {
+  std::printf("\n%s: word 0x%08x (%s;", text(tested.shape->row->name).c_str(), tested.word,
+              text(tested.shape->row->pattern).c_str());
+  print_fields(tested);
+  std::printf(")\n  %-20s %18s %18s %18s\n", "", "before", "processor", "emulation");
+  for (std::size_t i = 0; i < std::min(found.size(), max_differences); ++i)
+    std::printf("  %-20s %18s %18s %18s\n", found[i].place.c_str(), found[i].before.c_str(),
+                found[i].native.c_str(), found[i].emulated.c_str());
+  if (found.size() > max_differences)
+    std::printf("  and %zu more\n", found.size() - max_differences);
+  if (const exception* applied = find_exception(*tested.shape))
+    std::printf("  the processor's side follows an exception: %s\n", applied->reason);
+  std::printf("  repeat: conformance --word 0x%08x --state-seed 0x%016llx\n", tested.word,
+              static_cast<unsigned long long>(tested.state_seed));
+  std::fflush(stdout);
+}
+
+void report_row(const row_result& result) {
+  const std::string name = text(result.row->name);
+  if (result.compared == 0)
+    std::printf("failing: %s: the processor refused all %u words\n", name.c_str(), result.reserved);
+  else
+    std::printf("failing: %s: %u of %u words\n", name.c_str(), result.failed, result.compared);
+}
+
+void print_summary(const std::vector<row_result>& results) {
+  std::map<std::pair<std::string, std::string>, tally> groups;
+  tally total;
+  for (const row_result& result : results) {
+    groups[{family_of(*result.row), kind_name(result.row->kind)}].add(result);
+    total.add(result);
+  }
+  std::printf("\n%-32s %-7s %8s %8s %12s %10s\n", "family", "kind", "passing", "failing",
+              "not written", "words");
+  for (const auto& [group, count] : groups) count.print(group.first.c_str(), group.second.c_str());
+  total.print("all", "");
+  std::printf("%lu reserved words left out\n", total.reserved);
+  print_failing_rows(results);
+}
+
+void print_list(const std::vector<const sve::instruction_row*>& rows) {
+  for (const sve::instruction_row* row : rows)
+    std::printf("%s %-7s %s%s\n", text(row->pattern).c_str(), kind_name(row->kind),
+                text(row->name).c_str(), row->written ? "" : " (not written)");
+}
+
+bool write_results(const std::string& path, const std::vector<row_result>& results) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file{std::fopen(path.c_str(), "w"),
+                                                             std::fclose};
+  if (!file) return false;
+  std::fputs("name\tfamily\tkind\tpattern\tstatus\tcompared\tfailed\treserved\n", file.get());
+  for (const row_result& result : results)
+    std::fprintf(file.get(), "%s\t%s\t%s\t%s\t%s\t%u\t%u\t%u\n", text(result.row->name).c_str(),
+                 family_of(*result.row), kind_name(result.row->kind),
+                 text(result.row->pattern).c_str(), status_name(result.status), result.compared,
+                 result.failed, result.reserved);
+  return std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;
+}
+
+}  // namespace conformance
