@@ -112,14 +112,13 @@ class RandomMachine : public testing::Test {
     }
   }
 
-  // A predicate byte: mostly legal, but also others, which count by bit 0 alone.
+  // A predicate byte, true `density` times in 64: not only 0 and 1, for bit 0 alone counts.
   byte predicate_byte(unsigned density) {
     constexpr std::array<byte, 4> odd{0xff, 0x01, 0x81, 0x01}, even{0x00, 0xfe, 0x00, 0x02};
-    return number(4) < density ? odd[number(4)] : even[number(4)];
+    return number(64) < density ? odd[number(4)] : even[number(4)];
   }
 
-  // With `legal`, predicate bytes are 0 and 1 only.
-  void randomize(cpu_state& state, bool legal = false) {
+  void randomize(cpu_state& state) {
     state = {};
     for (u64& x : state.x) x = doubleword();
     state.sp = random_();
@@ -128,11 +127,10 @@ class RandomMachine : public testing::Test {
     for (auto& z : state.z) {
       for (unsigned i = 0; i < sve::vector_words64; ++i) put(z, i, 8, doubleword());
     }
+    constexpr std::array<unsigned, 5> densities{0, 1, 16, 48, 64};
     for (unsigned i = 0; i <= 16; ++i) {
-      const unsigned density = number(5);  // none active, some, all
-      for (byte& b : i < 16 ? state.p[i] : state.ffr) {
-        b = legal ? predicate_byte(density) & 1 : predicate_byte(density);
-      }
+      const unsigned density = densities[number(5)];
+      for (byte& b : i < 16 ? state.p[i] : state.ffr) b = predicate_byte(density);
     }
   }
 
