@@ -24,7 +24,8 @@ FORMATTED = (".c", ".cpp", ".h")
 def sources():
     """All files under version control, or about to be."""
     listing = subprocess.run(
-        ["git", "ls-files", "--cached", "--others", "--exclude-standard", "-z"],
+        ["git", "-c", "safe.directory=*", "ls-files", "--cached", "--others", "--exclude-standard",
+         "-z"],
         cwd=ROOT, check=True, capture_output=True, text=True).stdout
     return [name for name in listing.split("\0") if name and (ROOT / name).exists()]
 

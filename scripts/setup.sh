@@ -9,9 +9,10 @@ missing_packages=
 # need COMMAND-OR-FILE PACKAGE
 need() {
   case $1 in
-    /*) [ -e "$1" ] && return ;;
-    *) command -v "$1" >/dev/null 2>&1 && return ;;
+    /*) [ -e "$1" ] && return 0 ;;
+    *) command -v "$1" >/dev/null 2>&1 && return 0 ;;
   esac
+  case " $missing_packages " in *" $2 "*) return 0 ;; esac
   missing_commands="$missing_commands $1"
   missing_packages="$missing_packages $2"
 }
@@ -42,15 +43,8 @@ find_missing() {
   need python3 python3
 }
 
-# As root, or through sudo.
 as_root() {
-  if [ "$(id -u)" -eq 0 ]; then
-    "$@"
-  elif command -v sudo >/dev/null 2>&1; then
-    sudo "$@"
-  else
-    fail "cannot install packages: not root, and no sudo. As root, do: apt-get install$missing_packages"
-  fi
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
 find_missing "${1:-run}"
@@ -58,6 +52,9 @@ find_missing "${1:-run}"
 command -v apt-get >/dev/null 2>&1 ||
   fail "missing:$missing_commands. Without apt-get they cannot be installed from here; on Debian 12" \
     "they are in the packages$missing_packages"
+[ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null 2>&1 ||
+  fail "packages are missing, but this is not root, and there is no sudo. As root, do:" \
+    "apt-get install$missing_packages"
 echo "setup: installing$missing_packages" >&2
 as_root apt-get update -q >&2
 # shellcheck disable=SC2086
