@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <fnmatch.h>
 #include <map>
@@ -122,8 +123,11 @@ void report_failure(const test_case& tested, const std::vector<difference>& foun
     std::printf("  and %zu more\n", found.size() - max_differences);
   if (const exception* applied = find_exception(*tested.shape))
     std::printf("  the processor's side follows an exception: %s\n", applied->reason);
-  std::printf("  repeat: conformance --word 0x%08x --state-seed 0x%016llx\n", tested.word,
-              static_cast<unsigned long long>(tested.state_seed));
+  std::printf(
+      "  repeat: qemu-aarch64 -L /usr/aarch64-linux-gnu -cpu max,sve-default-vector-length=%u %s "
+      "--word 0x%08x --state-seed 0x%016llx\n",
+      sve::vector_bytes, program_invocation_name, tested.word,
+      static_cast<unsigned long long>(tested.state_seed));
   std::fflush(stdout);
 }
 

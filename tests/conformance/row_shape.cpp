@@ -107,6 +107,7 @@ row_shape describe(const sve::instruction_row& row) {
   return {.row = &row,
           .fields = fields_of(row.pattern),
           .element_bytes = element_bytes_of(name),
+          .floating = name[3] == 'F' || name[3] == 'D' || name[3] == 'H',
           .memory = memory_form_of(name)};
 }
 

@@ -30,7 +30,16 @@ void make_system_registers(machine_image& image, random_source& random) {
   image.fpcr = random_subset(controls, random);
 }
 
-// Scalars of one instruction are often close to one another, as those of a loop are.
+constexpr std::array<std::uint64_t, 7> type_limits{0,
+                                                   0x7fffffff,
+                                                   0x80000000,
+                                                   0xffffffff,
+                                                   0x7fffffffffffffff,
+                                                   0x8000000000000000,
+                                                   ~std::uint64_t{0}};
+
+// Scalars of one instruction are often close to one another, as those of a loop are, and to where a
+// loop would wrap.
 void make_general_registers(const row_shape& shape, std::uint32_t word, machine_image& image,
                             random_source& random) {
   for (std::uint64_t& x : image.x) x = draw_scalar(random);
@@ -39,7 +48,8 @@ void make_general_registers(const row_shape& shape, std::uint32_t word, machine_
   const unsigned m = shape.value('m', word);
   if (n >= 31 || m >= 31 || !random.chance(50)) return;
   const std::int64_t apart = random.between(-4, random.chance(50) ? 4 : sve::vector_bytes + 8);
-  image.x[m] = image.x[n] + static_cast<std::uint64_t>(apart);
+  if (random.chance(50)) image.x[m] = random.pick(type_limits);
+  image.x[n] = image.x[m] - static_cast<std::uint64_t>(apart);
   if (random.chance(20)) image.x[m] ^= random() << 32;
 }
 
@@ -55,7 +65,7 @@ void make_vector_registers(const row_shape& shape, std::uint32_t word, machine_i
   for (vector_register& z : image.z) draw_filler(random, z);
   for (const operand_field& field : shape.fields)
     if (field.width == 5)
-      draw_vector(some_element_bytes(shape, random), random,
+      draw_vector(some_element_bytes(shape, random), shape.floating, random,
                   image.z[shape.value(field.letter, word)]);
   const unsigned n = shape.value('n', word) % 32;
   const unsigned other = shape.value(shape.has('m') ? 'm' : 'd', word) % 32;

@@ -90,8 +90,10 @@ std::uint64_t mixed(unsigned width, random_source& random) {
                                                                                          random);
 }
 
-constexpr std::array<element_source, 8> vector_kinds{limit, near_limit, small,     floating,
-                                                     mixed, mixed,      any_value, floating};
+constexpr std::array<element_source, 7> vector_kinds{any_value, floating, limit, near_limit,
+                                                     small,     mixed,    mixed};
+constexpr std::size_t any_value_kind = 0;
+constexpr std::size_t floating_kind = 1;
 
 // Elements of one size and kind; a vector is taken from any element on.
 class element_stock {
@@ -190,12 +192,14 @@ const predicate_stock& shapes_of(unsigned element_bytes) {
 
 }  // namespace
 
-void draw_vector(unsigned element_bytes, random_source& random, vector_register& vector) {
-  stock(element_bytes, random.below(vector_kinds.size())).copy_to(vector, sizeof vector, random);
+void draw_vector(unsigned element_bytes, bool floating, random_source& random,
+                 vector_register& vector) {
+  const bool numbers = floating && random.chance(60);
+  const std::size_t kind = numbers ? floating_kind : random.below(vector_kinds.size());
+  stock(element_bytes, kind).copy_to(vector, sizeof vector, random);
 }
 
 void draw_filler(random_source& random, vector_register& vector) {
-  constexpr std::size_t any_value_kind = 6;
   stock(8, any_value_kind).copy_to(vector, sizeof vector, random);
 }
 

@@ -12,8 +12,10 @@
 
 namespace conformance {
 
-// A vector of elements of 1, 2, 4 or 8 bytes.
-void draw_vector(unsigned element_bytes, random_source& random, vector_register& vector);
+// A vector of elements of 1, 2, 4 or 8 bytes, mostly floating-point numbers if that is what the
+// instruction works on.
+void draw_vector(unsigned element_bytes, bool floating, random_source& random,
+                 vector_register& vector);
 
 // A vector of random bytes.
 void draw_filler(random_source& random, vector_register& vector);
