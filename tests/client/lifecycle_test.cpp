@@ -1,0 +1,132 @@
+// The client's life in the process: start, threads, end, and each way in which it ends early.
+#include <algorithm>
+#include <array>
+
+#include "sve/client/counters.h"
+#include "sve/client/thread_state.h"
+#include "tests/client/client_fixture.h"
+
+DR_EXPORT int _USES_DR_VERSION_;
+
+namespace {
+
+TEST_F(ClientTest, StartsAndEndsInOrder) {
+  EXPECT_EQ(_USES_DR_VERSION_, 602);
+  start();
+  exit_report();
+  const std::vector<std::string> expected = {
+      "dr_set_client_name Tessaly SVE emulation client",
+      "drmgr_init",
+      "drreg_init",
+      "dr_get_main_module",
+      "drmgr_register_thread_init_event",
+      "drmgr_register_thread_exit_event",
+      "dr_register_exit_event",
+      "drmgr_register_bb_app2app_event",
+      "drmgr_register_tls_field",
+      "dr_log SVE client initializing\n",
+      "dr_log SVE client exiting\n",
+      "drmgr_unregister_bb_app2app_event",
+      "drreg_exit",
+      "drmgr_exit",
+  };
+  EXPECT_EQ(host_script.calls, expected);
+  EXPECT_EQ(host_script.module_records, 0);
+}
+
+TEST_F(ClientTest, AcceptsNoOptions) {
+  for (const auto& accepted : std::vector<std::vector<const char*>>{{}, {"--"}, {"--", "-x"}}) {
+    start(accepted);
+    exit_report();
+  }
+  for (const auto& refused : std::vector<std::vector<const char*>>{{"-x"}, {"-x", "--"}}) {
+    EXPECT_EXIT(start(refused), testing::ExitedWithCode(aborted_status),
+                "^Usage error: Unknown option: -x\n$");
+  }
+}
+
+TEST_F(ClientTest, ReportsCountsFromZero) {
+  sve_instr_count = 17;
+  start();
+  EXPECT_EQ(exit_report(),
+            "prog: 0 SVE instructions executed\n"
+            "prog: 0 Non-SVE AArch64 instructions executed\n");
+}
+
+TEST_F(ClientTest, ReportsWithoutMainModule) {
+  host_script.has_main_module = false;
+  start();
+  EXPECT_EQ(exit_report(),
+            "(no main module): 0 SVE instructions executed\n"
+            "(no main module): 0 Non-SVE AArch64 instructions executed\n");
+}
+
+TEST_F(ClientTest, GivesEachThreadAClearedState) {
+  start();
+  std::array<scripted_thread, 2> threads;
+  for (scripted_thread& thread : threads) host_script.thread_init_event(&thread);
+  EXPECT_NE(thread_state(&threads[0]), thread_state(&threads[1]));
+  for (scripted_thread& thread : threads) {
+    const auto* bytes = static_cast<const unsigned char*>(thread.field);
+    EXPECT_TRUE(
+        std::all_of(bytes, bytes + sizeof(cpu_state), [](unsigned char b) { return b == 0; }));
+    host_script.thread_exit_event(&thread);
+  }
+  EXPECT_EQ(host_script.thread_records, 0);
+  exit_report();
+}
+
+struct fatal_case {
+  const char* failing;    // the host function that reports failure, or what is wrong
+  const char* condition;  // as the message has it
+  void (*act)();
+};
+
+void start_client() {
+  const char* argument = "libsve_client.so";
+  dr_client_main(0, 1, &argument);
+}
+
+void start_and_end() {
+  start_client();
+  host_script.exit_event();
+}
+
+void end_unknown_thread() {
+  start_client();
+  scripted_thread thread;
+  host_script.thread_exit_event(&thread);
+}
+
+void rewrite_with_another_stolen_register() {
+  start_client();
+  host_script.stolen_register = DR_REG_X27;
+  scripted_thread thread;
+  std::uint32_t ptrue = 0x2518e3e0;
+  instrlist_t* block = instrlist_create(nullptr);
+  auto* bits = reinterpret_cast<byte*>(&ptrue);
+  instrlist_append(block, instr_create_app(nullptr, bits, bits));
+  host_script.block_event(&thread, bits, block, false, false);
+}
+
+TEST_F(ClientTest, FailedAssertionsSayWhereAndAbort) {
+  const fatal_case cases[] = {
+      {"drmgr_init", "false", start_client},
+      {"drreg_init", "false", start_client},
+      {"drmgr_register_bb_app2app_event", "false", start_client},
+      {"drmgr_unregister_bb_app2app_event", "false", start_and_end},
+      {"drreg_exit", "false", start_and_end},
+      {"a thread never seen", "data != __null", end_unknown_thread},
+      {"stolen register", "dr_get_stolen_reg\\(\\) == DR_REG_X28",
+       rewrite_with_another_stolen_register},
+  };
+  for (const fatal_case& c : cases) {
+    SCOPED_TRACE(c.failing);
+    host_script.failing = c.failing;
+    EXPECT_EXIT(c.act(), testing::ExitedWithCode(aborted_status),
+                "ASSERT FAILURE: sve/client/sve_client:[1-9][0-9]*: " + std::string(c.condition) +
+                    " \\(\\)\n$");
+  }
+}
+
+}  // namespace
