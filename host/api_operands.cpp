@@ -3,19 +3,30 @@
 
 opnd_t opnd_create_null() { return {}; }
 
-opnd_t opnd_create_reg(reg_id_t reg) { return {.kind = opnd_kind::reg, .reg = reg}; }
+opnd_t opnd_create_reg(reg_id_t reg) {
+  opnd_t opnd{};
+  opnd.kind = opnd_kind::reg;
+  opnd.reg = reg;
+  return opnd;
+}
 
 opnd_t opnd_create_immed_int(ptr_int_t value, opnd_size_t size) {
-  return {.kind = opnd_kind::immed_int, .size = size, .value = value};
+  opnd_t opnd{};
+  opnd.kind = opnd_kind::immed_int;
+  opnd.size = size;
+  opnd.value = value;
+  return opnd;
 }
 
 opnd_t opnd_create_base_disp(reg_id_t base, reg_id_t index, int scale, int disp, opnd_size_t size) {
   // An index or a scale has no form here; the encoder refuses the operand by its missing base.
   const bool plain = index == DR_REG_NULL && scale == 0;
-  return {.kind = opnd_kind::base_disp,
-          .size = size,
-          .reg = plain ? base : static_cast<reg_id_t>(DR_REG_NULL),
-          .disp = disp};
+  opnd_t opnd{};
+  opnd.kind = opnd_kind::base_disp;
+  opnd.size = size;
+  opnd.reg = plain ? base : static_cast<reg_id_t>(DR_REG_NULL);
+  opnd.disp = disp;
+  return opnd;
 }
 
 opnd_t opnd_add_flags(opnd_t opnd, dr_opnd_flags_t flags) {

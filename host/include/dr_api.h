@@ -83,14 +83,15 @@ enum dr_opnd_flags_t : std::uint16_t {
 
 enum class opnd_kind : std::uint8_t { null, reg, base_disp, immed_int };
 
-// A value; its fields are read through the functions below.
+// A value; its fields are read through the functions below. It passes through variable arguments,
+// for which it must not have initialisers.
 struct opnd_t {
-  opnd_kind kind = opnd_kind::null;
-  opnd_size_t size = OPSZ_NA;
-  std::uint16_t flags = DR_OPND_DEFAULT;
-  reg_id_t reg = DR_REG_NULL;  // the register, or the base of a memory operand
-  std::int32_t disp = 0;
-  ptr_int_t value = 0;
+  opnd_kind kind;
+  opnd_size_t size;
+  std::uint16_t flags;
+  reg_id_t reg;  // the register, or the base of a memory operand
+  std::int32_t disp;
+  ptr_int_t value;
 };
 
 DR_EXPORT opnd_t opnd_create_null();
