@@ -141,7 +141,7 @@ TEST_F(Counting, WhileAtTheLimitsOfItsCounter) {
       const auto change = [&](cpu_state& s) {
         std::memset(s.p[14], 0, vector_bytes);
         for (unsigned i = 0; i < std::min<u64>(c.true_elements, vector_bytes / bytes); ++i) {
-          s.p[14][i * bytes] = 1;
+          put(s.p[14], i, bytes, 1);
         }
         set_model_flags(s, every, s.p[14], bytes);
       };

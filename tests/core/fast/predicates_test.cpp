@@ -95,7 +95,7 @@ void pnext(cpu_state& s, const cpu_state& b, O o) {
   }
   while (next < o.count() && !bit(b.p[o.n], next, o.bytes())) ++next;
   std::memset(s.p[o.d], 0, vector_bytes);
-  if (next < o.count()) s.p[o.d][next * o.bytes()] = 1;
+  if (next < o.count()) put(s.p[o.d], next, o.bytes(), 1);
   set_model_flags(s, b.p[o.n], s.p[o.d], o.bytes());
 }
 
@@ -191,7 +191,7 @@ TEST_F(Predicates, PtrueWritesWholeElements) {
       actual = expected;
       const unsigned bytes = 1U << size, count = sve::pattern_count(pattern, vector_bytes / bytes);
       std::memset(expected.p[9], 0, vector_bytes);
-      for (unsigned i = 0; i < count; ++i) expected.p[9][i * bytes] = 1;
+      for (unsigned i = 0; i < count; ++i) put(expected.p[9], i, bytes, 1);
       sve_ptrue_pi(&actual, predicate(9, size), pattern);
       EXPECT_EQ(difference(expected, actual), "") << size_names[size] << " pattern " << pattern;
     }

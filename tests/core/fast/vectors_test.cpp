@@ -75,7 +75,6 @@ Call with(FastPath* fast_path, Roles... roles) {
   return [=](cpu_state* s, const Operands& o) { return fast_path(s, roles(o)...); };
 }
 
-using std::max;
 using std::min;
 
 u64 ratio(s64 a, s64 b) { return b == 0 ? 0 : b == -1 ? -static_cast<u64>(a) : u64(a / b); }
@@ -303,13 +302,13 @@ TEST_F(Vectors, ReductionsAgreeWithTheScalarModel) {
 }
 
 TEST_F(Vectors, QuadwordsAreBroadcastByDup) {
-  constexpr unsigned quadwords = vector_bytes / 16;
-  for (unsigned index : {0U, quadwords - 1, quadwords}) {
+  constexpr std::size_t quadwords = vector_bytes / 16;
+  for (std::size_t index : {std::size_t{0}, quadwords - 1, quadwords}) {
     randomize(state);
     byte value[16] = {};
     if (index < quadwords) std::memcpy(value, state.z[3] + 16 * index, 16);
-    sve_dup_zzi(&state, {3, 4, 5, 5}, {3, 4, 5, 5}, index);
-    for (unsigned i = 0; i < quadwords; ++i) {
+    sve_dup_zzi(&state, {3, 4, 5, 5}, {3, 4, 5, 5}, static_cast<unsigned>(index));
+    for (std::size_t i = 0; i < quadwords; ++i) {
       EXPECT_EQ(std::memcmp(state.z[3] + 16 * i, value, 16), 0) << index << " in " << i;
     }
   }
