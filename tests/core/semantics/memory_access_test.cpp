@@ -1,0 +1,246 @@
+// Guarded reads at the end of what is mapped, and what becomes of every fault outside of one: a
+// child process must die of the signal itself, after the message.
+#include "sve/semantics/memory_access.h"
+
+#include <atomic>
+#include <cstdio>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <sys/resource.h>
+#include <thread>
+
+#include "guarded_memory.h"
+#include "sve/fast/contiguous_memory.h"
+
+namespace {
+
+using ReadMemLib = std::uint64_t(std::uint64_t, int, bool*, CpuContext*);
+
+constexpr struct {
+  ReadMemLib* read;
+  unsigned bytes;
+} reads[] = {{ReadMemLib1, 1}, {ReadMemLib2, 2}, {ReadMemLib4, 4}, {ReadMemLib8, 8}};
+
+class MemoryAccess : public testing::Test {
+ protected:
+  MemoryAccess() {
+    SVEInitialize();
+    for (std::size_t i = 0; i < memory.size(); ++i) {
+      memory.data()[i] = static_cast<unsigned char>(i * 7 + 0x81);
+    }
+  }
+
+  std::uint64_t expected(std::uint64_t address, unsigned bytes) const {
+    std::uint64_t value = 0;
+    std::memcpy(&value, memory.data() + (address - memory.begin()), bytes);
+    return value;
+  }
+
+  // A page of a file beyond the file's end: mapped, but an access is a bus error.
+  static std::uint64_t page_without_memory() {
+    void* page = mmap(nullptr, GuardedMemory::page_size(), PROT_READ | PROT_WRITE, MAP_SHARED,
+                      fileno(std::tmpfile()), 0);
+    return reinterpret_cast<std::uint64_t>(page);
+  }
+
+  GuardedMemory memory;
+  CpuContext ctx{};
+};
+
+TEST_F(MemoryAccess, GuardedReadsAtTheEdgesOfAPage) {
+  for (const auto& [read, bytes] : reads) {
+    for (unsigned overhang = 0; overhang <= bytes; ++overhang) {
+      for (const bool at_end : {true, false}) {
+        const std::uint64_t address =
+            at_end ? memory.end() - bytes + overhang : memory.begin() - overhang;
+        for (const bool before : {false, true}) {
+          bool fault = before;
+          const std::uint64_t value = read(address, static_cast<int>(overhang % 2), &fault, &ctx);
+          EXPECT_EQ(fault, before || overhang != 0) << bytes << " bytes, " << overhang << " over";
+          EXPECT_EQ(value, overhang == 0 ? expected(address, bytes) : 0);
+          EXPECT_EQ(SVEFaultRegion, 0);
+        }
+      }
+    }
+    EXPECT_EQ(read(memory.begin() + 3, 0, nullptr, nullptr), expected(memory.begin() + 3, bytes))
+        << "unguarded and unaligned";
+  }
+}
+
+TEST_F(MemoryAccess, GuardedReadsOfWildAddressesAndBusErrors) {
+  const std::uint64_t addresses[] = {0,
+                                     ~std::uint64_t{0},
+                                     ~std::uint64_t{6},
+                                     0x8000000000000000,
+                                     0x0123456789abcdef,
+                                     page_without_memory()};
+  for (const std::uint64_t address : addresses) {
+    bool fault = false;
+    EXPECT_EQ(ReadMemLib8(address, 0, &fault, &ctx), 0U) << address;
+    EXPECT_TRUE(fault) << address;
+  }
+}
+
+// The jump out of the handler restores the mask, and a thousand faults leave nothing behind.
+TEST_F(MemoryAccess, GuardedFaultsLeaveTheSignalMaskAlone) {
+  sigset_t mask, after;
+  sigemptyset(&mask);
+  sigaddset(&mask, SIGUSR1);
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+  for (int i = 0; i < 1000; ++i) {
+    bool fault = false;
+    ReadMemLib4(memory.end(), 1, &fault, &ctx);
+    ASSERT_TRUE(fault);
+  }
+  sigprocmask(SIG_SETMASK, nullptr, &after);
+  EXPECT_EQ(sigismember(&after, SIGUSR1), 1);
+  EXPECT_EQ(sigismember(&after, SIGSEGV), 0);
+  sigemptyset(&mask);
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+}
+
+TEST_F(MemoryAccess, WritesTouchExactlyTheirBytes) {
+  const struct {
+    std::function<void(std::uint64_t)> write;
+    unsigned bytes;
+  } writes[] = {
+      {[this](std::uint64_t a) { WriteMemLib1(0xf1, a, &ctx); }, 1},
+      {[this](std::uint64_t a) { WriteMemLib2(0xf1f2, a, &ctx); }, 2},
+      {[this](std::uint64_t a) { WriteMemLib4(0xf1f2f3f4, a, &ctx); }, 4},
+      {[this](std::uint64_t a) { WriteMemLib8(0xf1f2f3f4f5f6f7f8, a, &ctx); }, 8},
+  };
+  for (const auto& [write, bytes] : writes) {
+    memory.fill(0);
+    write(memory.end() - bytes);
+    write(memory.begin() + 1);
+    EXPECT_EQ(expected(memory.end() - bytes, bytes), 0xf1f2f3f4f5f6f7f8 >> (64 - 8 * bytes));
+    EXPECT_EQ(expected(memory.end() - bytes - 8, 8), 0U);
+    EXPECT_EQ(expected(memory.begin(), 1), 0U);
+    EXPECT_EQ(expected(memory.begin() + 1 + bytes, 8), 0U);
+  }
+}
+
+// Faults of many threads at once, each with its own slot: a thread that reads only what is mapped
+// never sees a fault of one that doesn't.
+TEST_F(MemoryAccess, ThreadsFaultAtOnce) {
+  std::atomic<int> wrong = 0;
+  const auto reader = [&](std::uint64_t address, bool mapped) {
+    CpuContext own{};
+    for (int i = 0; i < 3000; ++i) {
+      bool fault = false;
+      const std::uint64_t value = ReadMemLib8(address, 0, &fault, &own);
+      if (fault == mapped || value != (mapped ? expected(address, 8) : 0)) ++wrong;
+    }
+  };
+  std::thread threads[] = {
+      std::thread(reader, memory.end(), false), std::thread(reader, memory.end() - 4, false),
+      std::thread(reader, memory.end() - 8, true), std::thread(reader, memory.begin() + 1, true)};
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(MemoryAccess, AccessesOfNoMemory) {
+  bool fault = true;
+  EXPECT_EQ(ReadMem(memory.begin(), 8, 0, &fault, &ctx), 0U);
+  EXPECT_FALSE(fault);
+  fault = true;
+  EXPECT_EQ(ReadMemSim(memory.end(), 8, 0, &fault, true, &ctx), 0U);
+  EXPECT_FALSE(fault);
+  WriteMem(1, memory.end(), 8, &ctx);
+  WriteMemSim(1, memory.end(), 8, true, &ctx);
+}
+
+TEST_F(MemoryAccess, InitialisesOnce) {
+  EXPECT_EQ(ctxt, &cpu_ctxt);
+  EXPECT_EQ(cpu_ctxt.vl, 2U);
+  struct sigaction installed;
+  for (const int signal : {SIGSEGV, SIGBUS}) {
+    sigaction(signal, nullptr, &installed);
+    EXPECT_EQ(installed.sa_sigaction, SVESigHandler);
+    EXPECT_EQ(installed.sa_flags & 0x50000004, 0x50000004);
+    EXPECT_EQ(sigismember(&installed.sa_mask, SIGTERM), 0);
+  }
+  struct sigaction other = {}, restored = installed;
+  other.sa_handler = SIG_IGN;
+  sigaction(SIGBUS, &other, nullptr);
+  EXPECT_TRUE(SVEInitialize());
+  sigaction(SIGBUS, nullptr, &installed);
+  EXPECT_EQ(installed.sa_handler, SIG_IGN) << "a second call installs nothing";
+  sigaction(SIGBUS, &restored, nullptr);
+}
+
+std::string message(const std::string& signal) {
+  return "velox's SVESigHandler caught signal " + signal +
+         " from the process being emulated, passing it to the default signal handler\\.\n";
+}
+
+// What kills the process: each in a child of its own.
+class UnguardedFaultDeathTest : public MemoryAccess {
+ protected:
+  UnguardedFaultDeathTest() {
+    std::memset(state->p, 1, sizeof state->p);
+    const rlimit no_core_file{0, 0};
+    setrlimit(RLIMIT_CORE, &no_core_file);
+  }
+
+  void expect_death(const char* what, int signal, const std::function<void()>& access) {
+    EXPECT_EXIT(access(), testing::KilledBySignal(signal),
+                message(signal == SIGSEGV ? "SIGSEGV" : "SIGBUS"))
+        << what;
+  }
+
+  std::unique_ptr<cpu_state> state = std::make_unique<cpu_state>();
+};
+
+TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
+  const aarch64_z_reg z{0, 0, 0, 0};
+  const aarch64_p_reg p{0, 0, 0, 0};
+  const aarch64_i_rsp_reg x{0, 0};
+  cpu_state* s = state.get();
+  s->x[0] = memory.end() - 5;
+  const struct {
+    const char* what;
+    std::function<void()> access;
+  } faults[] = {
+      {"load", [&] { sve_ld1w_zpri(s, z, p, x, 0); }},
+      {"store", [&] { sve_st1b_zpri(s, z, p, x, 0); }},
+      {"structure load", [&] { sve_ld3h_zpri(s, z, p, x, 0); }},
+      {"structure store", [&] { sve_st4d_zpri(s, z, p, x, 0); }},
+      {"replicating load", [&] { sve_ld1rd_zpri(s, z, p, x, 0); }},
+      {"fill", [&] { sve_ldr_zri(s, z, x, 0); }},
+      {"spill", [&] { sve_str_zri(s, z, x, 1); }},
+      {"predicate fill", [&] { sve_ldr_pri(s, p, x, 1); }},
+      {"predicate spill", [&] { sve_str_pri(s, p, x, 1); }},
+      {"reference load", [&] { ReadMemLib8(memory.end() - 7, 0, nullptr, &ctx); }},
+      {"reference store", [&] { WriteMemLib2(0, memory.end() - 1, &ctx); }},
+      {"null pointer", [&] { ReadMemLib1(0, 0, nullptr, &ctx); }},
+  };
+  for (const auto& [what, access] : faults) expect_death(what, SIGSEGV, access);
+}
+
+TEST_F(UnguardedFaultDeathTest, EndsTheProcessByABusError) {
+  const std::uint64_t page = page_without_memory();
+  expect_death("load", SIGBUS, [&] { ReadMemLib4(page, 0, nullptr, &ctx); });
+  expect_death("store", SIGBUS, [&] { WriteMemLib4(0, page, &ctx); });
+}
+
+// The fault of a second thread ends the process even while this one is in a guarded read.
+TEST_F(UnguardedFaultDeathTest, OfAnotherThreadIsNotTakenForTheGuardedElement) {
+  expect_death("other thread", SIGSEGV, [&] {
+    SVEFaultRegion = 1;
+    if (sigsetjmp(sveFaultJB, 1) != 0) std::_Exit(0);
+    std::thread([&] { WriteMemLib1(0, memory.end(), &ctx); }).join();
+  });
+}
+
+TEST_F(UnguardedFaultDeathTest, AfterAGuardedOneStillEndsTheProcess) {
+  expect_death("afterwards", SIGSEGV, [&] {
+    bool fault = false;
+    ReadMemLib1(memory.end(), 0, &fault, &ctx);
+    if (fault) ReadMemLib1(memory.end(), 0, nullptr, &ctx);
+  });
+}
+
+}  // namespace

@@ -1,0 +1,328 @@
+// The predicate functions: by table at 128 bits, where a predicate is readable as a string, and by
+// the laws that hold among them at every vector length.
+#include "sve/semantics/predicates.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+
+#include "sve/state/cpu_state.h"
+
+namespace {
+
+constexpr unsigned lengths[] = {2, 8, 30, 32};  // in units of 64 bits
+
+CpuContext context(unsigned vl) {
+  CpuContext ctx{};
+  ctx.vl = vl;
+  return ctx;
+}
+
+// Lane 0 is the leftmost character; spaces are for the reader.
+PredV lanes(const std::string& text) {
+  PredV p{};
+  unsigned lane = 0;
+  for (const char c : text) {
+    if (c != ' ') p.set_lane(lane++, c == '1');
+  }
+  return p;
+}
+
+std::string text(const PredV& p, unsigned count) {
+  std::string result;
+  for (unsigned i = 0; i < count; ++i) result += p.lane(i) ? '1' : '0';
+  return result;
+}
+
+std::string packed(std::string text) {
+  std::erase(text, ' ');
+  return text;
+}
+
+// "nZCv": a capital is a flag that is set.
+std::string flags(const CpuContext& ctx) {
+  return {(ctx.nzcv & sve::flag_n) != 0 ? 'N' : 'n', (ctx.nzcv & sve::flag_z) != 0 ? 'Z' : 'z',
+          (ctx.nzcv & sve::flag_c) != 0 ? 'C' : 'c', (ctx.nzcv & sve::flag_v) != 0 ? 'V' : 'v'};
+}
+
+PredV random_predicate(std::mt19937_64& random) {
+  PredV p;
+  for (auto& word : p.words) word = random() & (random() % 3 != 0 ? ~0ULL : random());
+  return p;
+}
+
+using OfOne = sve::semantics::governed_of_one*;
+using OfTwo = sve::semantics::governed_of_two*;
+
+TEST(Predicates, FlagSetters) {
+  const std::string none = "0000 0000 0000 0000", some = "1000 0000 1000 0000";
+  const struct {
+    const char* what;
+    std::string g, r;
+    int w;
+    const char *nzcv, *nzc, *ncv, *nc;  // from NzcV
+  } rows[] = {
+      {"nothing active", none, some, 32, "nZCv", "nZCV", "nzCv", "NzcV"},
+      {"nothing true", some, none, 32, "nZCv", "nZCV", "nzCv", "nzCV"},
+      {"first true", some, "1000 0000 0000 0000", 32, "NzCv", "NzCV", "NzCv", "NzCV"},
+      {"last true", some, "0000 0000 1000 0000", 32, "nzcv", "nzcV", "nzcv", "nzcV"},
+      {"true where inactive", some, "0000 1000 0000 1000", 32, "nZCv", "nZCV", "nzCv", "nzCV"},
+      {"non-first lane of the first", some, "0010 0000 0000 0000", 32, "nzCv", "nzCV", "nzCv",
+       "nzCV"},
+      {"non-first lane of the last", some, "0000 0000 0001 0000", 32, "nzcv", "nzcV", "nzcv",
+       "nzcV"},
+      {"active by a non-first lane only", "0100 0000 0000 0001", some, 32, "nZCv", "nZCV", "nzCv",
+       "NzcV"},
+      {"the same lanes as bytes", "0100 0000 0000 0001", "0100 0000 0000 0000", 8, "NzCv", "NzCV",
+       "NzCv", "NzCV"},
+  };
+  for (const auto& row : rows) {
+    const auto after = [&row](auto setter) {
+      CpuContext ctx = context(2);
+      ctx.nzcv = sve::flag_n | sve::flag_v | 0x5a5a5a;
+      setter(lanes(row.g), lanes(row.r), row.w, &ctx);
+      EXPECT_EQ(ctx.nzcv & 0x0fffffff, 0x5a5a5aU);
+      return flags(ctx);
+    };
+    EXPECT_EQ(after(PredSetNZCV), row.nzcv) << row.what;
+    EXPECT_EQ(after(PredSetNZC), row.nzc) << row.what;
+    EXPECT_EQ(after(PredSetNCV), row.ncv) << row.what;
+    EXPECT_EQ(after(PredSetNC), row.nc) << row.what;
+  }
+}
+
+// What lies above the vector is neither an element nor a reason for a flag.
+TEST(Predicates, LanesAboveTheVectorDoNotCount) {
+  for (const unsigned vl : {2U, 8U, 30U}) {
+    CpuContext ctx = context(vl);
+    PredV above{};
+    for (unsigned i = vl * 8; i < 256; ++i) above.set_lane(i, true);
+    ctx.ffr = above;
+    EXPECT_EQ(FindFirstActive(above, 8, &ctx), -1);
+    EXPECT_EQ(FindLastActive(above, 64, &ctx), -1);
+    for (const OfTwo f : {VecPOrNFlgPPZ, VecPNandFlgPPZ, VecPNorFlgPPZ, VecPBreakPrevAFlgPZ}) {
+      EXPECT_EQ(text(f(above, above, above, &ctx), 256), std::string(256, '0'));
+      EXPECT_EQ(flags(ctx), "nZCv");
+    }
+    EXPECT_EQ(text(VecPReadFFSRP(&ctx), 256), std::string(256, '0'));
+    VecPClearFFSR(&ctx);
+    EXPECT_EQ(text(ctx.ffr, 256),
+              std::string(std::size_t{vl} * 8, '1') + std::string(256 - vl * 8, '0'));
+  }
+}
+
+TEST(Predicates, Patterns) {
+  const struct {
+    unsigned pattern;
+    int at60, at1, at16;
+  } rows[] = {{0, 32, 1, 16},  {1, 1, 1, 1},    {2, 2, 0, 2},   {8, 8, 0, 8},  {9, 16, 0, 16},
+              {10, 32, 0, 0},  {11, 0, 0, 0},   {13, 0, 0, 0},  {14, 0, 0, 0}, {28, 0, 0, 0},
+              {29, 60, 0, 16}, {30, 60, 0, 15}, {31, 60, 1, 16}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(VecTrueILength(row.pattern, 60), row.at60) << row.pattern;
+    EXPECT_EQ(VecTrueILength(row.pattern, 1), row.at1) << row.pattern;
+    EXPECT_EQ(VecTrueILength(row.pattern, 16), row.at16) << row.pattern;
+  }
+  CpuContext ctx = context(2);
+  EXPECT_EQ(text(VecP32TrueI(3, &ctx), 16), "1000100010000000");
+  EXPECT_EQ(text(VecP64TrueFlgI(31, &ctx), 16), "1000000010000000");
+  EXPECT_EQ(flags(ctx), "Nzcv");
+  EXPECT_EQ(text(VecP16TrueFlgI(9, &ctx), 16), std::string(16, '0'));
+  EXPECT_EQ(flags(ctx), "nZCv");
+}
+
+TEST(Predicates, PartitionsAndSearch) {
+  const struct {
+    const char* name;
+    OfOne f;
+    const char *g, *a, *result, *flags;  // flags of the last call where f sets none
+  } rows[] = {
+      {"BRKA", VecPBreakAPZ, "0111 1111 1111 1110", "1001 0010 0000 0000", "0111000000000000",
+       nullptr},
+      {"BRKA, break inactive", VecPBreakAPZ, "1110 1111 1111 1111", "0001 0100 0000 0000",
+       "1110110000000000", nullptr},
+      {"BRKAS at the first", VecPBreakAFlgPZ, "0011 1111 1111 1111", "0010 0000 0000 0000",
+       "0010000000000000", "NzCv"},
+      {"BRKAS, no break", VecPBreakAFlgPZ, "0011 1111 1111 1100", "1100 0000 0000 0000",
+       "0011111111111100", "Nzcv"},
+      {"BRKB", VecPBreakBPZ, "0111 1111 1111 1110", "1001 0010 0000 0000", "0110000000000000",
+       nullptr},
+      {"BRKBS at the first", VecPBreakBFlgPZ, "0011 1111 1111 1111", "0010 0000 0000 0000",
+       "0000000000000000", "nZCv"},
+      {"BRKBS at the last", VecPBreakBFlgPZ, "1000 0000 0000 0001", "0000 0000 0000 0001",
+       "1000000000000000", "NzCv"},
+      {"PFIRST keeps a", VecPSetFirstActiveP, "0001 0001 0000 0000", "1000 0100 0000 0010",
+       "1001010000000010", "NzCv"},
+      {"PFIRST of nothing", VecPSetFirstActiveP, "0000 0000 0000 0000", "1000 0100 0000 0010",
+       "1000010000000010", "nZCv"},
+      {"PNEXT from nothing", VecP8GenNextP, "0001 0001 0000 0000", "0000 0000 0000 0000",
+       "0001000000000000", "NzCv"},
+      {"PNEXT starts at the highest", VecP8GenNextP, "0111 0001 0000 0001", "1010 0000 0000 0000",
+       "0001000000000000", "nzCv"},
+      {"PNEXT at the end", VecP32GenNextP, "1000 1000 1000 1000", "0000 0000 0000 1000",
+       "0000000000000000", "nZCv"},
+      {"PNEXT of words", VecP32GenNextP, "1111 0111 1000 1000", "1000 0100 0000 0000",
+       "0000000010000000", "nzCv"},
+  };
+  for (const auto& row : rows) {
+    CpuContext ctx = context(2);
+    EXPECT_EQ(text(row.f(lanes(row.g), lanes(row.a), &ctx), 256).substr(0, 16), row.result)
+        << row.name;
+    EXPECT_EQ(flags(ctx), row.flags == nullptr ? "nzcv" : row.flags) << row.name;
+  }
+  CpuContext ctx = context(2);
+  const PredV merge = lanes("1111 1111 0000 0000"), g = lanes("0000 1111 0000 1111"),
+              a = lanes("0000 0100 0000 0000");
+  EXPECT_EQ(text(VecPBreakAPM(merge, g, a, &ctx), 16), "1111110000000000");
+  EXPECT_EQ(text(VecPBreakBPM(merge, g, a, &ctx), 16), "1111100000000000");
+}
+
+TEST(Predicates, PropagatingBreaks) {
+  const struct {
+    const char* name;
+    OfTwo f;
+    const char *g, *a, *b, *result, *flags;
+  } rows[] = {
+      {"BRKPAS", VecPBreakPrevAFlgPZ, "0111 1111 0000 0000", "0000 0001 0000 0000",
+       "1000 1000 0000 0000", "0111100000000000", "NzCv"},
+      {"BRKPAS, a ended", VecPBreakPrevAFlgPZ, "0111 1111 0000 0000", "1111 1110 1111 1111",
+       "0000 0000 0000 0000", "0000000000000000", "nZCv"},
+      {"BRKPAS of nothing", VecPBreakPrevAFlgPZ, "0000 0000 0000 0000", "1111 1111 1111 1111",
+       "0000 0000 0000 0000", "0000000000000000", "nZCv"},
+      {"BRKPBS", VecPBreakPrevBFlgPZ, "0111 1111 0000 0000", "0000 0001 0000 0000",
+       "1000 1000 0000 0000", "0111000000000000", "NzCv"},
+      {"BRKNS goes on", VecPBreakNextFlgPZ, "0000 1100 0000 0000", "0000 0100 0000 0000",
+       "1010 0000 0000 0001", "1010000000000001", "Nzcv"},
+      {"BRKNS stops", VecPBreakNextFlgPZ, "0000 1100 0000 0000", "0000 1000 0000 0000",
+       "1010 0000 0000 0001", "0000000000000000", "nZCv"},
+      {"ORNS under g", VecPOrNFlgPPZ, "1111 0000 0000 0011", "1010 1010 0000 0010",
+       "0011 0011 0000 0011", "1110000000000010", "NzCv"},
+      {"NANDS under g", VecPNandFlgPPZ, "1111 0000 0000 0011", "1010 1010 0000 0011",
+       "0011 0011 0000 0010", "1101000000000001", "Nzcv"},
+      {"SEL", VecPSelPP, "1111 0000 1111 0000", "1010 1010 1010 1010", "0110 0110 0110 0110",
+       "1010011010100110", "nzcv"},
+  };
+  for (const auto& row : rows) {
+    CpuContext ctx = context(2);
+    EXPECT_EQ(text(row.f(lanes(row.g), lanes(row.a), lanes(row.b), &ctx), 16), row.result)
+        << row.name;
+    EXPECT_EQ(flags(ctx), row.flags) << row.name;
+  }
+}
+
+// A permute moves all lanes of an element, whatever they hold.
+TEST(Predicates, PermutesMoveWholeElements) {
+  CpuContext ctx = context(2);
+  const PredV a = lanes("1000 0100 0010 0001"), b = lanes("1111 0110 1001 0000");
+  const struct {
+    const char* name;
+    sve::semantics::predicate_of_two* f;
+    const char* result;
+  } rows[] = {
+      {"TRN1.S", VecP32Trn1PP, "1000 1111 0010 1001"},
+      {"TRN2.S", VecP32Trn2PP, "0100 0110 0001 0000"},
+      {"ZIP1.S", VecP32Zip1PP, "1000 1111 0100 0110"},
+      {"ZIP2.S", VecP32Zip2PP, "0010 1001 0001 0000"},
+      {"UZP1.S", VecP32Uzp1PP, "1000 0010 1111 1001"},
+      {"UZP2.S", VecP32Uzp2PP, "0100 0001 0110 0000"},
+      {"TRN1.B", VecP8Trn1PP, "1101 0001 0110 0000"},
+      {"UZP2.D", VecP64Uzp2PP, "0010 0001 1001 0000"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(text(row.f(a, b, &ctx), 16), packed(row.result)) << row.name;
+  }
+  EXPECT_EQ(text(VecP16ReverseP(a, &ctx), 16), packed("0100 1000 0001 0010"));
+  EXPECT_EQ(text(VecPUnpackHiP(a, &ctx), 16), packed("0000 1000 0000 0010"));
+}
+
+template <class Zip>
+void expect_permutes_invert_one_another(const Zip& f, unsigned vl, const PredV& a, const PredV& b) {
+  CpuContext ctx = context(vl);
+  const unsigned n = vl * 8;
+  const PredV low = f.zip1(a, b, &ctx), high = f.zip2(a, b, &ctx);
+  EXPECT_EQ(text(f.uzp1(low, high, &ctx), n), text(a, n)) << vl;
+  EXPECT_EQ(text(f.uzp2(low, high, &ctx), n), text(b, n)) << vl;
+  const PredV even = f.trn1(a, b, &ctx), odd = f.trn2(a, b, &ctx);
+  EXPECT_EQ(text(f.trn1(even, odd, &ctx), n), text(a, n)) << vl;
+  EXPECT_EQ(text(f.trn2(even, odd, &ctx), n), text(b, n)) << vl;
+  EXPECT_EQ(text(f.reverse(f.reverse(a, &ctx), &ctx), n), text(a, n)) << vl;
+  EXPECT_EQ(text(f.uzp2(a, b, &ctx), 256).find('1', n), std::string::npos);
+}
+
+TEST(Predicates, PermutesInvertOneAnotherAtEveryLength) {
+  const struct {
+    sve::semantics::predicate_of_two *zip1, *zip2, *uzp1, *uzp2, *trn1, *trn2;
+    sve::semantics::predicate_of_one* reverse;
+  } widths[] = {
+      {VecP8Zip1PP, VecP8Zip2PP, VecP8Uzp1PP, VecP8Uzp2PP, VecP8Trn1PP, VecP8Trn2PP, VecP8ReverseP},
+      {VecP16Zip1PP, VecP16Zip2PP, VecP16Uzp1PP, VecP16Uzp2PP, VecP16Trn1PP, VecP16Trn2PP,
+       VecP16ReverseP},
+      {VecP32Zip1PP, VecP32Zip2PP, VecP32Uzp1PP, VecP32Uzp2PP, VecP32Trn1PP, VecP32Trn2PP,
+       VecP32ReverseP},
+      {VecP64Zip1PP, VecP64Zip2PP, VecP64Uzp1PP, VecP64Uzp2PP, VecP64Trn1PP, VecP64Trn2PP,
+       VecP64ReverseP}};
+  std::mt19937_64 random(1);
+  for (const unsigned vl : lengths) {
+    for (const auto& f : widths) {
+      for (int i = 0; i < 20; ++i) {
+        expect_permutes_invert_one_another(f, vl, random_predicate(random),
+                                           random_predicate(random));
+      }
+    }
+  }
+}
+
+// A loop predicate is a run of true elements from element 0 on; this is its length.
+template <class F, class Scalar>
+std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element_bytes,
+                   CpuContext* ctx) {
+  *ctx = context(vl);
+  const unsigned lane_count = vl * 8;
+  const std::string result = text(f(op1, op2, ctx), lane_count);
+  std::size_t length = 0;
+  while (length * element_bytes < result.size() && result[length * element_bytes] == '1') ++length;
+  std::string run;
+  for (std::size_t e = 0; e < lane_count / element_bytes; ++e) {
+    run += e < length ? '1' : '0';
+    run.append(element_bytes - 1, '0');
+  }
+  EXPECT_EQ(result, run) << "not a run";
+  return std::to_string(length) + " " + flags(*ctx);
+}
+
+TEST(Predicates, LoopPredicates) {
+  constexpr auto min32 = std::numeric_limits<std::int32_t>::min();
+  constexpr auto max32 = std::numeric_limits<std::int32_t>::max();
+  constexpr auto max64 = std::numeric_limits<std::int64_t>::max();
+  constexpr auto umax64 = std::numeric_limits<std::uint64_t>::max();
+  CpuContext c;
+  EXPECT_EQ(run_of(VecS8While4LESS, -3, 3, 2, 1, &c), "7 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LTSS, -3, 3, 2, 1, &c), "6 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, 4, 3, 2, 1, &c), "0 nZCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, min32, max32 - 1, 2, 1, &c), "16 Nzcv");
+  EXPECT_EQ(run_of(VecS8While4LESS, max32, max32, 2, 1, &c), "16 Nzcv") << "all, by definition";
+  EXPECT_EQ(run_of(VecS8While4LESS, max32 - 1, max32 - 1, 2, 1, &c), "1 NzCv") << "no wrap";
+  EXPECT_EQ(run_of(VecS8While4LTSS, max32 - 1, max32, 2, 1, &c), "1 NzCv") << "no shortcut";
+  EXPECT_EQ(run_of(VecS16While8LESS, max64, max64, 30, 2, &c), "120 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, std::int64_t{0}, std::int64_t{30}, 30, 8, &c), "30 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, std::int64_t{0}, std::int64_t{29}, 30, 8, &c), "29 NzCv");
+  EXPECT_EQ(run_of(VecU8While4LESS, 5U, 4U, 2, 1, &c), "0 nZCv");
+  EXPECT_EQ(run_of(VecU32While4LESS, 0xffffffffU, 0xffffffffU, 32, 4, &c), "64 Nzcv");
+  EXPECT_EQ(run_of(VecU32While4LTSS, 0xfffffffeU, 0xffffffffU, 32, 4, &c), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64 - 1, 8, 8, &c), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64, 8, 8, &c), "8 Nzcv");
+}
+
+// FFR forms: read under a mask with flags, write, set.
+TEST(Predicates, FirstFaultRegister) {
+  CpuContext ctx = context(2);
+  VecPWriteFFSRP(lanes("1111 0000 1111 0000"), &ctx);
+  EXPECT_EQ(text(VecPActualFlgP(lanes("1010 1010 1010 1010"), &ctx), 16), "1010000010100000");
+  EXPECT_EQ(flags(ctx), "NzCv");
+  VecPTestPZ(lanes("0000 0001 0000 0000"), ctx.ffr, &ctx);
+  EXPECT_EQ(flags(ctx), "nZCv");
+  EXPECT_EQ(text(VecPFalse(&ctx), 256), std::string(256, '0'));
+}
+
+}  // namespace
