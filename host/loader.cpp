@@ -61,7 +61,7 @@ class image_mapper {
 
 void image_mapper::fail(const std::string& what, int error) const {
   throw launch_error(exit_status::cannot_run,
-                     file_.path() + ": " + what + ": " + std::strerror(error));
+                     file_.path() + ": " + what + " (" + std::strerror(error) + ")");
 }
 
 constexpr int reservation = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
@@ -85,8 +85,8 @@ void image_mapper::reserve_fixed_ranges() const {
     const std::uintptr_t start = std::max(page_start(segment.address), reserved_to);
     const std::uintptr_t end = page_end(segment.address + segment.memory_size);
     if (start < end && !reserve_exactly(start, end)) {
-      fail("its fixed addresses " + hexadecimal(start) + "-" + hexadecimal(end) +
-               " cannot be had here; relink it with -pie",
+      fail("it must be at " + hexadecimal(start) + "-" + hexadecimal(end) +
+               ", which cannot be had here; link it with -pie",
            errno);
     }
     reserved_to = end;
@@ -98,7 +98,11 @@ std::uintptr_t image_mapper::reserve_anywhere(std::uintptr_t hint) const {
   const std::uintptr_t size = image_.high - image_.low;
   const std::uintptr_t slack = image_.alignment - page_size;
   void* const got = mmap(pointer(hint), size + slack, PROT_NONE, reservation, -1, 0);
-  if (got == MAP_FAILED) fail("no address space for its " + std::to_string(size) + " bytes", errno);
+  if (got == MAP_FAILED) {
+    fail("no address space for its " + hexadecimal(size) + " bytes at a multiple of " +
+             hexadecimal(image_.alignment),
+         errno);
+  }
   const auto begin = reinterpret_cast<std::uintptr_t>(got);
   const std::uintptr_t start = (begin + slack) & ~(image_.alignment - 1);
   if (start != begin) munmap(got, start - begin);
