@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,8 +39,7 @@ loaded_program load(const elf_file& file) {
 }
 
 std::byte* at(std::uintptr_t address) {
-  return reinterpret_cast<std::byte*>(
-      address);  // NOLINT(performance-no-int-to-ptr): what is mapped
+  return reinterpret_cast<std::byte*>(address);  // NOLINT(performance-no-int-to-ptr): mapped here
 }
 
 // The permissions that /proc/self/maps tells for an address, such as "r-xp"; "" if nothing is
@@ -47,11 +47,11 @@ std::byte* at(std::uintptr_t address) {
 std::string permissions(std::uintptr_t address) {
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
-    unsigned long start = 0;
-    unsigned long end = 0;
-    char text[5] = {};
-    if (std::sscanf(line.c_str(), "%lx-%lx %4s", &start, &end, text) != 3)
-      continue;  // NOLINT(cert-err34-c): the kernel's own format
+    std::uintptr_t start = 0;
+    std::uintptr_t end = 0;
+    char dash = 0;
+    std::string text;
+    std::istringstream(line) >> std::hex >> start >> dash >> end >> text;
     if (address >= start && address < end) return text;
   }
   return "";
