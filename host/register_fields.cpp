@@ -79,7 +79,7 @@ constexpr std::string_view patterns[] = {
     "xx111000xx0xxxxxxxxxx1bbbbbwwwww",  // LDR, pre- and post-indexed
     "xx111000001rrrrrxxxx10rrrrrrrrrr",  // STR (register)
     "xx111000xx1rrrrrxxxx10rrrrrwwwww",  // LDR (register)
-    "11111000001xxxxx1xx100rrrrrooooo",  // LD64B, ST64B, ST64BV
+    "11111000001wwwww1xx100rrrrrooooo",  // LD64B, ST64B, ST64BV
     "11111000001wwwww101000rrrrrooooo",  // ST64BV0
     "xx111000xx1rrrrrxxxx00rrrrrwwwww",  // LDADD, LDCLR, LDEOR, LDSET, LDMAX..., SWP, LDAPR
     "11111000xx1xxxxxxxxxx1bbbbbwwwww",  // LDRAA, LDRAB

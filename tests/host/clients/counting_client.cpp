@@ -1,0 +1,82 @@
+// A client that changes nothing and checks the order and the place of its events. At the exit it
+// prints how many there were.
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+
+#include "host/include/drmgr.h"
+#include "host/include/drreg.h"
+
+namespace {
+
+std::atomic<int> begun = 0;
+std::atomic<int> ended = 0;
+std::atomic<int> misplaced = 0;  // events on a thread that they are not for, or out of order
+std::atomic<long> main_blocks = 0;
+std::atomic<long> other_blocks = 0;
+std::atomic<long> disordered_blocks = 0;
+int field = -1;
+byte* main_start = nullptr;
+thread_local int own = 0;
+
+void on_thread_begin(void* drcontext) {
+  begun++;
+  if (dr_get_current_drcontext() != drcontext) misplaced++;
+  if (drmgr_get_tls_field(drcontext, field) != nullptr) misplaced++;
+  drmgr_set_tls_field(drcontext, field, &own);
+}
+
+void on_thread_end(void* drcontext) {
+  ended++;
+  if (drmgr_get_tls_field(drcontext, field) != &own) misplaced++;
+}
+
+bool is_in_main_module(void* tag) {
+  module_data_t* const module = dr_lookup_module(dr_fragment_app_pc(tag));
+  const bool is_main = module != nullptr && module->start == main_start;
+  dr_free_module_data(module);
+  return is_main;
+}
+
+// Addresses must follow one another, from the tag on.
+bool is_in_order(void* tag, instrlist_t* block) {
+  byte* expected = dr_fragment_app_pc(tag);
+  for (instr_t* i = instrlist_first_app(block); i != nullptr; i = instr_get_next_app(i)) {
+    if (instr_get_app_pc(i) != expected || instr_get_raw_bits(i) == nullptr) return false;
+    expected += 4;
+  }
+  return expected != tag;
+}
+
+dr_emit_flags_t on_block(void* drcontext, void* tag, instrlist_t* block, bool, bool) {
+  (is_in_main_module(tag) ? main_blocks : other_blocks)++;
+  if (!is_in_order(tag, block)) disordered_blocks++;
+  if (drmgr_get_tls_field(drcontext, field) != &own) misplaced++;
+  return DR_EMIT_DEFAULT;
+}
+
+void on_exit() {
+  std::fprintf(stderr, "threads %d ended %d misplaced %d\n", begun.load(), ended.load(),
+               misplaced.load());
+  std::fprintf(stderr, "blocks %s and elsewhere %s, out of order %ld\n",
+               main_blocks > 0 ? "seen" : "missed", other_blocks > 0 ? "seen" : "missed",
+               disordered_blocks.load());
+}
+
+}  // namespace
+
+DR_EXPORT int _USES_DR_VERSION_;
+int _USES_DR_VERSION_ = 602;
+
+DR_EXPORT void dr_client_main(client_id_t, int, const char**) {
+  drmgr_init();
+  module_data_t* const module = dr_get_main_module();
+  main_start = module->start;
+  std::fprintf(stderr, "main module %s\n", std::strrchr(module->full_path, '/') + 1);
+  dr_free_module_data(module);
+  drmgr_register_thread_init_event(on_thread_begin);
+  drmgr_register_thread_exit_event(on_thread_end);
+  dr_register_exit_event(on_exit);
+  drmgr_register_bb_app2app_event(on_block, nullptr);
+  field = drmgr_register_tls_field();
+}

@@ -1,0 +1,18 @@
+#!/bin/sh
+# compare.sh EMULATOR LAUNCHER CLIENT PROGRAM [ARGUMENTS]
+#
+# Runs a program alone and under the launcher. Standard output and exit status must be the same.
+# EMULATOR may be several words, or empty on an AArch64 machine.
+emulator=$1 launcher=$2 client=$3
+shift 3
+work=$(mktemp -d) || exit 1
+trap 'rm -rf "$work"' EXIT
+$emulator "$@" >"$work/alone"
+alone=$?
+$emulator "$launcher" -c "$client" -- "$@" >"$work/launched"
+launched=$?
+if [ $alone -ne $launched ]; then
+  echo "exit status $alone alone, $launched under the launcher"
+  exit 1
+fi
+diff "$work/alone" "$work/launched" && [ -s "$work/alone" ]
