@@ -2,7 +2,7 @@
 """Checks the formatting of all sources, and runs clang-tidy over what has changed.
 
 clang-tidy takes seconds for a file. A file that passed is not checked again until it, a header that
-it includes, or .clang-tidy changes: build/lint holds an empty stamp for each passed state, named by
+it includes, or a .clang-tidy above it changes: build/lint holds an empty stamp for each passed state, named by
 a hash of all these contents. The headers are those that the last build recorded, so build first.
 """
 
@@ -50,6 +50,11 @@ def included_files(build):
     return result
 
 
+def object_file(command):
+    words = command["command"].split()
+    return words[words.index("-o") + 1]
+
+
 def translation_units():
     """Maps each source to its build directory and the files that it depends on."""
     units = {}
@@ -60,13 +65,15 @@ def translation_units():
             if source.suffix not in FORMATTED or not source.is_relative_to(ROOT):
                 continue
             if not source.is_relative_to(ROOT / "build"):
-                units.setdefault(source, (build, included.get(command["output"], [])))
+                units.setdefault(source, (build, included.get(object_file(command), [])))
     return units
 
 
 def stamp(source, files, tool_version):
+    rules = [path for above in source.parents if (path := above / ".clang-tidy").exists()
+             and path.is_relative_to(ROOT)]
     state = hashlib.sha256(tool_version)
-    for path in [source, ROOT / ".clang-tidy", *sorted(set(files))]:
+    for path in [source, *rules, *sorted(set(files))]:
         state.update(str(path.relative_to(ROOT)).encode() + b"\0" + path.read_bytes())
     return STAMPS / state.hexdigest()
 
