@@ -1,6 +1,7 @@
 // Save slots, the stolen register and the call of the client interface.
 #include <cstdarg>
 
+#include "host/address.h"
 #include "host/context.h"
 #include "host/fatal.h"
 #include "host/instruction_list.h"
@@ -92,7 +93,7 @@ void dr_insert_call_velox(void* /*drcontext*/, instrlist_t* ilist, instr_t* wher
     host::append(code, a64::mov_constant(i, value));
   }
   va_end(arguments);
-  host::append(code, a64::mov_constant(9, reinterpret_cast<std::uint64_t>(callee)));
+  host::append(code, a64::mov_constant(9, host::address_of(callee)));
   code.push_back(a64::ldr(10, context_register, CONTEXT_CALL_ENTRY));
   for (const std::uint32_t word : code) {
     instr_set_translation(host::insert_word(*ilist, where, OP_UNDECODED, word, true), pc);

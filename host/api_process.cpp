@@ -7,6 +7,7 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "host/address.h"
 #include "host/fatal.h"
 #include "host/include/dr_api.h"
 #include "host/memory_map.h"
@@ -23,9 +24,9 @@ std::atomic<unsigned> log_level = 0;
 module_data_t* to_record(const host::module_info& module) {
   char* const path = strdup(module.full_path.c_str());
   if (path == nullptr) host::fatal("out of memory");
-  return new module_data_t{.start = reinterpret_cast<app_pc>(module.start),
-                           .end = reinterpret_cast<app_pc>(module.end),
-                           .entry_point = reinterpret_cast<app_pc>(module.entry_point),
+  return new module_data_t{.start = host::pointer_to<byte>(module.start),
+                           .end = host::pointer_to<byte>(module.end),
+                           .entry_point = host::pointer_to<byte>(module.entry_point),
                            .full_path = path};
 }
 

@@ -3,6 +3,7 @@
 #include <asm/hwcap.h>
 #include <sys/auxv.h>
 
+#include "host/address.h"
 #include "host/events.h"
 #include "host/instruction_list.h"
 #include "host/memory_map.h"
@@ -24,7 +25,7 @@ bool processor_has_sve() {
 std::uint64_t discover(std::uint64_t pc, instrlist_t& list) {
   for (int count = 0; count < most_instructions; count++) {
     if ((count == 0 || pc % page_bytes == 0) && !is_executable(pc)) break;
-    auto* const bits = reinterpret_cast<byte*>(pc);
+    auto* const bits = pointer_to<byte>(pc);
     instr_t* const instr = instr_create_app(nullptr, bits, bits);
     instrlist_append(&list, instr);
     pc += 4;
@@ -38,7 +39,7 @@ bool ends_block(const instr_t& instr) {
 }
 
 void emit(const instr_t& instr, block_code& out) {
-  const auto pc = reinterpret_cast<std::uint64_t>(instr.pc);
+  const auto pc = address_of(instr.pc);
   if (pc != 0 && (out.map.empty() || out.map.back().pc != pc)) {
     out.map.push_back({static_cast<std::uint32_t>(out.code.size()), pc});
   }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <sys/mman.h>
 
+#include "host/address.h"
 #include "host/fatal.h"
 
 namespace host {
@@ -32,7 +33,7 @@ void* map_memory(std::size_t bytes, int protection) {
 std::uint64_t empty_table() {
   static const void* const table =
       map_memory((last_table_entries + overflow_entries) * entry_bytes, PROT_READ);
-  return reinterpret_cast<std::uint64_t>(table);
+  return address_of(table);
 }
 
 exit_record indirect_record = {.kind = exit_kind::indirect};
@@ -84,14 +85,15 @@ code_cache::code_cache(thread_context& context)
   flush();
 }
 
-code_cache::~code_cache() { munmap(reinterpret_cast<void*>(begin_), arena_bytes); }
+code_cache::~code_cache() { munmap(pointer_to(begin_), arena_bytes); }
 
 // str x30, [x28, #240]; bl exit; the record's address
 std::uint32_t* code_cache::emit_stub(std::uint32_t* at, const exit_record* record) {
   *at++ = a64::store_home(30);
   *at = a64::bl(distance(at, exit_routine_));
   at++;
-  std::memcpy(at, &record, sizeof record);
+  const std::uint64_t address = address_of(record);
+  std::memcpy(at, &address, sizeof address);
   return at + 2;
 }
 
@@ -111,7 +113,7 @@ const fragment* code_cache::find(std::uint64_t pc) const {
 
 const fragment* code_cache::install(std::uint64_t pc, const block_code& block) {
   const std::size_t size = 1 + block.code.size() + stub_words * block.exits.size();
-  if (cursor_ + size > reinterpret_cast<std::uint32_t*>(end_)) return nullptr;
+  if (cursor_ + size > pointer_to<std::uint32_t>(end_)) return nullptr;
   fragment& made = fragments_.emplace_back(fragment{
       .pc = pc, .code = cursor_, .size = static_cast<std::uint32_t>(size), .map = block.map});
   *cursor_ = entry_word;
@@ -129,7 +131,7 @@ const fragment* code_cache::install(std::uint64_t pc, const block_code& block) {
   synchronise(cursor_, stub);
   cursor_ = stub;
   by_pc_[pc] = &made;
-  by_code_[reinterpret_cast<std::uint64_t>(made.code)] = &made;
+  by_code_[address_of(made.code)] = &made;
   return &made;
 }
 
@@ -163,13 +165,13 @@ void code_cache::grow_table() {
 void code_cache::admit(const fragment& target) {
   const std::size_t entries = table_.size() - overflow_entries;
   if (table_used_ * 2 > entries && entries < last_table_entries) grow_table();
-  insert(target.pc, reinterpret_cast<std::uint64_t>(target.code));
+  insert(target.pc, address_of(target.code));
 }
 
 void code_cache::point_context_at_table() {
   const std::size_t entries = table_.size() - overflow_entries;
   context_.branch_mask = (entries - 1) * entry_bytes;
-  context_.branch_table = reinterpret_cast<std::uint64_t>(table_.data());
+  context_.branch_table = address_of(table_.data());
 }
 
 void code_cache::flush() {
@@ -179,7 +181,7 @@ void code_cache::flush() {
   by_code_.clear();
   table_.assign(first_table_entries + overflow_entries, {});
   table_used_ = 0;
-  cursor_ = reinterpret_cast<std::uint32_t*>(begin_);
+  cursor_ = pointer_to<std::uint32_t>(begin_);
   emit_shared_routines();
   point_context_at_table();
 }
@@ -192,8 +194,7 @@ std::uint64_t code_cache::application_pc(std::uint64_t address) const {
   auto next = by_code_.upper_bound(address);
   if (next == by_code_.begin()) return 0;
   const fragment& found = *std::prev(next)->second;
-  const auto index =
-      static_cast<std::int64_t>((address - reinterpret_cast<std::uint64_t>(found.code)) / 4) - 1;
+  const auto index = static_cast<std::int64_t>((address - address_of(found.code)) / 4) - 1;
   std::uint64_t pc = found.pc;
   for (const translated_pc& entry : found.map) {
     if (entry.index > index) break;

@@ -5,6 +5,7 @@
 #include <shared_mutex>
 #include <vector>
 
+#include "host/address.h"
 #include "host/include/drmgr.h"
 #include "host/include/drreg.h"
 #include "host/thread.h"
@@ -59,7 +60,7 @@ void run_thread_exit_events(thread_state& thread) { thread_exit.run(&thread); }
 void run_exit_events() { process_exit.run(); }
 
 void run_block_events(thread_state& thread, std::uint64_t pc, _instr_list_t& list) {
-  block.run(&thread, reinterpret_cast<void*>(pc), &list, false, false);
+  block.run(&thread, pointer_to(pc), &list, false, false);
 }
 
 }  // namespace host

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "host/address.h"
 #include "host/thread.h"
 
 namespace host {
@@ -74,7 +75,7 @@ std::vector<mapping> read_mappings() {
 bool starts_elf_image(const mapping& m) {
   const bool is_file = m.path.starts_with('/') && m.offset == 0;
   if (!m.readable || !(is_file || m.path == "[vdso]")) return false;
-  return std::memcmp(reinterpret_cast<const void*>(m.start), ELFMAG, SELFMAG) == 0;
+  return std::memcmp(pointer_to<const void>(m.start), ELFMAG, SELFMAG) == 0;
 }
 
 // An image is its first mapping and the following ones of the same file.

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <sys/mman.h>
 
+#include "host/address.h"
 #include "host/fatal.h"
 
 namespace host {
@@ -22,7 +23,7 @@ std::uint64_t page_up(std::uint64_t address) {
 }
 
 bool extend_reservation(std::uint64_t end) {
-  void* const at = reinterpret_cast<void*>(region_end);
+  void* const at = pointer_to(region_end);
   void* const got = mmap(at, end - region_end, PROT_NONE,
                          MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED_NOREPLACE, -1, 0);
   if (got == MAP_FAILED) return false;
@@ -36,8 +37,7 @@ bool extend_reservation(std::uint64_t end) {
 
 bool make_usable(std::uint64_t end) {
   if (end > region_end && !extend_reservation(end)) return false;
-  if (mprotect(reinterpret_cast<void*>(usable_end), end - usable_end, PROT_READ | PROT_WRITE) !=
-      0) {
+  if (mprotect(pointer_to(usable_end), end - usable_end, PROT_READ | PROT_WRITE) != 0) {
     return false;
   }
   usable_end = end;
@@ -46,7 +46,7 @@ bool make_usable(std::uint64_t end) {
 
 // Memory that is given back must read as zero when it is taken again.
 void give_back(std::uint64_t start) {
-  void* const at = reinterpret_cast<void*>(start);
+  void* const at = pointer_to(start);
   if (mmap(at, usable_end - start, PROT_NONE,
            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) != MAP_FAILED) {
     usable_end = start;
@@ -59,7 +59,7 @@ void reserve_program_break() {
   void* const region = mmap(nullptr, reserved_bytes + page_bytes, PROT_NONE,
                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (region == MAP_FAILED) fatal("cannot reserve memory for the program break");
-  region_start = page_up(reinterpret_cast<std::uint64_t>(region));
+  region_start = page_up(address_of(region));
   region_end = region_start + reserved_bytes;
   usable_end = region_start;
   current = region_start;

@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <ucontext.h>
 
+#include "host/address.h"
 #include "host/context_switch.h"
 #include "host/fatal.h"
 #include "host/include/dr_api.h"
@@ -14,7 +15,7 @@ namespace host {
 namespace {
 
 constexpr int fault_signals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP};
-constexpr std::size_t signal_stack_bytes = 256 * 1024;  // a frame alone is 70 KB with long vectors
+constexpr std::size_t signal_stack_bytes = 256u << 10;  // a frame alone is 70 KB with long vectors
 
 // What the client asked for, by signal. Plain memory: actions are set as in any program, before
 // the fault that they are for.
@@ -65,7 +66,7 @@ void end_by_repeated_fault(int signal) { restore_default_action(signal); }
 
 void report_application_fault(int signal, std::uint64_t pc, const void* address) {
   std::uint32_t word = 0;
-  std::memcpy(&word, reinterpret_cast<const void*>(pc), sizeof word);
+  std::memcpy(&word, pointer_to<const void>(pc), sizeof word);
   if (signal == SIGSEGV || signal == SIGBUS) {
     print_line("%s at %#lx, instruction word 0x%08x, accessing %p", name_of(signal), pc, word,
                address);
@@ -109,8 +110,8 @@ void stop_entry(int /*signal*/, siginfo_t* /*info*/, void* raw_context) {
   if (thread == nullptr || thread->context.stop_requested == 0) return;
   exchange_tpidr(thread->context.host_tpidr);
   thread->context.exit = &stop_record;
-  context->uc_mcontext.regs[context_register] = reinterpret_cast<std::uint64_t>(&thread->context);
-  context->uc_mcontext.pc = reinterpret_cast<std::uint64_t>(&leave_cache);
+  context->uc_mcontext.regs[context_register] = address_of(&thread->context);
+  context->uc_mcontext.pc = address_of(&leave_cache);
 }
 
 void install(int signal, void (*entry)(int, siginfo_t*, void*), int flags) {
@@ -149,7 +150,7 @@ void raise_fetch_fault(int signal, std::uint64_t pc) {
   print_line("%s at %#lx: there is no code to execute", name_of(signal), pc);
   siginfo_t info = {};
   info.si_signo = signal;
-  info.si_addr = reinterpret_cast<void*>(pc);
+  info.si_addr = pointer_to(pc);
   ucontext_t context = {};
   context.uc_mcontext.pc = pc;
   call_client_handler(signal, &info, &context);

@@ -13,6 +13,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "host/address.h"
 #include "host/fatal.h"
 #include "host/memory_map.h"
 #include "host/program_break.h"
@@ -46,9 +47,9 @@ bool is_c_library_signal(std::uint64_t signal) {
 std::int64_t set_kept_action(std::uint64_t signal, std::uint64_t action, std::uint64_t old) {
   const kernel_action previous = kept_actions[signal];
   if (action != 0) {
-    std::memcpy(&kept_actions[signal], reinterpret_cast<void*>(action), sizeof(kernel_action));
+    std::memcpy(&kept_actions[signal], pointer_to(action), sizeof(kernel_action));
   }
-  if (old != 0) std::memcpy(reinterpret_cast<void*>(old), &previous, sizeof previous);
+  if (old != 0) std::memcpy(pointer_to(old), &previous, sizeof previous);
   return 0;
 }
 
@@ -59,9 +60,9 @@ std::int64_t set_signal_action(const std::uint64_t* x) {
   if (is_c_library_signal(signal)) return set_kept_action(signal, action, x[2]);
   if (action != 0) {
     kernel_action wanted{};
-    std::memcpy(&wanted, reinterpret_cast<void*>(action), sizeof wanted);
-    const bool is_plain = wanted.handler == reinterpret_cast<std::uint64_t>(SIG_DFL) ||
-                          wanted.handler == reinterpret_cast<std::uint64_t>(SIG_IGN);
+    std::memcpy(&wanted, pointer_to(action), sizeof wanted);
+    const bool is_plain =
+        wanted.handler == address_of(SIG_DFL) || wanted.handler == address_of(SIG_IGN);
     if (!is_plain) {
       fatal("a signal handler of the program (here for signal %d, %s) is not supported yet",
             static_cast<int>(signal), sigdescr_np(static_cast<int>(signal)));
@@ -83,16 +84,16 @@ std::int64_t change_signal_mask(const std::uint64_t* x) {
     return kernel_call(SYS_rt_sigprocmask, x[0], x[1], x[2], x[3]);
   }
   std::uint64_t mask = 0;
-  std::memcpy(&mask, reinterpret_cast<void*>(x[1]), sizeof mask);
+  std::memcpy(&mask, pointer_to(x[1]), sizeof mask);
   mask = without_host_signals(mask);
-  return kernel_call(SYS_rt_sigprocmask, x[0], reinterpret_cast<std::uint64_t>(&mask), x[2], x[3]);
+  return kernel_call(SYS_rt_sigprocmask, x[0], address_of(&mask), x[2], x[3]);
 }
 
 // No handler of the program's runs yet, so its signal stacks are only remembered.
 std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x) {
   const stack_t old = thread.signal_stack;
-  if (x[0] != 0) std::memcpy(&thread.signal_stack, reinterpret_cast<void*>(x[0]), sizeof old);
-  if (x[1] != 0) std::memcpy(reinterpret_cast<void*>(x[1]), &old, sizeof old);
+  if (x[0] != 0) std::memcpy(&thread.signal_stack, pointer_to(x[0]), sizeof old);
+  if (x[1] != 0) std::memcpy(pointer_to(x[1]), &old, sizeof old);
   return 0;
 }
 
@@ -117,7 +118,7 @@ std::int64_t change_mapping(std::int64_t number, const std::uint64_t* x) {
 // can be read at all.
 bool names_own_executable(std::uint64_t directory, std::uint64_t path) {
   if (is_error(kernel_call(SYS_faccessat, directory, path, F_OK))) return false;
-  return std::strcmp(reinterpret_cast<const char*>(path), "/proc/self/exe") == 0;
+  return std::strcmp(pointer_to<const char>(path), "/proc/self/exe") == 0;
 }
 
 std::int64_t read_link(const std::uint64_t* x) {
@@ -126,7 +127,7 @@ std::int64_t read_link(const std::uint64_t* x) {
     return kernel_call(SYS_readlinkat, x[0], x[1], x[2], x[3]);
   }
   const std::size_t length = std::min<std::size_t>(module->full_path.size(), x[3]);
-  std::memcpy(reinterpret_cast<void*>(x[2]), module->full_path.data(), length);
+  std::memcpy(pointer_to(x[2]), module->full_path.data(), length);
   return static_cast<std::int64_t>(length);
 }
 
@@ -136,8 +137,7 @@ std::int64_t open_file(const std::uint64_t* x) {
   const auto module = main_module();
   if (!module) return result;
   close(static_cast<int>(result));
-  return kernel_call(SYS_openat, x[0], reinterpret_cast<std::uint64_t>(module->full_path.c_str()),
-                     x[2], x[3]);
+  return kernel_call(SYS_openat, x[0], address_of(module->full_path.c_str()), x[2], x[3]);
 }
 
 std::int64_t clone(thread_state& thread) {
@@ -176,8 +176,9 @@ std::int64_t call(thread_state& thread) {
     case SYS_mprotect:
     case SYS_mremap: return change_mapping(number, x);
     case SYS_clone: return clone(thread);
-    case SYS_clone3: return -ENOSYS;  // C libraries go on with clone
-    case SYS_rseq: return -ENOSYS;    // the critical sections would be copies in the cache
+    case SYS_clone3:  // C libraries go on with clone
+    case SYS_rseq:    // its critical sections would be copies in the cache
+      return -ENOSYS;
     case SYS_set_tid_address: return set_tid_address(thread);
     case SYS_rt_sigaction: return set_signal_action(x);
     case SYS_rt_sigprocmask: return change_signal_mask(x);

@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "host/address.h"
 #include "host/context_switch.h"
 #include "host/signals.h"
 
@@ -80,8 +81,8 @@ void bind_thread(thread_state& thread) {
   bound_thread = &thread;
   thread.tid = static_cast<pid_t>(syscall(SYS_gettid));
   thread.context.host_tpidr = read_tpidr();
-  thread.context.exit_entry = reinterpret_cast<std::uint64_t>(&leave_cache_with_record);
-  thread.context.call_entry = reinterpret_cast<std::uint64_t>(&call_client);
+  thread.context.exit_entry = address_of(&leave_cache_with_record);
+  thread.context.call_entry = address_of(&call_client);
   install_signal_stack();
 }
 

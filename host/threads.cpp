@@ -10,6 +10,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "host/address.h"
 #include "host/dispatch.h"
 #include "host/events.h"
 
@@ -28,7 +29,7 @@ struct birth {
   std::binary_semaphore ready{0};
 };
 
-void store_tid(std::uint64_t address, pid_t tid) { *reinterpret_cast<pid_t*>(address) = tid; }
+void store_tid(std::uint64_t address, pid_t tid) { *pointer_to<pid_t>(address) = tid; }
 
 bool is_initial_thread(const thread_state& thread) { return thread.tid == getpid(); }
 
@@ -87,7 +88,7 @@ bool start_host_thread(birth& b) {
 // not private.
 void clear_and_wake(std::uint64_t address) {
   if (address == 0) return;
-  std::atomic_ref(*reinterpret_cast<pid_t*>(address)).store(0);
+  std::atomic_ref(*pointer_to<pid_t>(address)).store(0);
   kernel_call(SYS_futex, address, FUTEX_WAKE, 1);
 }
 

@@ -70,10 +70,10 @@ void save(const inserter& in) {
   in.move(DR_REG_X26, DR_REG_SP);
   in.store(DR_REG_X26, offsetof(machine, sp), OPSZ_8);
   for (unsigned i = 0; i < 31; i++) {
-    if (i < 26 || i > 28) in.store(DR_REG_X0 + i, offsetof(machine, x) + 8 * i, OPSZ_8);
+    if (i < 26 || i > 28) in.store(DR_REG_X0 + i, offsetof(machine, x) + 8UL * i, OPSZ_8);
   }
   for (unsigned i = 0; i < 32; i++) {
-    in.store(DR_REG_Q0 + i, offsetof(machine, q) + 16 * i, OPSZ_16);
+    in.store(DR_REG_Q0 + i, offsetof(machine, q) + 16UL * i, OPSZ_16);
   }
   in.add(instr_create_1dst_1src(in.drcontext, OP_mrs, reg(DR_REG_X26), reg(DR_REG_NZCV)));
   in.store(DR_REG_X26, offsetof(machine, nzcv), OPSZ_8);
@@ -84,10 +84,10 @@ void restore(const inserter& in) {
   in.load(DR_REG_X26, offsetof(machine, nzcv), OPSZ_8);
   in.add(instr_create_1dst_1src(in.drcontext, OP_msr, reg(DR_REG_NZCV), reg(DR_REG_X26)));
   for (unsigned i = 0; i < 32; i++) {
-    in.load(DR_REG_Q0 + i, offsetof(machine, q) + 16 * i, OPSZ_16);
+    in.load(DR_REG_Q0 + i, offsetof(machine, q) + 16UL * i, OPSZ_16);
   }
   for (unsigned i = 0; i < 31; i++) {
-    if (i < 26 || i > 28) in.load(DR_REG_X0 + i, offsetof(machine, x) + 8 * i, OPSZ_8);
+    if (i < 26 || i > 28) in.load(DR_REG_X0 + i, offsetof(machine, x) + 8UL * i, OPSZ_8);
   }
   in.load(DR_REG_X26, offsetof(machine, sp), OPSZ_8);
   in.move(DR_REG_SP, DR_REG_X26);

@@ -19,8 +19,8 @@ static void move_break(void) {
   const int grown_again = brk(start + (1 << 20)) == 0;
   const int zero = start[1 << 19] == 0;
   errno = 0;
-  const int refused = brk((void*)-4096) == -1 && errno == ENOMEM;
-  const int far = sbrk(400 << 20) != (void*)-1 || errno == ENOMEM;
+  const int refused = brk(start + (1ull << 60)) == -1 && errno == ENOMEM;
+  const int far = (intptr_t)sbrk(400 << 20) != -1 || errno == ENOMEM;
   brk(start);
   printf("break %d%d%d%d%d%d\n", grown, shrunk, grown_again, zero, refused, far);
 }

@@ -39,6 +39,7 @@ void take_turns(int number, int of) {
 template <typename Body>
 void run_together(int count, Body body) {
   std::vector<std::thread> threads;
+  threads.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; i++) threads.emplace_back(body, i);
   for (std::thread& thread : threads) thread.join();
 }

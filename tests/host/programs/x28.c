@@ -26,7 +26,7 @@ extern const struct test_case x28_cases_end[];
 void run_case(const void* code, struct machine* state);
 
 // At a fixed address, so that addresses in the output are the same in every run.
-static const uintptr_t memory_at = 0x20000000;
+static void* const memory_at = (void*)0x20000000;
 enum { memory_bytes = 65536, words_in_memory = memory_bytes / 8 };
 
 static uint64_t seed = 1;
@@ -46,8 +46,8 @@ static void prepare(const struct test_case* c, struct machine* state, uint64_t* 
   fill(memory, words_in_memory);
   state->x[1] = 8;
   state->x[2] = 3;
-  state->x[27] = memory_at + 0x2000;
-  state->x[28] = c->kind == 1 ? memory_at + 0x4000 : 24;
+  state->x[27] = (uintptr_t)memory_at + 0x2000;
+  state->x[28] = c->kind == 1 ? (uintptr_t)memory_at + 0x4000 : 24;
   state->nzcv = 0x60000000;
 }
 
@@ -61,7 +61,7 @@ static void print_changes(const struct machine* before, const struct machine* af
 }
 
 int main(void) {
-  uint64_t* memory = mmap((void*)memory_at, memory_bytes, PROT_READ | PROT_WRITE,
+  uint64_t* memory = mmap(memory_at, memory_bytes, PROT_READ | PROT_WRITE,
                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
   static uint64_t saved[words_in_memory];
   int count = 0;
