@@ -15,6 +15,12 @@ static const char* const pointers[] = {"relocated", "pointers"};
 
 static void show(const char* what, int holds) { printf("%s: %s\n", what, holds ? "yes" : "NO"); }
 
+static const void* pointer(unsigned long value) {
+  const void* result;
+  memcpy(&result, &value, sizeof result);
+  return result;
+}
+
 static const ElfW(auxv_t) * auxiliary_vector(void) {
   char** end = environ;
   while (*end != NULL) ++end;
@@ -25,15 +31,15 @@ static void show_auxiliary_entry(const ElfW(auxv_t) * entry) {
   const unsigned long value = entry->a_un.a_val;
   printf("auxiliary %lu ", entry->a_type);
   switch (entry->a_type) {
-    case AT_PHDR: show("program headers", *(const unsigned*)value <= PT_PHDR); break;
+    case AT_PHDR: show("program headers", *(const unsigned*)pointer(value) <= PT_PHDR); break;
     case AT_ENTRY: show("is _start", value == (unsigned long)_start); break;
     case AT_BASE:
-      show("is an ELF file or 0", value == 0 || memcmp((char*)value, ELFMAG, 4) == 0);
+      show("is an ELF file or 0", value == 0 || memcmp(pointer(value), ELFMAG, 4) == 0);
       break;
-    case AT_RANDOM: show("random bytes", *(const unsigned long*)value != 0); break;
-    case AT_SYSINFO_EHDR: show("is an ELF file", memcmp((char*)value, ELFMAG, 4) == 0); break;
+    case AT_RANDOM: show("random bytes", *(const unsigned long*)pointer(value) != 0); break;
+    case AT_SYSINFO_EHDR: show("is an ELF file", memcmp(pointer(value), ELFMAG, 4) == 0); break;
     case AT_EXECFN:
-    case AT_PLATFORM: printf("%s\n", (const char*)value); break;
+    case AT_PLATFORM: printf("%s\n", (const char*)pointer(value)); break;
     default: printf("%lu\n", value); break;
   }
 }
@@ -56,7 +62,8 @@ int main(int argc, char** argv, char** envp) {
   if (argc > 1 && strcmp(argv[1], "--overflow-stack") == 0) return descend(1 << 20);
   if (argc > 1 && strcmp(argv[1], "--random") == 0) {
     for (const ElfW(auxv_t)* entry = auxiliary_vector(); entry->a_type != AT_NULL; ++entry) {
-      if (entry->a_type == AT_RANDOM) printf("%lx\n", *(const unsigned long*)entry->a_un.a_val);
+      if (entry->a_type == AT_RANDOM)
+        printf("%lx\n", *(const unsigned long*)pointer(entry->a_un.a_val));
     }
     return 0;
   }
