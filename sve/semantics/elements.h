@@ -31,6 +31,13 @@ constexpr Int128 Int(T x) {
   return x;
 }
 
+// The wide operand of element e of type T: the 64-bit element that covers it.
+template <class T>
+auto covering_element(const VecV& wide, unsigned e) {
+  using Wide = std::conditional_t<std::is_unsigned_v<T>, U64, S64>;
+  return wide.get<Wide>(static_cast<unsigned>(e * sizeof(T) / sizeof(Wide)));
+}
+
 // X forms: every element e is operation(e).
 template <class T, class Operation>
 VecV unpredicated(const CpuContext* ctx, Operation operation) {
