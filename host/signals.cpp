@@ -39,6 +39,9 @@ bool has_handler(const struct sigaction& action) {
   return action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN;
 }
 
+// Signals that the client has ever asked for. It then tells of its own faults itself.
+bool client_handled[NSIG];
+
 // False: the client has no handler for this signal.
 bool call_client_handler(int signal, siginfo_t* info, void* context) {
   const struct sigaction action = client_actions[signal];
@@ -98,6 +101,10 @@ void fault_entry(int signal, siginfo_t* info, void* raw_context) {
     take_application_fault(*thread, signal, info, context);
     exchange_tpidr(application_tpidr);
   } else if (!call_client_handler(signal, info, context)) {
+    if (!client_handled[signal]) {
+      print_line("%s in the launcher or its client, at %#llx, accessing %p", name_of(signal),
+                 context->uc_mcontext.pc, info->si_addr);
+    }
     end_by_repeated_fault(signal);
   }
 }
@@ -169,7 +176,10 @@ DR_EXPORT int sigaction(int signal, const struct sigaction* action,
     return host::c_library_sigaction()(signal, action, old);
   }
   const struct sigaction previous = host::client_actions[signal];
-  if (action != nullptr) host::client_actions[signal] = *action;
+  if (action != nullptr) {
+    host::client_actions[signal] = *action;
+    host::client_handled[signal] |= host::has_handler(*action);
+  }
   if (old != nullptr) *old = previous;
   return 0;
 }

@@ -13,7 +13,8 @@ std::atomic<int> begun = 0;
 std::atomic<int> ended = 0;
 std::atomic<int> misplaced = 0;  // events on a thread that they are not for, or out of order
 std::atomic<long> main_blocks = 0;
-std::atomic<long> other_blocks = 0;
+std::atomic<long> library_blocks = 0;
+std::atomic<long> loose_blocks = 0;  // outside of any module
 std::atomic<long> disordered_blocks = 0;
 int field = -1;
 byte* main_start = nullptr;
@@ -31,11 +32,14 @@ void on_thread_end(void* drcontext) {
   if (drmgr_get_tls_field(drcontext, field) != &own) misplaced++;
 }
 
-bool is_in_main_module(void* tag) {
+void count_by_module(void* tag) {
   module_data_t* const module = dr_lookup_module(dr_fragment_app_pc(tag));
-  const bool is_main = module != nullptr && module->start == main_start;
+  if (module == nullptr) {
+    loose_blocks++;
+  } else {
+    (module->start == main_start ? main_blocks : library_blocks)++;
+  }
   dr_free_module_data(module);
-  return is_main;
 }
 
 // Addresses must follow one another, from the tag on.
@@ -49,7 +53,7 @@ bool is_in_order(void* tag, instrlist_t* block) {
 }
 
 dr_emit_flags_t on_block(void* drcontext, void* tag, instrlist_t* block, bool, bool) {
-  (is_in_main_module(tag) ? main_blocks : other_blocks)++;
+  count_by_module(tag);
   if (!is_in_order(tag, block)) disordered_blocks++;
   if (drmgr_get_tls_field(drcontext, field) != &own) misplaced++;
   return DR_EMIT_DEFAULT;
@@ -58,8 +62,9 @@ dr_emit_flags_t on_block(void* drcontext, void* tag, instrlist_t* block, bool, b
 void on_exit() {
   std::fprintf(stderr, "threads %d ended %d misplaced %d\n", begun.load(), ended.load(),
                misplaced.load());
-  std::fprintf(stderr, "blocks %s and elsewhere %s, out of order %ld\n",
-               main_blocks > 0 ? "seen" : "missed", other_blocks > 0 ? "seen" : "missed",
+  const auto seen = [](long count) { return count > 0 ? "yes" : "no"; };
+  std::fprintf(stderr, "blocks of the program %s, of libraries %s, of neither %s, disordered %ld\n",
+               seen(main_blocks), seen(library_blocks), seen(loose_blocks),
                disordered_blocks.load());
 }
 
