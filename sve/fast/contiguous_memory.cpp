@@ -12,6 +12,7 @@
 
 #include "sve/state/access.h"
 #include "sve/state/guest_memory.h"
+#include "sve/state/integers.h"
 #include "sve/state/packed_predicate.h"
 
 namespace {
@@ -23,13 +24,7 @@ using sve::read_x;
 using sve::vector_bytes;
 using sve::write_guest;
 
-using U8 = std::uint8_t;
-using U16 = std::uint16_t;
-using U32 = std::uint32_t;
-using U64 = std::uint64_t;
-using S8 = std::int8_t;
-using S16 = std::int16_t;
-using S32 = std::int32_t;
+using namespace sve::integers;
 
 using RC = aarch64_decode_rc;
 using CPU = cpu_state;

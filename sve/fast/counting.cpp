@@ -18,23 +18,18 @@ using sve::write_x;
 
 namespace {
 
-using u8 = std::uint8_t;
-using u16 = std::uint16_t;
-using u32 = std::uint32_t;
-using u64 = std::uint64_t;
-
 // The count is taken at the size of T, the register is X.
 template <class T, class Op>
 rc rii(cpu_state* s, R rdn, unsigned pattern, unsigned multiplier, Op op) {
-  const u32 delta = multiplier * pattern_count(pattern, elements<T>);
-  write_x(s, rdn, op(read_x(s, rdn), u64{delta}));
+  const U32 delta = multiplier * pattern_count(pattern, elements<T>);
+  write_x(s, rdn, op(read_x(s, rdn), U64{delta}));
   return aarch64_decode_ok;
 }
 
 // The same to every element of type T.
 template <class T, class Op>
 rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
-  const u32 count = multiplier * pattern_count(pattern, elements<T>);
+  const U32 count = multiplier * pattern_count(pattern, elements<T>);
   const auto delta = broadcast<group<T>>(static_cast<T>(count));
   return compute<group<T>>(
       s, zdn, [=](auto dn) { return op(dn, delta); }, zdn);
@@ -42,19 +37,19 @@ rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
 
 // Number of elements of type T of which bit 0 is set in all of the given predicates.
 template <class T, class... Predicates>
-u64 count_true(Predicates... predicates) {
+U64 count_true(Predicates... predicates) {
   group<T> counts{};
   for (std::size_t i = 0; i < elements<group<T>>; ++i) {
     counts += (element<group<T>>(predicates, i) & ...) & 1;
   }
-  u64 sum = 0;
+  U64 sum = 0;
   for (std::size_t lane = 0; lane < sve::group_bytes / sizeof(T); ++lane) sum += counts[lane];
   return sum;
 }
 
 // The product is taken in 32 bits.
 std::int32_t times_vector_bytes(int imm) {
-  return static_cast<std::int32_t>(static_cast<u32>(imm) * vector_bytes);
+  return static_cast<std::int32_t>(static_cast<U32>(imm) * vector_bytes);
 }
 
 template <class T, class Counter, class Compare>
@@ -67,12 +62,12 @@ void while_elements(cpu_state* s, P pd, Counter n, Counter m, Compare holds) {
 
 template <class Compare>
 rc prr(cpu_state* s, P pd, R rn, R rm, Compare holds) {
-  const u64 n = read_x(s, rn), m = read_x(s, rm);
+  const U64 n = read_x(s, rn), m = read_x(s, rm);
   return by_size<single>(pd.size, [=]<class T>() {
     if (rn.size == sve::D) {
-      while_elements<T, u64>(s, pd, n, m, holds);
+      while_elements<T, U64>(s, pd, n, m, holds);
     } else {
-      while_elements<T, u32>(s, pd, static_cast<u32>(n), static_cast<u32>(m), holds);
+      while_elements<T, U32>(s, pd, static_cast<U32>(n), static_cast<U32>(m), holds);
     }
   });
 }
@@ -83,25 +78,25 @@ constexpr auto less = [](auto n, auto m) { return as_signed(n) < as_signed(m); }
 
 }  // namespace
 
-rc sve_incb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u8>(s, rdn, p, m, add); }
-rc sve_inch_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u16>(s, rdn, p, m, add); }
-rc sve_incw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u32>(s, rdn, p, m, add); }
-rc sve_incd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u64>(s, rdn, p, m, add); }
-rc sve_decb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u8>(s, rdn, p, m, sub); }
-rc sve_dech_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u16>(s, rdn, p, m, sub); }
-rc sve_decw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u32>(s, rdn, p, m, sub); }
-rc sve_decd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<u64>(s, rdn, p, m, sub); }
+rc sve_incb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U8>(s, rdn, p, m, add); }
+rc sve_inch_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U16>(s, rdn, p, m, add); }
+rc sve_incw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U32>(s, rdn, p, m, add); }
+rc sve_incd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U64>(s, rdn, p, m, add); }
+rc sve_decb_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U8>(s, rdn, p, m, sub); }
+rc sve_dech_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U16>(s, rdn, p, m, sub); }
+rc sve_decw_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U32>(s, rdn, p, m, sub); }
+rc sve_decd_rii(cpu_state* s, R rdn, unsigned p, unsigned m) { return rii<U64>(s, rdn, p, m, sub); }
 
-rc sve_inch_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u16>(s, zdn, p, m, add); }
-rc sve_incw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u32>(s, zdn, p, m, add); }
-rc sve_incd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u64>(s, zdn, p, m, add); }
-rc sve_dech_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u16>(s, zdn, p, m, sub); }
-rc sve_decw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u32>(s, zdn, p, m, sub); }
-rc sve_decd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<u64>(s, zdn, p, m, sub); }
+rc sve_inch_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U16>(s, zdn, p, m, add); }
+rc sve_incw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U32>(s, zdn, p, m, add); }
+rc sve_incd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U64>(s, zdn, p, m, add); }
+rc sve_dech_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U16>(s, zdn, p, m, sub); }
+rc sve_decw_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U32>(s, zdn, p, m, sub); }
+rc sve_decd_zii(cpu_state* s, Z zdn, unsigned p, unsigned m) { return zii<U64>(s, zdn, p, m, sub); }
 
 template <class T>
 void sve_uqdec(cpu_state* state, R rdn, unsigned pattern, unsigned multiplier, element_size size) {
-  const u32 delta = multiplier * pattern_count(pattern, vector_bytes >> size);
+  const U32 delta = multiplier * pattern_count(pattern, vector_bytes >> size);
   const T value = static_cast<T>(read_x(state, rdn));
   write_x(state, rdn, delta < value ? value - delta : 0);
 }
@@ -126,17 +121,17 @@ rc sve_cntp_rpp(cpu_state* s, R rd, P pg, P pn) {
 }
 
 rc sve_addvl_rri(cpu_state* s, R_or_SP rd, R_or_SP rn, int imm) {
-  write_x(s, rd, read_x(s, rn) + static_cast<u64>(times_vector_bytes(imm)));
+  write_x(s, rd, read_x(s, rn) + static_cast<U64>(times_vector_bytes(imm)));
   return aarch64_decode_ok;
 }
 
 rc sve_addpl_rri(cpu_state* s, R_or_SP rd, R_or_SP rn, int imm) {
-  write_x(s, rd, read_x(s, rn) + static_cast<u64>(times_vector_bytes(imm) / 8));
+  write_x(s, rd, read_x(s, rn) + static_cast<U64>(times_vector_bytes(imm) / 8));
   return aarch64_decode_ok;
 }
 
 rc sve_rdvl_ri(cpu_state* s, R rd, int imm) {
-  write_x(s, rd, static_cast<u64>(times_vector_bytes(imm)));
+  write_x(s, rd, static_cast<U64>(times_vector_bytes(imm)));
   return aarch64_decode_ok;
 }
 

@@ -14,6 +14,7 @@
 #include "sve/fast/forms.h"
 #include "sve/fast/group.h"
 #include "sve/state/access.h"
+#include "sve/state/integers.h"
 
 namespace sve::fast {
 
@@ -24,6 +25,7 @@ using form::P;
 using form::R;
 using form::R_or_SP;
 using form::Z;
+using namespace integers;
 
 template <class T>
 inline constexpr unsigned size_code = std::countr_zero(sizeof(T));

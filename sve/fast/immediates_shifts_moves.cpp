@@ -17,10 +17,7 @@ using sve::vector_bytes;
 
 namespace {
 
-using u16 = std::uint16_t;
-using u32 = std::uint32_t;
-using u64 = std::uint64_t;
-using quadword = group<u64>;
+using quadword = group<U64>;
 
 // The low bits of an integer in each element: signed and unsigned values extend to doublewords as
 // their type says.
@@ -41,7 +38,7 @@ rc zi(cpu_state* s, Z zdn, Integer imm, Op op) {
 
 template <class Op>
 rc zi_bitwise(cpu_state* s, Z zdn, mask64 imm, Op op) {
-  return compute<group<u64>>(
+  return compute<group<U64>>(
       s, zdn, [=](auto dn) { return op(dn, imm.mask); }, zdn);
 }
 
@@ -100,9 +97,9 @@ rc index(cpu_state* s, Z zd, Start start, Step step) {
     group<T> values{};
     constexpr unsigned lanes = elements<T> / elements<group<T>>;
     for (unsigned lane = 0; lane < lanes; ++lane) {
-      values[lane] = static_cast<T>(static_cast<u64>(start) + lane * static_cast<u64>(step));
+      values[lane] = static_cast<T>(static_cast<U64>(start) + lane * static_cast<U64>(step));
     }
-    const auto increment = truncated<group<T>>(lanes * static_cast<u64>(step));
+    const auto increment = truncated<group<T>>(lanes * static_cast<U64>(step));
     write_in_place<group<T>>(s->z[zd.num], [=](std::size_t) mutable {
       return std::exchange(values, values + increment);
     });
@@ -140,12 +137,12 @@ rc sve_asr_zzi(cpu_state* s, Z zd, Z zn, unsigned n) { return zzi_shift(s, zd, z
 rc sve_dup_zi(cpu_state* s, Z zd, int imm) { return dup(s, zd, imm); }
 rc sve_dup_zr(cpu_state* s, Z zd, R_or_SP rn) { return dup(s, zd, read_x(s, rn)); }
 rc sve_dupm_zi(cpu_state* s, Z zd, mask64 imm) {
-  fill(s, zd, broadcast<group<u64>>(imm.mask));
+  fill(s, zd, broadcast<group<U64>>(imm.mask));
   return aarch64_decode_ok;
 }
 
 rc sve_dup_zzi(cpu_state* s, Z zd, Z zn, unsigned index) {
-  return by_size_among<single, u16, u32, u64, quadword, std::uint8_t>(zd.size, [=]<class T>() {
+  return by_size_among<single, U16, U32, U64, quadword, std::uint8_t>(zd.size, [=]<class T>() {
     fill(s, zd, index < elements<T> ? element<T>(s->z[zn.num], index) : T{});
   });
 }
@@ -155,7 +152,7 @@ rc sve_cpy_zpi(cpu_state* s, Z zd, P pg, int imm) {
 }
 rc sve_cpy_zpr(cpu_state* s, Z zd, P pg, R_or_SP rn) { return cpy(s, zd, pg, read_x(s, rn)); }
 rc sve_cpy_zpv(cpu_state* s, Z zd, P pg, unsigned vn) {
-  return cpy(s, zd, pg, element<u64>(s->z[vn], 0));
+  return cpy(s, zd, pg, element<U64>(s->z[vn], 0));
 }
 
 rc sve_index_zii(cpu_state* s, Z zd, int start, int step) { return index(s, zd, start, step); }
@@ -177,30 +174,30 @@ rc sve_movprfx_zpz(cpu_state* s, Z zd, P pg, Z zn) {
 }
 
 rc sve_sxtb_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u32, u64, u16>(s, zd, pg, zn, sign_extend<8>);
+  return zpz_unary<U32, U64, U16>(s, zd, pg, zn, sign_extend<8>);
 }
 rc sve_sxth_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u64, u32>(s, zd, pg, zn, sign_extend<16>);
+  return zpz_unary<U64, U32>(s, zd, pg, zn, sign_extend<16>);
 }
 rc sve_sxtw_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u64>(s, zd, pg, zn, sign_extend<32>);
+  return zpz_unary<U64>(s, zd, pg, zn, sign_extend<32>);
 }
 rc sve_uxth_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u64, u32>(s, zd, pg, zn, zero_extend<16>);
+  return zpz_unary<U64, U32>(s, zd, pg, zn, zero_extend<16>);
 }
 rc sve_uxtw_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u64>(s, zd, pg, zn, zero_extend<32>);
+  return zpz_unary<U64>(s, zd, pg, zn, zero_extend<32>);
 }
 
 rc sve_rbit_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u32, u64, u16, std::uint8_t>(s, zd, pg, zn, reverse_bits);
+  return zpz_unary<U32, U64, U16, std::uint8_t>(s, zd, pg, zn, reverse_bits);
 }
 rc sve_revw_zpz(cpu_state* s, Z zd, P pg, Z zn) {
-  return zpz_unary<u64>(s, zd, pg, zn, swap_words);
+  return zpz_unary<U64>(s, zd, pg, zn, swap_words);
 }
 
 rc sve_adr_scaled_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
   const unsigned shift = bits(static_cast<unsigned>(s->instr), 11, 10);
-  return compute<group<u64>>(
+  return compute<group<U64>>(
       s, zd, [=](auto n, auto m) { return n + (m << shift); }, zn, zm);
 }

@@ -21,13 +21,6 @@ using sve::write_x;
 
 namespace {
 
-using u8 = std::uint8_t;
-using u16 = std::uint16_t;
-using u32 = std::uint32_t;
-using u64 = std::uint64_t;
-using s32 = std::int32_t;
-using s64 = std::int64_t;
-
 char* as_chars(unsigned char* p) { return reinterpret_cast<char*>(p); }
 
 template <class Permute>
@@ -128,7 +121,7 @@ rc sve_trn2_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
 
 rc sve_tbl_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
   return gather(s, zd, [=]<class T>(std::size_t i) {
-    const u64 index = element<T>(s->z[zm.num], i);
+    const U64 index = element<T>(s->z[zm.num], i);
     return index < elements<T> ? element<T>(s->z[zn.num], index) : T{0};
   });
 }
@@ -146,14 +139,14 @@ rc sve_ext_zzi(cpu_state* s, Z zdn, Z zm, unsigned position) {
   return aarch64_decode_ok;
 }
 
-rc sve_uunpklo_b2h_zz(cpu_state* s, Z zd, Z zn) { return unpack<u8, u16>(s, zd, zn, low); }
-rc sve_uunpkhi_b2h_zz(cpu_state* s, Z zd, Z zn) { return unpack<u8, u16>(s, zd, zn, high); }
-rc sve_uunpklo_h2s_zz(cpu_state* s, Z zd, Z zn) { return unpack<u16, u32>(s, zd, zn, low); }
-rc sve_uunpkhi_h2s_zz(cpu_state* s, Z zd, Z zn) { return unpack<u16, u32>(s, zd, zn, high); }
-rc sve_uunpklo_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<u32, u64>(s, zd, zn, low); }
-rc sve_uunpkhi_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<u32, u64>(s, zd, zn, high); }
-rc sve_sunpklo_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<s32, s64>(s, zd, zn, low); }
-rc sve_sunpkhi_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<s32, s64>(s, zd, zn, high); }
+rc sve_uunpklo_b2h_zz(cpu_state* s, Z zd, Z zn) { return unpack<U8, U16>(s, zd, zn, low); }
+rc sve_uunpkhi_b2h_zz(cpu_state* s, Z zd, Z zn) { return unpack<U8, U16>(s, zd, zn, high); }
+rc sve_uunpklo_h2s_zz(cpu_state* s, Z zd, Z zn) { return unpack<U16, U32>(s, zd, zn, low); }
+rc sve_uunpkhi_h2s_zz(cpu_state* s, Z zd, Z zn) { return unpack<U16, U32>(s, zd, zn, high); }
+rc sve_uunpklo_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<U32, U64>(s, zd, zn, low); }
+rc sve_uunpkhi_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<U32, U64>(s, zd, zn, high); }
+rc sve_sunpklo_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<S32, S64>(s, zd, zn, low); }
+rc sve_sunpkhi_s2d_zz(cpu_state* s, Z zd, Z zn) { return unpack<S32, S64>(s, zd, zn, high); }
 
 rc sve_andv_vpz(cpu_state* s, unsigned vd, P pg, Z zn) {
   return reduce(s, vd, pg, zn, all_ones, bit_and);
@@ -177,7 +170,7 @@ rc sve_uminv_vpz(cpu_state* s, unsigned vd, P pg, Z zn) {
   return reduce(s, vd, pg, zn, all_ones, umin);
 }
 rc sve_uaddv_vpz(cpu_state* s, unsigned vd, P pg, Z zn) {
-  return by_size<single>(zn.size, [=]<class T>() { fold<T>(s, vd, pg, zn, u64{0}, add); });
+  return by_size<single>(zn.size, [=]<class T>() { fold<T>(s, vd, pg, zn, U64{0}, add); });
 }
 
 rc sve_lastb_vpz(cpu_state* s, unsigned vd, P pg, Z zn) {

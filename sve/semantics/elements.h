@@ -7,17 +7,11 @@
 
 #include "sve/semantics/integer_helpers.h"
 #include "sve/semantics/semantics.h"
+#include "sve/state/integers.h"
 
 namespace sve::semantics {
 
-using U8 = std::uint8_t;
-using U16 = std::uint16_t;
-using U32 = std::uint32_t;
-using U64 = std::uint64_t;
-using S8 = std::int8_t;
-using S16 = std::int16_t;
-using S32 = std::int32_t;
-using S64 = std::int64_t;
+using namespace integers;
 
 // The w and u arguments of the integer helpers for a tag's type.
 template <class T>
