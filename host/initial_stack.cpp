@@ -9,6 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "host/address.h"
 #include "host/launch_error.h"
 
 namespace host {
@@ -21,10 +22,6 @@ constexpr std::size_t largest_stack = std::size_t{1} << 30;
 constexpr std::size_t guard_size = std::size_t{1} << 20;  // the kernel's stack_guard_gap, 256 pages
 
 constexpr std::size_t alignment = 16;  // of the stack pointer, by the procedure call standard
-
-void* pointer(std::uint64_t address) {
-  return reinterpret_cast<void*>(address);  // NOLINT(performance-no-int-to-ptr): words of the stack
-}
 
 // The upper part of the stack: what the words in the lower part point to. Argument and environment
 // strings stand next to each other without gaps, which programs that rewrite their own title
@@ -64,7 +61,7 @@ void add_auxiliary_strings(pointed_to& upper, const std::string& executable_name
       case AT_EXECFN: entry.a_un.a_val = upper.add(executable_name); break;
       case AT_PLATFORM:
       case AT_BASE_PLATFORM:
-        entry.a_un.a_val = upper.add(static_cast<const char*>(pointer(entry.a_un.a_val)));
+        entry.a_un.a_val = upper.add(pointer_to<const char>(entry.a_un.a_val));
         break;
       default: break;
     }
@@ -169,7 +166,7 @@ std::uintptr_t map_initial_stack(const process_start& start) {
   const std::size_t filled = build_initial_stack(start, 0, random).size();
   const std::uintptr_t top = map_stack(stack_size(filled), start.executable_stack);
   const std::vector<std::byte> content = build_initial_stack(start, top, random);
-  std::memcpy(pointer(top - content.size()), content.data(), content.size());
+  std::memcpy(pointer_to(top - content.size()), content.data(), content.size());
   return top - content.size();
 }
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "host/address.h"
 #include "host/elf_reader.h"
 #include "host/initial_stack.h"
 #include "host/launch_error.h"
@@ -28,11 +29,6 @@ const std::uintptr_t page_size = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZ
 
 std::uintptr_t page_start(std::uintptr_t address) { return address & ~(page_size - 1); }
 std::uintptr_t page_end(std::uintptr_t address) { return page_start(address + page_size - 1); }
-
-// Addresses come from files and are computed with; only here they become pointers.
-void* pointer(std::uintptr_t address) {
-  return reinterpret_cast<void*>(address);  // NOLINT(performance-no-int-to-ptr): see above
-}
 
 std::string hexadecimal(std::uintptr_t value) {
   char text[2 + 2 * sizeof value + 1];
@@ -69,8 +65,8 @@ constexpr int reservation = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
 // MAP_FIXED_NOREPLACE is a hint only on older kernels and in QEMU, so the result is compared, too.
 bool reserve_exactly(std::uintptr_t start, std::uintptr_t end) {
   void* const got =
-      mmap(pointer(start), end - start, PROT_NONE, reservation | MAP_FIXED_NOREPLACE, -1, 0);
-  if (got == pointer(start)) return true;
+      mmap(pointer_to(start), end - start, PROT_NONE, reservation | MAP_FIXED_NOREPLACE, -1, 0);
+  if (got == pointer_to(start)) return true;
   if (got != MAP_FAILED) {
     munmap(got, end - start);
     errno = EEXIST;
@@ -97,7 +93,7 @@ void image_mapper::reserve_fixed_ranges() const {
 std::uintptr_t image_mapper::reserve_anywhere(std::uintptr_t hint) const {
   const std::uintptr_t size = image_.high - image_.low;
   const std::uintptr_t slack = image_.alignment - page_size;
-  void* const got = mmap(pointer(hint), size + slack, PROT_NONE, reservation, -1, 0);
+  void* const got = mmap(pointer_to(hint), size + slack, PROT_NONE, reservation, -1, 0);
   if (got == MAP_FAILED) {
     fail("no address space for its " + hexadecimal(size) + " bytes at a multiple of " +
              hexadecimal(image_.alignment),
@@ -106,14 +102,14 @@ std::uintptr_t image_mapper::reserve_anywhere(std::uintptr_t hint) const {
   const auto begin = reinterpret_cast<std::uintptr_t>(got);
   const std::uintptr_t start = (begin + slack) & ~(image_.alignment - 1);
   if (start != begin) munmap(got, start - begin);
-  if (start != begin + slack) munmap(pointer(start + size), begin + slack - start);
+  if (start != begin + slack) munmap(pointer_to(start + size), begin + slack - start);
   return start;
 }
 
 void image_mapper::map_zeros(std::uintptr_t start, std::uintptr_t end, int protection) const {
   if (start >= end) return;
   constexpr int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED;
-  if (mmap(pointer(start), end - start, protection, flags, -1, 0) == MAP_FAILED) {
+  if (mmap(pointer_to(start), end - start, protection, flags, -1, 0) == MAP_FAILED) {
     fail("no memory for its " + std::to_string(end - start) + " bytes of zeroed data", errno);
   }
 }
@@ -127,14 +123,14 @@ void image_mapper::map_segment(const elf_segment& segment, std::uintptr_t bias) 
   std::uintptr_t zeros = start;
   if (segment.file_size != 0) {
     const auto offset = static_cast<off_t>(page_start(segment.file_offset));
-    if (mmap(pointer(start), file_end - start, segment.protection, MAP_PRIVATE | MAP_FIXED,
+    if (mmap(pointer_to(start), file_end - start, segment.protection, MAP_PRIVATE | MAP_FIXED,
              file_.descriptor(), offset) == MAP_FAILED) {
       fail("cannot map the segment at " + hexadecimal(segment.address), errno);
     }
     zeros = page_end(file_end);
     const bool has_zeros = segment.memory_size > segment.file_size;
     if (has_zeros && (segment.protection & PROT_WRITE) != 0) {
-      std::memset(pointer(file_end), 0, zeros - file_end);
+      std::memset(pointer_to(file_end), 0, zeros - file_end);
     }
   }
   map_zeros(zeros, page_end(memory_end), PROT_READ | PROT_WRITE | (segment.protection & PROT_EXEC));
