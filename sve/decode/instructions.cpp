@@ -63,7 +63,8 @@ consteval bool every_map_has_its_rows() {
   for (const instruction_row& row : table) ++rows[row.map];
   return std::ranges::equal(rows, decode_maps, {}, {}, &map_description::rows);
 }
-static_assert(every_map_has_its_rows());
+static_assert(every_map_has_its_rows(),
+              "a line is missing, or its pattern has the ranges of another map");
 
 consteval bool every_row_is_an_sve_encoding() {
   return std::ranges::all_of(
