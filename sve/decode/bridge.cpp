@@ -5,18 +5,23 @@
 #include <cstring>
 
 #include "sve/state/access.h"
+#include "sve/state/packed_predicate.h"
 
 namespace sve {
 
 PredV pack(const predicate_register& predicate) {
   PredV value{};
-  for (unsigned k = 0; k < vector_bytes; ++k)
-    value.words[k / 64] |= std::uint64_t{predicate[k] & 1U} << (k % 64);
+  for (unsigned i = 0; i < predicate_bytes; ++i)
+    value.words[i / 8] |= std::uint64_t{pack_lanes(element<std::uint64_t>(predicate, i))}
+                          << (i % 8 * 8);
   return value;
 }
 
 void unpack(const PredV& value, predicate_register& predicate) {
-  for (unsigned k = 0; k < vector_bytes; ++k) predicate[k] = value.lane(k) ? 1 : 0;
+  for (unsigned i = 0; i < predicate_bytes; ++i) {
+    const auto packed = static_cast<std::uint8_t>(value.words[i / 8] >> (i % 8 * 8));
+    set_element(predicate, i, unpack_lanes(packed));
+  }
 }
 
 CpuContext context_in(const cpu_state& state) {

@@ -1,7 +1,8 @@
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/integer_arithmetic.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/contiguous_memory.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counting.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/immediates_shifts_moves.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/compare.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/permutes_reductions.cpp)
+target_sources(sve PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/compare.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/contiguous_memory.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/counting.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/immediates_shifts_moves.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/integer_arithmetic.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/permutes_reductions.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)

@@ -1,6 +1,7 @@
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/integer_helpers.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counts.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/memory_access.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/integer.cpp)
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/compares.cpp)
+target_sources(sve PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/compares.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/counts.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/integer.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/integer_helpers.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/memory_access.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
