@@ -17,14 +17,16 @@ class Counting : public RandomMachine {
  protected:
   Counting() { randomize(state); }
 
-  // Runs `call` on the state of which `change` makes the expected outcome.
-  template <class Change, class Call>
-  void expect(const std::string& name, Change change, Call call) {
-    cpu_state expected = state;
-    change(expected);
-    EXPECT_EQ(call(&state), aarch64_decode_ok);
+  // The fast path that gave `result` has turned the state into `expected`.
+  void expect(const std::string& name, const cpu_state& expected, aarch64_decode_rc result) {
+    EXPECT_EQ(result, aarch64_decode_ok);
     EXPECT_EQ(difference(expected, state), "") << name;
     state = expected;
+  }
+  cpu_state with_x(unsigned number, u64 value) const {
+    cpu_state changed = state;
+    (number < 31 ? changed.x[number] : changed.sp) = value;
+    return changed;
   }
 
   cpu_state state;
@@ -33,49 +35,44 @@ class Counting : public RandomMachine {
 TEST_F(Counting, SaturatingDecrementOfWAndX) {
   constexpr unsigned w = 2, x = 3;
   constexpr struct {
-    unsigned width, number;
+    unsigned width;
     u64 before, after;
-  } cases[] = {{w, 5, 0x100000000 + vl - 1, 0},
-               {w, 5, 0x100000000 + vl, 0},
-               {w, 5, 0x100000000 + vl + 1, 1},
-               {w, 5, 0xffffffffffffffff, 0xffffffff - vl},
-               {x, 5, vl, 0},
-               {x, 5, vl + 60, 60},
-               {x, 5, 0x100000000, 0x100000000 - vl},
-               {x, 5, 5, 0}};
+  } cases[] = {{w, 0x100000000 + vl - 1, 0},
+               {w, 0x100000000 + vl, 0},
+               {w, 0x100000000 + vl + 1, 1},
+               {w, 0xffffffffffffffff, 0xffffffff - vl},
+               {x, vl, 0},
+               {x, vl + 60, 60},
+               {x, 0x100000000, 0x100000000 - vl},
+               {x, 5, 0}};
   for (const auto& c : cases) {
-    state.x[c.number] = c.before;
-    expect(
-        "uqdecb of " + std::to_string(c.before), [&](cpu_state& s) { s.x[c.number] = c.after; },
-        [&](cpu_state* s) { return sve_uqdecb_rii(s, x_both_ways(c.number, c.width), all, 1); });
+    state.x[5] = c.before;
+    const cpu_state expected = with_x(5, c.after);
+    expect("uqdecb of " + std::to_string(c.before), expected,
+           sve_uqdecb_rii(&state, x_both_ways(5, c.width), all, 1));
   }
-  expect(
-      "uqdecb of XZR", [](cpu_state&) {},
-      [](cpu_state* s) { return sve_uqdecb_rii(s, x_both_ways(31), all, 16); });
+  const cpu_state before = state;
+  expect("uqdecb of XZR", before, sve_uqdecb_rii(&state, x_both_ways(31), all, 16));
 }
 
 TEST_F(Counting, VectorLengthArithmeticReachesSpButNotXzr) {
-  expect(
-      "addpl sp, sp, #-1", [](cpu_state& s) { s.sp -= pl; },
-      [](cpu_state* s) {
-        return sve_addpl_rri(s, {31, 3}, {31, 3}, -1);
-      });
-  expect(
-      "addvl x30, sp, #-32", [](cpu_state& s) { s.x[30] = s.sp - 32 * vl; },
-      [](cpu_state* s) {
-        return sve_addvl_rri(s, {30, 3}, {31, 3}, -32);
-      });
-  expect(
-      "addvl sp, x30, #31", [](cpu_state& s) { s.sp = s.x[30] + 31 * vl; },
-      [](cpu_state* s) {
-        return sve_addvl_rri(s, {31, 3}, {30, 3}, 31);
-      });
-  expect(
-      "rdvl x2, #-2", [](cpu_state& s) { s.x[2] = -2 * vl; },
-      [](cpu_state* s) { return sve_rdvl_ri(s, x_one_way(2), -2); });
-  expect(
-      "rdvl xzr, #1", [](cpu_state&) {},
-      [](cpu_state* s) { return sve_rdvl_ri(s, x_one_way(31), 1); });
+  constexpr struct {
+    const char* name;
+    sve::form::rri* function;
+    unsigned d, n;
+    int imm;
+    u64 unit;
+  } cases[] = {{"addpl sp, sp, #-1", sve_addpl_rri, 31, 31, -1, pl},
+               {"addvl x30, sp, #-32", sve_addvl_rri, 30, 31, -32, vl},
+               {"addvl sp, x30, #31", sve_addvl_rri, 31, 30, 31, vl}};
+  for (const auto& c : cases) {
+    const u64 n = c.n < 31 ? state.x[c.n] : state.sp;
+    const cpu_state expected = with_x(c.d, n + static_cast<u64>(c.imm) * c.unit);
+    expect(c.name, expected, c.function(&state, {c.d, 3}, {c.n, 3}, c.imm));
+  }
+  const cpu_state expected = with_x(2, -2 * vl);
+  expect("rdvl x2, #-2", expected, sve_rdvl_ri(&state, x_one_way(2), -2));
+  expect("rdvl xzr, #1", expected, sve_rdvl_ri(&state, x_one_way(31), 1));
 }
 
 TEST_F(Counting, TrueElementsAreCountedAtTheirFirstByte) {
@@ -87,18 +84,12 @@ TEST_F(Counting, TrueElementsAreCountedAtTheirFirstByte) {
         active += bit(state.p[4], i, 1U << size);
         both += bit(state.p[4], i, 1U << size) && bit(state.p[15], i, 1U << size);
       }
-      expect(
-          "incp", [&](cpu_state& s) { s.x[3] += active; },
-          [&](cpu_state* s) { return sve_incp_rp(s, x_both_ways(3), predicate(4, size)); });
-      expect(
-          "incp xzr", [](cpu_state&) {},
-          [&](cpu_state* s) { return sve_incp_rp(s, x_both_ways(31), predicate(4, size)); });
-      expect(
-          "cntp", [&](cpu_state& s) { s.x[3] = both; },
-          [&](cpu_state* s) {
-            return sve_cntp_rpp(s, x_one_way(3), predicate(15, sve::unqualified),
-                                predicate(4, size));
-          });
+      const aarch64_p_reg p4 = predicate(4, size), p15 = predicate(15, sve::unqualified);
+      const cpu_state incremented = with_x(3, state.x[3] + active);
+      expect("incp", incremented, sve_incp_rp(&state, x_both_ways(3), p4));
+      expect("incp xzr", incremented, sve_incp_rp(&state, x_both_ways(31), p4));
+      const cpu_state counted = with_x(3, both);
+      expect("cntp", counted, sve_cntp_rpp(&state, x_one_way(3), p15, p4));
     }
   }
 }
@@ -138,29 +129,23 @@ TEST_F(Counting, WhileAtTheLimitsOfItsCounter) {
       const unsigned bytes = 1U << size;
       byte every[vector_bytes];
       std::memset(every, 1, vector_bytes);
-      const auto change = [&](cpu_state& s) {
-        std::memset(s.p[14], 0, vector_bytes);
-        for (unsigned i = 0; i < std::min<u64>(c.true_elements, vector_bytes / bytes); ++i) {
-          put(s.p[14], i, bytes, 1);
-        }
-        set_model_flags(s, every, s.p[14], bytes);
-      };
-      expect(c.name, change, [&](cpu_state* s) {
-        return c.function(s, predicate(14, size), x_one_way(1, c.width), x_one_way(2, c.width));
-      });
+      cpu_state expected = state;
+      std::memset(expected.p[14], 0, vector_bytes);
+      for (unsigned i = 0; i < std::min<u64>(c.true_elements, vector_bytes / bytes); ++i) {
+        put(expected.p[14], i, bytes, 1);
+      }
+      set_model_flags(expected, every, expected.p[14], bytes);
+      expect(c.name, expected,
+             c.function(&state, predicate(14, size), x_one_way(1, c.width), x_one_way(2, c.width)));
     }
   }
   state.x[2] = 0;
-  expect(
-      "ls of XZR and 0 at doublewords",
-      [](cpu_state& s) {
-        std::memset(s.p[0], 0, vector_bytes);
-        s.p[0][0] = 1;
-        s.nzcv = (s.nzcv & ~u64{0xf0000000}) | 0xa0000000;
-      },
-      [](cpu_state* s) {
-        return sve_whilels_prr(s, predicate(0, 3), x_one_way(31), x_one_way(2));
-      });
+  cpu_state expected = state;
+  std::memset(expected.p[0], 0, vector_bytes);
+  expected.p[0][0] = 1;
+  expected.nzcv = (state.nzcv & ~u64{0xf0000000}) | 0xa0000000;
+  expect("ls of XZR and 0 at doublewords", expected,
+         sve_whilels_prr(&state, predicate(0, 3), x_one_way(31), x_one_way(2)));
 }
 
 }  // namespace

@@ -46,6 +46,12 @@ inline aarch64_p_reg predicate(unsigned num, unsigned size) { return {num, size,
 inline aarch64_i_reg x_one_way(unsigned num, unsigned size = 3) { return {num, size, 4, 4}; }
 inline aarch64_i_reg x_both_ways(unsigned num, unsigned size = 3) { return {num, 4, size, size}; }
 
+// A call of a fast path with what each role makes of an instruction's operands.
+template <class FastPath, class... Roles>
+auto with(FastPath* fast_path, Roles... roles) {
+  return [=](cpu_state* s, const auto& operands) { return fast_path(s, roles(operands)...); };
+}
+
 // N, Z, C and V after a predicate result, as the architecture's PredTest defines them.
 inline void set_model_flags(cpu_state& s, const byte* governing, const byte* result,
                             unsigned bytes) {

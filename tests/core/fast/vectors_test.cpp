@@ -1,7 +1,7 @@
-// Vector fast paths of every shape, and every operation with limits of its own, against a scalar
-// model from random states: all sizes, register numbers so close together that operands coincide,
-// predicate bytes of every kind. The whole state is compared, so nothing else may change. What
-// legal states show of the other operations is compared with a processor elsewhere.
+// Vector fast paths, one or two of every shape, against a scalar model from random states: all
+// sizes, register numbers so close together that operands coincide, predicate bytes of every kind.
+// The whole state is compared, so nothing else may change. What the other operations make of legal
+// states is compared with a processor elsewhere.
 #include <algorithm>
 #include <functional>
 
@@ -52,33 +52,29 @@ using Call = std::function<aarch64_decode_rc(cpu_state*, const Operands&)>;
 using E = const Element&;
 using Model = u64 (*)(E e);
 
-// What handlers make of the operands for a fast path, by role.
-constexpr auto d = [](const Operands& o) { return z_one_way(o.d, o.size); };
-constexpr auto dn = [](const Operands& o) { return z_both_ways(o.d, o.size); };
-constexpr auto n = [](const Operands& o) { return z_one_way(o.n, o.size); };
-constexpr auto m = [](const Operands& o) { return z_one_way(o.m, o.size); };
-constexpr auto g = [](const Operands& o) { return predicate(o.g, sve::merging); };
-constexpr auto gz = [](const Operands& o) { return predicate(o.g, sve::zeroing); };
-constexpr auto gu = [](const Operands& o) { return predicate(o.g, sve::unqualified); };
-constexpr auto pd = [](const Operands& o) { return predicate(o.pd(), o.size); };
-constexpr auto vd = [](const Operands& o) { return o.d; };
-constexpr auto vn = [](const Operands& o) { return o.n; };
-constexpr auto xn = [](const Operands& o) { return x_one_way(o.xn, o.size); };
-constexpr auto xdn = [](const Operands& o) { return x_both_ways(o.xn, o.size); };
-constexpr auto xn_or_sp = [](const Operands& o) { return aarch64_i_rsp_reg{o.xn, o.size}; };
-constexpr auto imm = [](const Operands& o) { return o.imm; };
-constexpr auto uimm = [](const Operands& o) { return static_cast<unsigned>(o.imm); };
-constexpr auto mask = [](const Operands& o) { return aarch64_sve_logical64_imm{o.mask}; };
+using O = const Operands&;
 
-template <class FastPath, class... Roles>
-Call with(FastPath* fast_path, Roles... roles) {
-  return [=](cpu_state* s, const Operands& o) { return fast_path(s, roles(o)...); };
-}
+// What handlers make of the operands for a fast path, by role.
+constexpr auto d = [](O o) { return z_one_way(o.d, o.size); };
+constexpr auto dn = [](O o) { return z_both_ways(o.d, o.size); };
+constexpr auto n = [](O o) { return z_one_way(o.n, o.size); };
+constexpr auto m = [](O o) { return z_one_way(o.m, o.size); };
+constexpr auto g = [](O o) { return predicate(o.g, sve::merging); };
+constexpr auto gz = [](O o) { return predicate(o.g, sve::zeroing); };
+constexpr auto gu = [](O o) { return predicate(o.g, sve::unqualified); };
+constexpr auto pd = [](O o) { return predicate(o.pd(), o.size); };
+constexpr auto vd = [](O o) { return o.d; };
+constexpr auto vn = [](O o) { return o.n; };
+constexpr auto xn = [](O o) { return x_one_way(o.xn, o.size); };
+constexpr auto xdn = [](O o) { return x_both_ways(o.xn, o.size); };
+constexpr auto xn_or_sp = [](O o) { return aarch64_i_rsp_reg{o.xn, o.size}; };
+constexpr auto imm = [](O o) { return o.imm; };
+constexpr auto uimm = [](O o) { return static_cast<unsigned>(o.imm); };
+constexpr auto mask = [](O o) { return aarch64_sve_logical64_imm{o.mask}; };
 
 using std::min;
 
 u64 ratio(s64 a, s64 b) { return b == 0 ? 0 : b == -1 ? -static_cast<u64>(a) : u64(a / b); }
-u64 ratio(u64 a, u64 b) { return b == 0 ? 0 : a / b; }
 u64 shl(u64 a, u64 n, unsigned w) { return n < w ? a << n : 0; }
 u64 shr(s64 a, u64 n, unsigned w) { return u64(a >> std::min<u64>(n, w - 1)); }
 u64 extended(u64 a, unsigned bits) { return static_cast<u64>(sign_extended(a, bits)); }
@@ -101,17 +97,10 @@ struct VectorCase {
 
 const VectorCase vector_cases[] = {
     {"add_zpz", 0, 3, merging, with(sve_add_zpz, dn, g, n), [](E e) { return e.d + e.n; }},
-    {"sub_zpz", 0, 3, merging, with(sve_sub_zpz, dn, g, n), [](E e) { return e.d - e.n; }},
     {"mul_zpz", 0, 3, merging, with(sve_mul_zpz, dn, g, n), [](E e) { return e.d * e.n; }},
-    {"and_zpz", 0, 3, merging, with(sve_and_zpz, dn, g, n), [](E e) { return e.d & e.n; }},
-    {"bic_zpz", 0, 3, merging, with(sve_bic_zpz, dn, g, n), [](E e) { return e.d & ~e.n; }},
     {"smin", 0, 3, merging, with(sve_smin_zpz, dn, g, n), [](E e) { return u64(min(e.sd, e.sn)); }},
-    {"umin", 0, 3, merging, with(sve_umin_zpz, dn, g, n), [](E e) { return min(e.d, e.n); }},
     {"sdiv", 2, 3, merging, with(sve_sdiv_zpz, dn, g, n), [](E e) { return ratio(e.sd, e.sn); }},
-    {"udiv", 2, 3, merging, with(sve_udiv_zpz, dn, g, n), [](E e) { return ratio(e.d, e.n); }},
-    {"udivr", 2, 3, merging, with(sve_udivr_zpz, dn, g, n), [](E e) { return ratio(e.n, e.d); }},
     {"neg", 0, 3, merging, with(sve_neg_zpz, d, g, n), [](E e) { return -e.n; }},
-    {"msb", 0, 3, merging, with(sve_msb_zpzz, dn, g, n, m), [](E e) { return e.m - e.d * e.n; }},
     {"mla", 0, 3, merging, with(sve_mla_zpzz, dn, g, n, m), [](E e) { return e.d + e.n * e.m; }},
     {"sel", 0, 3, all, with(sve_sel_zpzz, d, gu, n, m), [](E e) { return e.active ? e.n : e.m; }},
     {"add_zzz", 0, 3, all, with(sve_add_zzz, d, n, m), [](E e) { return e.n + e.m; }},
@@ -129,8 +118,6 @@ const VectorCase vector_cases[] = {
      [](E e) { return shr(e.sd, e.shift, e.w); }},
     {"lsl_zzi", 0, 3, all, with(sve_lsl_zzi, d, n, uimm),
      [](E e) { return shl(e.n, e.shift, e.w); }},
-    {"asr_zzi", 0, 3, all, with(sve_asr_zzi, d, n, uimm),
-     [](E e) { return shr(e.sn, e.shift, e.w); }},
     {"dup_zi", 0, 3, all, with(sve_dup_zi, d, imm), [](E e) { return e.imm; }},
     {"dup_zr", 0, 3, all, with(sve_dup_zr, d, xn_or_sp), [](E e) { return e.xn_or_sp; }},
     {"dup_zzi", 0, 3, all, with(sve_dup_zzi, d, n, uimm),
@@ -144,8 +131,6 @@ const VectorCase vector_cases[] = {
     {"movprfx/m", 0, 3, merging, with(sve_movprfx_zpz, d, g, n), [](E e) { return e.n; }},
     {"movprfx/z", 0, 3, zeroing, with(sve_movprfx_zpz, d, gz, n), [](E e) { return e.n; }},
     {"sxtb", 1, 3, merging, with(sve_sxtb_zpz, d, g, n), [](E e) { return extended(e.n, 8); }},
-    {"sxtw", 3, 3, merging, with(sve_sxtw_zpz, d, g, n), [](E e) { return extended(e.n, 32); }},
-    {"uxth", 2, 3, merging, with(sve_uxth_zpz, d, g, n), [](E e) { return low_bits(e.n, 16); }},
     {"rbit", 0, 3, merging, with(sve_rbit_zpz, d, g, n), [](E e) { return reversed(e.n, e.w); }},
     {"revw", 3, 3, merging, with(sve_revw_zpz, d, g, n), [](E e) { return e.n << 32 | e.n >> 32; }},
     {"adr", 3, 3, all, with(sve_adr_scaled_zzz, d, n, m),
@@ -162,8 +147,6 @@ const VectorCase vector_cases[] = {
      }},
     {"uunpkhi_h2s", 2, 2, all, with(sve_uunpkhi_h2s_zz, d, n),
      [](E e) { return e.narrow_n(e.count + e.i); }},
-    {"sunpklo_s2d", 3, 3, all, with(sve_sunpklo_s2d_zz, d, n),
-     [](E e) { return extended(e.narrow_n(e.i), 32); }},
 };
 
 class Vectors : public RandomMachine {
@@ -178,13 +161,18 @@ class Vectors : public RandomMachine {
     o.mask = doubleword();
   }
 
-  // Runs `call` on one copy of the state and the model on another.
-  void expect_same(const char* name, const std::function<void(cpu_state&)>& model,
-                   const Call& call) {
-    cpu_state expected = state, actual = state;
-    model(expected);
-    EXPECT_EQ(call(&actual, o), aarch64_decode_ok);
-    EXPECT_EQ(difference(expected, actual), "") << name << " at size " << size_names[o.size];
+  // In many states, `call` on one copy and the model on another must make the same of them.
+  void compare(const char* name, unsigned smallest, unsigned largest, const Call& call,
+               const std::function<void(cpu_state&)>& model) {
+    for (unsigned size = smallest; size <= largest; ++size) {
+      for (int round = 0; round < rounds && !HasFailure(); ++round) {
+        draw(size);
+        cpu_state expected = state, actual = state;
+        model(expected);
+        EXPECT_EQ(call(&actual, o), aarch64_decode_ok);
+        EXPECT_EQ(difference(expected, actual), "") << name << " at size " << size_names[o.size];
+      }
+    }
   }
 
   Element element(unsigned i) const { return {state, o, i}; }
@@ -196,22 +184,16 @@ class Vectors : public RandomMachine {
 
 TEST_F(Vectors, AgreeWithTheScalarModel) {
   for (const VectorCase& c : vector_cases) {
-    for (unsigned size = c.smallest; size <= c.largest; ++size) {
-      for (int round = 0; round < rounds && !HasFailure(); ++round) {
-        draw(size);
-        const auto model = [&](cpu_state& s) {
-          for (unsigned i = 0; i < count(); ++i) {
-            const Element e = element(i);
-            if (c.written == all || e.active) {
-              put(s.z[o.d], i, e.bytes, c.model(e));
-            } else if (c.written == zeroing) {
-              put(s.z[o.d], i, e.bytes, 0);
-            }
-          }
-        };
-        expect_same(c.name, model, c.call);
+    compare(c.name, c.smallest, c.largest, c.call, [&](cpu_state& s) {
+      for (unsigned i = 0; i < count(); ++i) {
+        const Element e = element(i);
+        if (c.written == all || e.active) {
+          put(s.z[o.d], i, e.bytes, c.model(e));
+        } else if (c.written == zeroing) {
+          put(s.z[o.d], i, e.bytes, 0);
+        }
       }
-    }
+    });
   }
 }
 
@@ -225,30 +207,22 @@ s64 low_imm(E e) { return sign_extended(e.imm, e.w); }
 u64 low_uimm(E e) { return low_bits(e.uimm, e.w); }
 
 const CompareCase compare_cases[] = {
-    {"cmpeq_ppzz", with(sve_cmpeq_ppzz, pd, gz, n, m), [](E e) { return e.n == e.m; }},
     {"cmpgt_ppzz", with(sve_cmpgt_ppzz, pd, gz, n, m), [](E e) { return e.sn > e.sm; }},
-    {"cmphs_ppzz", with(sve_cmphs_ppzz, pd, gz, n, m), [](E e) { return e.n >= e.m; }},
     {"cmplt_ppzi", with(sve_cmplt_ppzi, pd, gz, n, imm), [](E e) { return e.sn < low_imm(e); }},
     {"cmphi_ppzi", with(sve_cmphi_ppzi, pd, gz, n, uimm), [](E e) { return e.n > low_uimm(e); }},
 };
 
 TEST_F(Vectors, ComparesAgreeWithTheScalarModel) {
   for (const CompareCase& c : compare_cases) {
-    for (unsigned size = 0; size < 4; ++size) {
-      for (int round = 0; round < rounds && !HasFailure(); ++round) {
-        draw(size);
-        const auto model = [&](cpu_state& s) {
-          byte result[vector_bytes] = {};
-          for (unsigned i = 0; i < count(); ++i) {
-            const Element e = element(i);
-            put(result, i, e.bytes, u64{e.active && c.holds(e)});
-          }
-          set_model_flags(s, state.p[o.g], result, 1U << size);
-          std::memcpy(s.p[o.pd()], result, vector_bytes);
-        };
-        expect_same(c.name, model, c.call);
+    compare(c.name, 0, 3, c.call, [&](cpu_state& s) {
+      byte result[vector_bytes] = {};
+      for (unsigned i = 0; i < count(); ++i) {
+        const Element e = element(i);
+        put(result, i, e.bytes, u64{e.active && c.holds(e)});
       }
-    }
+      set_model_flags(s, state.p[o.g], result, 1U << o.size);
+      std::memcpy(s.p[o.pd()], result, vector_bytes);
+    });
   }
 }
 
@@ -260,13 +234,9 @@ struct ReductionCase {
   enum { element_0, doubleword_0, general } destination;
 };
 
-s64 extended_sum(u64 sum, E e) { return sign_extended(sum, e.w); }
-
 const ReductionCase reduction_cases[] = {
     {"andv", with(sve_andv_vpz, vd, gu, n), [](E) { return ~u64{0}; },
      [](u64 sum, E e) { return sum & e.n; }, ReductionCase::element_0},
-    {"sminv", with(sve_sminv_vpz, vd, gu, n), [](E e) { return (u64{1} << (e.w - 1)) - 1; },
-     [](u64 sum, E e) { return u64(min(extended_sum(sum, e), e.sn)); }, ReductionCase::element_0},
     {"uaddv", with(sve_uaddv_vpz, vd, gu, n), [](E) { return u64{0}; },
      [](u64 sum, E e) { return sum + e.n; }, ReductionCase::doubleword_0},
     {"lastb_vpz", with(sve_lastb_vpz, vd, gu, n), [](E e) { return e.nth_n(e.count - 1); },
@@ -279,25 +249,19 @@ const ReductionCase reduction_cases[] = {
 
 TEST_F(Vectors, ReductionsAgreeWithTheScalarModel) {
   for (const ReductionCase& c : reduction_cases) {
-    for (unsigned size = 0; size < 4; ++size) {
-      for (int round = 0; round < rounds && !HasFailure(); ++round) {
-        draw(size);
-        const auto model = [&](cpu_state& s) {
-          u64 sum = c.start(element(0));
-          for (unsigned i = 0; i < count(); ++i) {
-            if (element(i).active) sum = c.next(sum, element(i));
-          }
-          if (c.destination != ReductionCase::doubleword_0) sum = low_bits(sum, 8U << size);
-          if (c.destination == ReductionCase::general) {
-            if (o.xn < 31) s.x[o.xn] = sum;
-          } else {
-            std::memset(s.z[o.d], 0, vector_bytes);
-            put(s.z[o.d], 0, 8, sum);
-          }
-        };
-        expect_same(c.name, model, c.call);
+    compare(c.name, 0, 3, c.call, [&](cpu_state& s) {
+      u64 sum = c.start(element(0));
+      for (unsigned i = 0; i < count(); ++i) {
+        if (element(i).active) sum = c.next(sum, element(i));
       }
-    }
+      if (c.destination != ReductionCase::doubleword_0) sum = low_bits(sum, 8U << o.size);
+      if (c.destination == ReductionCase::general) {
+        if (o.xn < 31) s.x[o.xn] = sum;
+      } else {
+        std::memset(s.z[o.d], 0, vector_bytes);
+        put(s.z[o.d], 0, 8, sum);
+      }
+    });
   }
 }
 

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "guarded_memory.h"
@@ -17,81 +19,51 @@ namespace {
 
 using sve::vector_bytes;
 
-struct Form {
+// What a name says: ld or st, nt perhaps, the number of registers, r where one element is
+// replicated, s where its sign is extended, the memory element, and the register element where it
+// is wider.
+struct Shape {
+  explicit constexpr Shape(std::string_view name) {
+    std::size_t at = name.find_first_of("1234");
+    registers = static_cast<std::size_t>(name[at++] - '0');
+    if (name[at] == 'r') ++at;
+    sign = name[at] == 's';
+    if (sign) ++at;
+    memory_bytes = bytes_of(name[at++]);
+    element_bytes = at < name.size() ? bytes_of(name[at + 1]) : memory_bytes;
+  }
+  static constexpr std::size_t bytes_of(char letter) {
+    return letter == 'b' ? 1 : letter == 'h' ? 2 : letter == 'd' ? 8 : 4;
+  }
+  std::size_t elements() const { return vector_bytes / element_bytes; }
+
+  std::size_t registers, memory_bytes, element_bytes;
+  bool sign;
+};
+
+struct Form : Shape {
+  constexpr Form(const char* form_name, sve::contiguous_zpri* i, sve::contiguous_scaled_zprr* x)
+      : Shape(form_name), name(form_name), immediate(i), indexed(x) {}
+
   const char* name;
   sve::contiguous_zpri* immediate;
   sve::contiguous_scaled_zprr* indexed;
-  std::size_t memory_bytes;
-  bool sign;
-  std::size_t element_bytes;
-  std::size_t registers;
-
-  std::size_t elements() const { return vector_bytes / element_bytes; }
 };
 
-const Form loads[] = {
-    {"ld1b", sve_ld1b_zpri, sve_ld1b_scaled_zprr, 1, false, 1, 1},
-    {"ld1b_h", sve_ld1b_h_zpri, sve_ld1b_h_scaled_zprr, 1, false, 2, 1},
-    {"ld1b_s", sve_ld1b_s_zpri, sve_ld1b_s_scaled_zprr, 1, false, 4, 1},
-    {"ld1b_d", sve_ld1b_d_zpri, sve_ld1b_d_scaled_zprr, 1, false, 8, 1},
-    {"ld1h", sve_ld1h_zpri, sve_ld1h_scaled_zprr, 2, false, 2, 1},
-    {"ld1h_s", sve_ld1h_s_zpri, sve_ld1h_s_scaled_zprr, 2, false, 4, 1},
-    {"ld1h_d", sve_ld1h_d_zpri, sve_ld1h_d_scaled_zprr, 2, false, 8, 1},
-    {"ld1w", sve_ld1w_zpri, sve_ld1w_scaled_zprr, 4, false, 4, 1},
-    {"ld1w_d", sve_ld1w_d_zpri, sve_ld1w_d_scaled_zprr, 4, false, 8, 1},
-    {"ld1d", sve_ld1d_zpri, sve_ld1d_scaled_zprr, 8, false, 8, 1},
-    {"ld1sb_h", sve_ld1sb_h_zpri, sve_ld1sb_h_scaled_zprr, 1, true, 2, 1},
-    {"ld1sb_s", sve_ld1sb_s_zpri, sve_ld1sb_s_scaled_zprr, 1, true, 4, 1},
-    {"ld1sb_d", sve_ld1sb_d_zpri, sve_ld1sb_d_scaled_zprr, 1, true, 8, 1},
-    {"ld1sh_s", sve_ld1sh_s_zpri, sve_ld1sh_s_scaled_zprr, 2, true, 4, 1},
-    {"ld1sh_d", sve_ld1sh_d_zpri, sve_ld1sh_d_scaled_zprr, 2, true, 8, 1},
-    {"ld1sw_d", sve_ld1sw_d_zpri, sve_ld1sw_d_scaled_zprr, 4, true, 8, 1},
-    {"ldnt1b", sve_ldnt1b_zpri, sve_ldnt1b_scaled_zprr, 1, false, 1, 1},
-    {"ldnt1h", sve_ldnt1h_zpri, sve_ldnt1h_scaled_zprr, 2, false, 2, 1},
-    {"ldnt1w", sve_ldnt1w_zpri, sve_ldnt1w_scaled_zprr, 4, false, 4, 1},
-    {"ldnt1d", sve_ldnt1d_zpri, sve_ldnt1d_scaled_zprr, 8, false, 8, 1},
-    {"ld2b", sve_ld2b_zpri, sve_ld2b_scaled_zprr, 1, false, 1, 2},
-    {"ld2h", sve_ld2h_zpri, sve_ld2h_scaled_zprr, 2, false, 2, 2},
-    {"ld2w", sve_ld2w_zpri, sve_ld2w_scaled_zprr, 4, false, 4, 2},
-    {"ld2d", sve_ld2d_zpri, sve_ld2d_scaled_zprr, 8, false, 8, 2},
-    {"ld3b", sve_ld3b_zpri, sve_ld3b_scaled_zprr, 1, false, 1, 3},
-    {"ld3h", sve_ld3h_zpri, sve_ld3h_scaled_zprr, 2, false, 2, 3},
-    {"ld3w", sve_ld3w_zpri, sve_ld3w_scaled_zprr, 4, false, 4, 3},
-    {"ld3d", sve_ld3d_zpri, sve_ld3d_scaled_zprr, 8, false, 8, 3},
-    {"ld4b", sve_ld4b_zpri, sve_ld4b_scaled_zprr, 1, false, 1, 4},
-    {"ld4h", sve_ld4h_zpri, sve_ld4h_scaled_zprr, 2, false, 2, 4},
-    {"ld4w", sve_ld4w_zpri, sve_ld4w_scaled_zprr, 4, false, 4, 4},
-    {"ld4d", sve_ld4d_zpri, sve_ld4d_scaled_zprr, 8, false, 8, 4},
-};
+#define FORM(name) Form(#name, sve_##name##_zpri, sve_##name##_scaled_zprr)
 
+const Form loads[] = {FORM(ld1b),    FORM(ld1b_h),  FORM(ld1b_s),  FORM(ld1b_d),  FORM(ld1h),
+                      FORM(ld1h_s),  FORM(ld1h_d),  FORM(ld1w),    FORM(ld1w_d),  FORM(ld1d),
+                      FORM(ld1sb_h), FORM(ld1sb_s), FORM(ld1sb_d), FORM(ld1sh_s), FORM(ld1sh_d),
+                      FORM(ld1sw_d), FORM(ldnt1b),  FORM(ldnt1h),  FORM(ldnt1w),  FORM(ldnt1d),
+                      FORM(ld2b),    FORM(ld2h),    FORM(ld2w),    FORM(ld2d),    FORM(ld3b),
+                      FORM(ld3h),    FORM(ld3w),    FORM(ld3d),    FORM(ld4b),    FORM(ld4h),
+                      FORM(ld4w),    FORM(ld4d)};
 const Form stores[] = {
-    {"st1b", sve_st1b_zpri, sve_st1b_scaled_zprr, 1, false, 1, 1},
-    {"st1b_h", sve_st1b_h_zpri, sve_st1b_h_scaled_zprr, 1, false, 2, 1},
-    {"st1b_s", sve_st1b_s_zpri, sve_st1b_s_scaled_zprr, 1, false, 4, 1},
-    {"st1b_d", sve_st1b_d_zpri, sve_st1b_d_scaled_zprr, 1, false, 8, 1},
-    {"st1h", sve_st1h_zpri, sve_st1h_scaled_zprr, 2, false, 2, 1},
-    {"st1h_s", sve_st1h_s_zpri, sve_st1h_s_scaled_zprr, 2, false, 4, 1},
-    {"st1h_d", sve_st1h_d_zpri, sve_st1h_d_scaled_zprr, 2, false, 8, 1},
-    {"st1w", sve_st1w_zpri, sve_st1w_scaled_zprr, 4, false, 4, 1},
-    {"st1w_d", sve_st1w_d_zpri, sve_st1w_d_scaled_zprr, 4, false, 8, 1},
-    {"st1d", sve_st1d_zpri, sve_st1d_scaled_zprr, 8, false, 8, 1},
-    {"stnt1b", sve_stnt1b_zpri, sve_stnt1b_scaled_zprr, 1, false, 1, 1},
-    {"stnt1h", sve_stnt1h_zpri, sve_stnt1h_scaled_zprr, 2, false, 2, 1},
-    {"stnt1w", sve_stnt1w_zpri, sve_stnt1w_scaled_zprr, 4, false, 4, 1},
-    {"stnt1d", sve_stnt1d_zpri, sve_stnt1d_scaled_zprr, 8, false, 8, 1},
-    {"st2b", sve_st2b_zpri, sve_st2b_scaled_zprr, 1, false, 1, 2},
-    {"st2h", sve_st2h_zpri, sve_st2h_scaled_zprr, 2, false, 2, 2},
-    {"st2w", sve_st2w_zpri, sve_st2w_scaled_zprr, 4, false, 4, 2},
-    {"st2d", sve_st2d_zpri, sve_st2d_scaled_zprr, 8, false, 8, 2},
-    {"st3b", sve_st3b_zpri, sve_st3b_scaled_zprr, 1, false, 1, 3},
-    {"st3h", sve_st3h_zpri, sve_st3h_scaled_zprr, 2, false, 2, 3},
-    {"st3w", sve_st3w_zpri, sve_st3w_scaled_zprr, 4, false, 4, 3},
-    {"st3d", sve_st3d_zpri, sve_st3d_scaled_zprr, 8, false, 8, 3},
-    {"st4b", sve_st4b_zpri, sve_st4b_scaled_zprr, 1, false, 1, 4},
-    {"st4h", sve_st4h_zpri, sve_st4h_scaled_zprr, 2, false, 2, 4},
-    {"st4w", sve_st4w_zpri, sve_st4w_scaled_zprr, 4, false, 4, 4},
-    {"st4d", sve_st4d_zpri, sve_st4d_scaled_zprr, 8, false, 8, 4},
-};
+    FORM(st1b), FORM(st1b_h), FORM(st1b_s), FORM(st1b_d), FORM(st1h),   FORM(st1h_s), FORM(st1h_d),
+    FORM(st1w), FORM(st1w_d), FORM(st1d),   FORM(stnt1b), FORM(stnt1h), FORM(stnt1w), FORM(stnt1d),
+    FORM(st2b), FORM(st2h),   FORM(st2w),   FORM(st2d),   FORM(st3b),   FORM(st3h),   FORM(st3w),
+    FORM(st3d), FORM(st4b),   FORM(st4h),   FORM(st4w),   FORM(st4d)};
 
 constexpr aarch64_z_reg zt{30, 0, 0, 0};  // lists of more than two registers wrap to Z0
 constexpr aarch64_p_reg pg{3, sve::zeroing, 0, 0};
@@ -102,21 +74,21 @@ class ContiguousMemory : public testing::Test {
     // Random bytes everywhere: predicate bytes are true by bit 0 alone, with the other bits set
     // too.
     auto* bytes = reinterpret_cast<unsigned char*>(state.get());
-    for (std::size_t i = 0; i < sizeof(cpu_state); ++i) bytes[i] = byte();
+    std::generate_n(bytes, sizeof(cpu_state), [this] { return byte(); });
   }
 
   unsigned char byte() { return static_cast<unsigned char>(random()); }
 
   void randomise_memory() {
-    for (std::size_t i = 0; i < memory.size(); ++i) memory.data()[i] = byte();
+    std::generate_n(memory.data(), memory.size(), [this] { return byte(); });
   }
 
-  bool active(const Form& form, std::size_t e) const {
+  bool active(const Shape& form, std::size_t e) const {
     return (state->p[pg.num][e * form.element_bytes] & 1) != 0;
   }
 
   // Governing predicates: all, none, one element, and random ones with many and few gaps.
-  void choose_predicate(const Form& form, unsigned choice) {
+  void choose_predicate(const Shape& form, unsigned choice) {
     const std::size_t lone = random() % form.elements();
     for (std::size_t e = 0; e < form.elements(); ++e) {
       const bool truths[] = {true, false, e == lone, random() % 2 != 0, random() % 8 == 0};
@@ -127,7 +99,7 @@ class ContiguousMemory : public testing::Test {
 
   // The address of element 0 for which the active elements touch the lower or the upper guard
   // page; where nothing is active, an address that must not be accessed at all.
-  std::uint64_t place(const Form& form, bool at_end) const {
+  std::uint64_t place(const Shape& form, bool at_end) const {
     const std::size_t step = form.memory_bytes * form.registers;
     std::size_t first = form.elements(), last = 0;
     for (std::size_t e = 0; e < form.elements(); ++e) {
@@ -160,12 +132,12 @@ class ContiguousMemory : public testing::Test {
     }
   }
 
-  static std::size_t offset(const Form& form, std::size_t e, std::size_t r) {
+  static std::size_t offset(const Shape& form, std::size_t e, std::size_t r) {
     return (e * form.registers + r) * form.memory_bytes;
   }
 
   // The element as it arrives in a register: extended to 8 bytes.
-  std::int64_t loaded(const Form& form, std::uint64_t address) const {
+  std::int64_t loaded(const Shape& form, std::uint64_t address) const {
     std::int64_t value = 0;
     std::memcpy(&value, memory.data() + (address - memory.begin()), form.memory_bytes);
     const int shift = 64 - 8 * static_cast<int>(form.memory_bytes);
@@ -232,24 +204,15 @@ TEST_F(ContiguousMemory, StoresWriteExactlyTheActiveElements) {
 }
 
 TEST_F(ContiguousMemory, ReplicatingLoads) {
-  const struct {
-    const char* name;
-    sve::replicate_zpri* f;
-    std::size_t memory_bytes;
-    bool sign;
-    std::size_t element_bytes;
-  } forms[] = {
-      {"ld1rb", sve_ld1rb_zpri, 1, false, 1},      {"ld1rb_h", sve_ld1rb_h_zpri, 1, false, 2},
-      {"ld1rb_s", sve_ld1rb_s_zpri, 1, false, 4},  {"ld1rb_d", sve_ld1rb_d_zpri, 1, false, 8},
-      {"ld1rh", sve_ld1rh_zpri, 2, false, 2},      {"ld1rh_s", sve_ld1rh_s_zpri, 2, false, 4},
-      {"ld1rh_d", sve_ld1rh_d_zpri, 2, false, 8},  {"ld1rw", sve_ld1rw_zpri, 4, false, 4},
-      {"ld1rw_d", sve_ld1rw_d_zpri, 4, false, 8},  {"ld1rd", sve_ld1rd_zpri, 8, false, 8},
-      {"ld1rsb_h", sve_ld1rsb_h_zpri, 1, true, 2}, {"ld1rsb_s", sve_ld1rsb_s_zpri, 1, true, 4},
-      {"ld1rsb_d", sve_ld1rsb_d_zpri, 1, true, 8}, {"ld1rsh_s", sve_ld1rsh_s_zpri, 2, true, 4},
-      {"ld1rsh_d", sve_ld1rsh_d_zpri, 2, true, 8}, {"ld1rsw_d", sve_ld1rsw_d_zpri, 4, true, 8},
-  };
-  for (const auto& f : forms) {
-    const Form form{f.name, nullptr, nullptr, f.memory_bytes, f.sign, f.element_bytes, 1};
+#define REPLICATE(name) \
+  { #name, sve_##name##_zpri }
+  const std::pair<const char*, sve::replicate_zpri*> forms[] = {
+      REPLICATE(ld1rb),    REPLICATE(ld1rb_h),  REPLICATE(ld1rb_s),  REPLICATE(ld1rb_d),
+      REPLICATE(ld1rh),    REPLICATE(ld1rh_s),  REPLICATE(ld1rh_d),  REPLICATE(ld1rw),
+      REPLICATE(ld1rw_d),  REPLICATE(ld1rd),    REPLICATE(ld1rsb_h), REPLICATE(ld1rsb_s),
+      REPLICATE(ld1rsb_d), REPLICATE(ld1rsh_s), REPLICATE(ld1rsh_d), REPLICATE(ld1rsw_d)};
+  for (const auto& [name, replicate] : forms) {
+    const Shape form(name);
     for (unsigned choice = 0; choice < 10; ++choice) {
       choose_predicate(form, choice % 5);
       randomise_memory();
@@ -258,14 +221,14 @@ TEST_F(ContiguousMemory, ReplicatingLoads) {
       const std::uint64_t address =
           choice % 2 == 0 ? memory.begin() : memory.end() - form.memory_bytes;
       state->sp = none ? 8 : address - imm * form.memory_bytes;
-      f.f(state.get(), zt, pg, {31, sve::D}, imm);
+      replicate(state.get(), zt, pg, {31, sve::D}, imm);
       const std::int64_t value = loaded(form, address);
       const std::int64_t zero = 0;
       for (std::size_t e = 0; e < form.elements(); ++e) {
         EXPECT_EQ(std::memcmp(state->z[zt.num] + e * form.element_bytes,
                               active(form, e) ? &value : &zero, form.element_bytes),
                   0)
-            << form.name << " element " << e;
+            << name << " element " << e;
       }
     }
   }
@@ -299,8 +262,7 @@ TEST_F(ContiguousMemory, WholeRegistersMoveTheirBytesAndNoMore) {
 
 TEST_F(ContiguousMemory, StructuredLoadsCountTheirOffsetInElements) {
   randomise_memory();
-  const Form form = loads[26];
-  ASSERT_STREQ(form.name, "ld3w");
+  const Shape form("ld3w");
   choose_predicate(form, 0);
   state->x[1] = memory.begin() + 8;
   sve_ldN_zpri<std::uint32_t, std::uint32_t, 3>(state.get(), zt, pg, {1, sve::D}, -2);

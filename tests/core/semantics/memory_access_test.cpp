@@ -70,12 +70,9 @@ TEST_F(MemoryAccess, GuardedReadsAtTheEdgesOfAPage) {
 }
 
 TEST_F(MemoryAccess, GuardedReadsOfWildAddressesAndBusErrors) {
-  const std::uint64_t addresses[] = {0,
-                                     ~std::uint64_t{0},
-                                     ~std::uint64_t{6},
-                                     0x8000000000000000,
-                                     0x0123456789abcdef,
-                                     page_without_memory()};
+  constexpr std::uint64_t last = ~std::uint64_t{0};
+  const std::uint64_t addresses[] = {
+      0, last, last - 6, 0x8000000000000000, 0x0123456789abcdef, page_without_memory()};
   for (const std::uint64_t address : addresses) {
     bool fault = false;
     EXPECT_EQ(ReadMemLib8(address, 0, &fault, &ctx), 0U) << address;
@@ -102,16 +99,12 @@ TEST_F(MemoryAccess, GuardedFaultsLeaveTheSignalMaskAlone) {
 }
 
 TEST_F(MemoryAccess, WritesTouchExactlyTheirBytes) {
-  const struct {
-    std::function<void(std::uint64_t)> write;
-    unsigned bytes;
-  } writes[] = {
-      {[this](std::uint64_t a) { WriteMemLib1(0xf1, a, &ctx); }, 1},
-      {[this](std::uint64_t a) { WriteMemLib2(0xf1f2, a, &ctx); }, 2},
-      {[this](std::uint64_t a) { WriteMemLib4(0xf1f2f3f4, a, &ctx); }, 4},
-      {[this](std::uint64_t a) { WriteMemLib8(0xf1f2f3f4f5f6f7f8, a, &ctx); }, 8},
-  };
-  for (const auto& [write, bytes] : writes) {
+  const std::function<void(std::uint64_t)> writes[] = {
+      [this](std::uint64_t a) { WriteMemLib1(0xf1, a, &ctx); },
+      [this](std::uint64_t a) { WriteMemLib2(0xf1f2, a, &ctx); },
+      [this](std::uint64_t a) { WriteMemLib4(0xf1f2f3f4, a, &ctx); },
+      [this](std::uint64_t a) { WriteMemLib8(0xf1f2f3f4f5f6f7f8, a, &ctx); }};
+  for (unsigned bytes = 1; const auto& write : writes) {
     memory.fill(0);
     write(memory.end() - bytes);
     write(memory.begin() + 1);
@@ -119,6 +112,7 @@ TEST_F(MemoryAccess, WritesTouchExactlyTheirBytes) {
     EXPECT_EQ(expected(memory.end() - bytes - 8, 8), 0U);
     EXPECT_EQ(expected(memory.begin(), 1), 0U);
     EXPECT_EQ(expected(memory.begin() + 1 + bytes, 8), 0U);
+    bytes *= 2;
   }
 }
 
@@ -171,76 +165,60 @@ TEST_F(MemoryAccess, InitialisesOnce) {
   sigaction(SIGBUS, &restored, nullptr);
 }
 
-std::string message(const std::string& signal) {
-  return "velox's SVESigHandler caught signal " + signal +
-         " from the process being emulated, passing it to the default signal handler\\.\n";
-}
-
-// What kills the process: each in a child of its own.
-class UnguardedFaultDeathTest : public MemoryAccess {
- protected:
-  UnguardedFaultDeathTest() {
-    std::memset(state->p, 1, sizeof state->p);
-    const rlimit no_core_file{0, 0};
-    setrlimit(RLIMIT_CORE, &no_core_file);
-  }
-
-  void expect_death(const char* what, int signal, const std::function<void()>& access) {
-    EXPECT_EXIT(access(), testing::KilledBySignal(signal),
-                message(signal == SIGSEGV ? "SIGSEGV" : "SIGBUS"))
-        << what;
-  }
-
-  std::unique_ptr<cpu_state> state = std::make_unique<cpu_state>();
-};
+// What kills the process: each in a child of its own, after the message.
+class UnguardedFaultDeathTest : public MemoryAccess {};
 
 TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
+  const rlimit no_core_file{0, 0};
+  setrlimit(RLIMIT_CORE, &no_core_file);
   const aarch64_z_reg z{0, 0, 0, 0};
   const aarch64_p_reg p{0, 0, 0, 0};
   const aarch64_i_rsp_reg x{0, 0};
+  const auto state = std::make_unique<cpu_state>();
   cpu_state* s = state.get();
+  std::memset(s->p, 1, sizeof s->p);
   s->x[0] = memory.end() - 5;
+  const std::uint64_t bus = page_without_memory();
   const struct {
     const char* what;
+    int signal;
     std::function<void()> access;
   } faults[] = {
-      {"load", [&] { sve_ld1w_zpri(s, z, p, x, 0); }},
-      {"store", [&] { sve_st1b_zpri(s, z, p, x, 0); }},
-      {"structure load", [&] { sve_ld3h_zpri(s, z, p, x, 0); }},
-      {"structure store", [&] { sve_st4d_zpri(s, z, p, x, 0); }},
-      {"replicating load", [&] { sve_ld1rd_zpri(s, z, p, x, 0); }},
-      {"fill", [&] { sve_ldr_zri(s, z, x, 0); }},
-      {"spill", [&] { sve_str_zri(s, z, x, 1); }},
-      {"predicate fill", [&] { sve_ldr_pri(s, p, x, 9); }},
-      {"predicate spill", [&] { sve_str_pri(s, p, x, 9); }},
-      {"reference load", [&] { ReadMemLib8(memory.end() - 7, 0, nullptr, &ctx); }},
-      {"reference store", [&] { WriteMemLib2(0, memory.end() - 1, &ctx); }},
-      {"null pointer", [&] { ReadMemLib1(0, 0, nullptr, &ctx); }},
+      {"load", SIGSEGV, [&] { sve_ld1w_zpri(s, z, p, x, 0); }},
+      {"store", SIGSEGV, [&] { sve_st1b_zpri(s, z, p, x, 0); }},
+      {"structure load", SIGSEGV, [&] { sve_ld3h_zpri(s, z, p, x, 0); }},
+      {"structure store", SIGSEGV, [&] { sve_st4d_zpri(s, z, p, x, 0); }},
+      {"replicating load", SIGSEGV, [&] { sve_ld1rd_zpri(s, z, p, x, 0); }},
+      {"fill", SIGSEGV, [&] { sve_ldr_zri(s, z, x, 0); }},
+      {"spill", SIGSEGV, [&] { sve_str_zri(s, z, x, 1); }},
+      {"predicate fill", SIGSEGV, [&] { sve_ldr_pri(s, p, x, 9); }},
+      {"predicate spill", SIGSEGV, [&] { sve_str_pri(s, p, x, 9); }},
+      {"reference load", SIGSEGV, [&] { ReadMemLib8(memory.end() - 7, 0, nullptr, &ctx); }},
+      {"reference store", SIGSEGV, [&] { WriteMemLib2(0, memory.end() - 1, &ctx); }},
+      {"null pointer", SIGSEGV, [&] { ReadMemLib1(0, 0, nullptr, &ctx); }},
+      {"load from a page without memory", SIGBUS, [&] { ReadMemLib4(bus, 0, nullptr, &ctx); }},
+      {"store to a page without memory", SIGBUS, [&] { WriteMemLib4(0, bus, &ctx); }},
+      {"another thread while this one is in a guarded read", SIGSEGV,
+       [&] {
+         SVEFaultRegion = 1;
+         if (sigsetjmp(sveFaultJB, 1) != 0) std::_Exit(0);
+         std::thread([&] { WriteMemLib1(0, memory.end(), &ctx); }).join();
+       }},
+      {"after a guarded fault", SIGSEGV,
+       [&] {
+         bool fault = false;
+         ReadMemLib1(memory.end(), 0, &fault, &ctx);
+         if (fault) ReadMemLib1(memory.end(), 0, nullptr, &ctx);
+       }},
   };
-  for (const auto& [what, access] : faults) expect_death(what, SIGSEGV, access);
-}
-
-TEST_F(UnguardedFaultDeathTest, EndsTheProcessByABusError) {
-  const std::uint64_t page = page_without_memory();
-  expect_death("load", SIGBUS, [&] { ReadMemLib4(page, 0, nullptr, &ctx); });
-  expect_death("store", SIGBUS, [&] { WriteMemLib4(0, page, &ctx); });
-}
-
-// The fault of a second thread ends the process even while this one is in a guarded read.
-TEST_F(UnguardedFaultDeathTest, OfAnotherThreadIsNotTakenForTheGuardedElement) {
-  expect_death("other thread", SIGSEGV, [&] {
-    SVEFaultRegion = 1;
-    if (sigsetjmp(sveFaultJB, 1) != 0) std::_Exit(0);
-    std::thread([&] { WriteMemLib1(0, memory.end(), &ctx); }).join();
-  });
-}
-
-TEST_F(UnguardedFaultDeathTest, AfterAGuardedOneStillEndsTheProcess) {
-  expect_death("afterwards", SIGSEGV, [&] {
-    bool fault = false;
-    ReadMemLib1(memory.end(), 0, &fault, &ctx);
-    if (fault) ReadMemLib1(memory.end(), 0, nullptr, &ctx);
-  });
+  for (const auto& [what, signal, access] : faults) {
+    const std::string name = signal == SIGSEGV ? "SIGSEGV" : "SIGBUS";
+    EXPECT_EXIT(access(), testing::KilledBySignal(signal),
+                "velox's SVESigHandler caught signal " + name +
+                    " from the process being emulated, passing it to the default signal handler"
+                    "\\.\n")
+        << what;
+  }
 }
 
 }  // namespace

@@ -3,21 +3,11 @@
 #include "sve/semantics/predicates.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <random>
-#include <string>
 
-#include "sve/state/cpu_state.h"
+#include "tests/core/semantics/context.h"
 
 namespace {
-
-constexpr unsigned lengths[] = {2, 8, 30, 32};  // in units of 64 bits
-
-CpuContext context(unsigned vl) {
-  CpuContext ctx{};
-  ctx.vl = vl;
-  return ctx;
-}
 
 // Lane 0 is the leftmost character; spaces are for the reader.
 PredV lanes(const std::string& text) {
@@ -38,12 +28,6 @@ std::string text(const PredV& p, unsigned count) {
 std::string packed(std::string text) {
   std::erase(text, ' ');
   return text;
-}
-
-// "nZCv": a capital is a flag that is set.
-std::string flags(const CpuContext& ctx) {
-  return {(ctx.nzcv & sve::flag_n) != 0 ? 'N' : 'n', (ctx.nzcv & sve::flag_z) != 0 ? 'Z' : 'z',
-          (ctx.nzcv & sve::flag_c) != 0 ? 'C' : 'c', (ctx.nzcv & sve::flag_v) != 0 ? 'V' : 'v'};
 }
 
 PredV random_predicate(std::mt19937_64& random) {
@@ -140,12 +124,8 @@ TEST(Predicates, PartitionsAndSearch) {
   } rows[] = {
       {"BRKA", VecPBreakAPZ, "0111 1111 1111 1110", "1001 0010 0000 0000", "0111000000000000",
        nullptr},
-      {"BRKA, break inactive", VecPBreakAPZ, "1110 1111 1111 1111", "0001 0100 0000 0000",
-       "1110110000000000", nullptr},
       {"BRKAS at the first", VecPBreakAFlgPZ, "0011 1111 1111 1111", "0010 0000 0000 0000",
        "0010000000000000", "NzCv"},
-      {"BRKAS, no break", VecPBreakAFlgPZ, "0011 1111 1111 1100", "1100 0000 0000 0000",
-       "0011111111111100", "Nzcv"},
       {"BRKB", VecPBreakBPZ, "0111 1111 1111 1110", "1001 0010 0000 0000", "0110000000000000",
        nullptr},
       {"BRKBS at the first", VecPBreakBFlgPZ, "0011 1111 1111 1111", "0010 0000 0000 0000",
@@ -156,12 +136,8 @@ TEST(Predicates, PartitionsAndSearch) {
        "1001010000000010", "NzCv"},
       {"PFIRST of nothing", VecPSetFirstActiveP, "0000 0000 0000 0000", "1000 0100 0000 0010",
        "1000010000000010", "nZCv"},
-      {"PNEXT from nothing", VecP8GenNextP, "0001 0001 0000 0000", "0000 0000 0000 0000",
-       "0001000000000000", "NzCv"},
       {"PNEXT starts at the highest", VecP8GenNextP, "0111 0001 0000 0001", "1010 0000 0000 0000",
        "0001000000000000", "nzCv"},
-      {"PNEXT at the end", VecP32GenNextP, "1000 1000 1000 1000", "0000 0000 0000 1000",
-       "0000000000000000", "nZCv"},
       {"PNEXT of words", VecP32GenNextP, "1111 0111 1000 1000", "1000 0100 0000 0000",
        "0000000010000000", "nzCv"},
   };
@@ -188,20 +164,10 @@ TEST(Predicates, PropagatingBreaks) {
        "1000 1000 0000 0000", "0111100000000000", "NzCv"},
       {"BRKPAS, a ended", VecPBreakPrevAFlgPZ, "0111 1111 0000 0000", "1111 1110 1111 1111",
        "0000 0000 0000 0000", "0000000000000000", "nZCv"},
-      {"BRKPAS of nothing", VecPBreakPrevAFlgPZ, "0000 0000 0000 0000", "1111 1111 1111 1111",
-       "0000 0000 0000 0000", "0000000000000000", "nZCv"},
-      {"BRKPBS", VecPBreakPrevBFlgPZ, "0111 1111 0000 0000", "0000 0001 0000 0000",
-       "1000 1000 0000 0000", "0111000000000000", "NzCv"},
       {"BRKNS goes on", VecPBreakNextFlgPZ, "0000 1100 0000 0000", "0000 0100 0000 0000",
        "1010 0000 0000 0001", "1010000000000001", "Nzcv"},
       {"BRKNS stops", VecPBreakNextFlgPZ, "0000 1100 0000 0000", "0000 1000 0000 0000",
        "1010 0000 0000 0001", "0000000000000000", "nZCv"},
-      {"ORNS under g", VecPOrNFlgPPZ, "1111 0000 0000 0011", "1010 1010 0000 0010",
-       "0011 0011 0000 0011", "1110000000000010", "NzCv"},
-      {"NANDS under g", VecPNandFlgPPZ, "1111 0000 0000 0011", "1010 1010 0000 0011",
-       "0011 0011 0000 0010", "1101000000000001", "Nzcv"},
-      {"SEL", VecPSelPP, "1111 0000 1111 0000", "1010 1010 1010 1010", "0110 0110 0110 0110",
-       "1010011010100110", "nzcv"},
   };
   for (const auto& row : rows) {
     CpuContext ctx = context(2);
@@ -236,50 +202,40 @@ TEST(Predicates, PermutesMoveWholeElements) {
   EXPECT_EQ(text(VecPUnpackHiP(a, &ctx), 16), packed("0000 1000 0000 0010"));
 }
 
-template <class Zip>
-void expect_permutes_invert_one_another(const Zip& f, unsigned vl, const PredV& a, const PredV& b) {
-  CpuContext ctx = context(vl);
-  const unsigned n = vl * 8;
-  const PredV low = f.zip1(a, b, &ctx), high = f.zip2(a, b, &ctx);
-  EXPECT_EQ(text(f.uzp1(low, high, &ctx), n), text(a, n)) << vl;
-  EXPECT_EQ(text(f.uzp2(low, high, &ctx), n), text(b, n)) << vl;
-  const PredV even = f.trn1(a, b, &ctx), odd = f.trn2(a, b, &ctx);
-  EXPECT_EQ(text(f.trn1(even, odd, &ctx), n), text(a, n)) << vl;
-  EXPECT_EQ(text(f.trn2(even, odd, &ctx), n), text(b, n)) << vl;
-  EXPECT_EQ(text(f.reverse(f.reverse(a, &ctx), &ctx), n), text(a, n)) << vl;
-  EXPECT_EQ(text(f.uzp2(a, b, &ctx), 256).find('1', n), std::string::npos);
-}
+#define PERMUTES(w)                                                                      \
+  {                                                                                      \
+    VecP##w##Zip1PP, VecP##w##Zip2PP, VecP##w##Uzp1PP, VecP##w##Uzp2PP, VecP##w##Trn1PP, \
+        VecP##w##Trn2PP, VecP##w##ReverseP                                               \
+  }
 
 TEST(Predicates, PermutesInvertOneAnotherAtEveryLength) {
   const struct {
     sve::semantics::predicate_of_two *zip1, *zip2, *uzp1, *uzp2, *trn1, *trn2;
     sve::semantics::predicate_of_one* reverse;
-  } widths[] = {
-      {VecP8Zip1PP, VecP8Zip2PP, VecP8Uzp1PP, VecP8Uzp2PP, VecP8Trn1PP, VecP8Trn2PP, VecP8ReverseP},
-      {VecP16Zip1PP, VecP16Zip2PP, VecP16Uzp1PP, VecP16Uzp2PP, VecP16Trn1PP, VecP16Trn2PP,
-       VecP16ReverseP},
-      {VecP32Zip1PP, VecP32Zip2PP, VecP32Uzp1PP, VecP32Uzp2PP, VecP32Trn1PP, VecP32Trn2PP,
-       VecP32ReverseP},
-      {VecP64Zip1PP, VecP64Zip2PP, VecP64Uzp1PP, VecP64Uzp2PP, VecP64Trn1PP, VecP64Trn2PP,
-       VecP64ReverseP}};
+  } widths[] = {PERMUTES(8), PERMUTES(16), PERMUTES(32), PERMUTES(64)};
   std::mt19937_64 random(1);
-  for (const unsigned vl : lengths) {
-    for (const auto& f : widths) {
-      for (int i = 0; i < 20; ++i) {
-        expect_permutes_invert_one_another(f, vl, random_predicate(random),
-                                           random_predicate(random));
-      }
-    }
+  for (unsigned i = 0; i < 20 * std::size(lengths) * std::size(widths); ++i) {
+    const unsigned vl = lengths[i % 4], n = vl * 8;
+    const auto& f = widths[i / 4 % 4];
+    const PredV a = random_predicate(random), b = random_predicate(random);
+    CpuContext ctx = context(vl);
+    const PredV low = f.zip1(a, b, &ctx), high = f.zip2(a, b, &ctx);
+    EXPECT_EQ(text(f.uzp1(low, high, &ctx), n), text(a, n)) << vl;
+    EXPECT_EQ(text(f.uzp2(low, high, &ctx), n), text(b, n)) << vl;
+    const PredV even = f.trn1(a, b, &ctx), odd = f.trn2(a, b, &ctx);
+    EXPECT_EQ(text(f.trn1(even, odd, &ctx), n), text(a, n)) << vl;
+    EXPECT_EQ(text(f.trn2(even, odd, &ctx), n), text(b, n)) << vl;
+    EXPECT_EQ(text(f.reverse(f.reverse(a, &ctx), &ctx), n), text(a, n)) << vl;
+    EXPECT_EQ(text(f.uzp2(a, b, &ctx), 256).find('1', n), std::string::npos);
   }
 }
 
 // A loop predicate is a run of true elements from element 0 on; this is its length.
 template <class F, class Scalar>
-std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element_bytes,
-                   CpuContext* ctx) {
-  *ctx = context(vl);
+std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element_bytes) {
+  CpuContext ctx = context(vl);
   const unsigned lane_count = vl * 8;
-  const std::string result = text(f(op1, op2, ctx), lane_count);
+  const std::string result = text(f(op1, op2, &ctx), lane_count);
   std::size_t length = 0;
   while (length * element_bytes < result.size() && result[length * element_bytes] == '1') ++length;
   std::string run;
@@ -288,30 +244,29 @@ std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element
     run.append(element_bytes - 1, '0');
   }
   EXPECT_EQ(result, run) << "not a run";
-  return std::to_string(length) + " " + flags(*ctx);
+  return std::to_string(length) + " " + flags(ctx);
 }
 
 TEST(Predicates, LoopPredicates) {
-  constexpr auto min32 = std::numeric_limits<std::int32_t>::min();
-  constexpr auto max32 = std::numeric_limits<std::int32_t>::max();
-  constexpr auto max64 = std::numeric_limits<std::int64_t>::max();
-  constexpr auto umax64 = std::numeric_limits<std::uint64_t>::max();
-  CpuContext c;
-  EXPECT_EQ(run_of(VecS8While4LESS, -3, 3, 2, 1, &c), "7 NzCv");
-  EXPECT_EQ(run_of(VecS8While4LTSS, -3, 3, 2, 1, &c), "6 NzCv");
-  EXPECT_EQ(run_of(VecS8While4LESS, 4, 3, 2, 1, &c), "0 nZCv");
-  EXPECT_EQ(run_of(VecS8While4LESS, min32, max32 - 1, 2, 1, &c), "16 Nzcv");
-  EXPECT_EQ(run_of(VecS8While4LESS, max32, max32, 2, 1, &c), "16 Nzcv") << "all, by definition";
-  EXPECT_EQ(run_of(VecS8While4LESS, max32 - 1, max32 - 1, 2, 1, &c), "1 NzCv") << "no wrap";
-  EXPECT_EQ(run_of(VecS8While4LTSS, max32 - 1, max32, 2, 1, &c), "1 NzCv") << "no shortcut";
-  EXPECT_EQ(run_of(VecS16While8LESS, max64, max64, 30, 2, &c), "120 Nzcv");
-  EXPECT_EQ(run_of(VecS64While8LTSS, std::int64_t{0}, std::int64_t{30}, 30, 8, &c), "30 Nzcv");
-  EXPECT_EQ(run_of(VecS64While8LTSS, std::int64_t{0}, std::int64_t{29}, 30, 8, &c), "29 NzCv");
-  EXPECT_EQ(run_of(VecU8While4LESS, 5U, 4U, 2, 1, &c), "0 nZCv");
-  EXPECT_EQ(run_of(VecU32While4LESS, 0xffffffffU, 0xffffffffU, 32, 4, &c), "64 Nzcv");
-  EXPECT_EQ(run_of(VecU32While4LTSS, 0xfffffffeU, 0xffffffffU, 32, 4, &c), "1 NzCv");
-  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64 - 1, 8, 8, &c), "1 NzCv");
-  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64, 8, 8, &c), "8 Nzcv");
+  constexpr auto min32 = std::numeric_limits<S32>::min();
+  constexpr auto max32 = std::numeric_limits<S32>::max();
+  constexpr auto max64 = std::numeric_limits<S64>::max();
+  constexpr auto umax64 = std::numeric_limits<U64>::max();
+  EXPECT_EQ(run_of(VecS8While4LESS, -3, 3, 2, 1), "7 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LTSS, -3, 3, 2, 1), "6 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, 4, 3, 2, 1), "0 nZCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, min32, max32 - 1, 2, 1), "16 Nzcv");
+  EXPECT_EQ(run_of(VecS8While4LESS, max32, max32, 2, 1), "16 Nzcv") << "all, by definition";
+  EXPECT_EQ(run_of(VecS8While4LESS, max32 - 1, max32 - 1, 2, 1), "1 NzCv") << "no wrap";
+  EXPECT_EQ(run_of(VecS8While4LTSS, max32 - 1, max32, 2, 1), "1 NzCv") << "no shortcut";
+  EXPECT_EQ(run_of(VecS16While8LESS, max64, max64, 30, 2), "120 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{30}, 30, 8), "30 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{29}, 30, 8), "29 NzCv");
+  EXPECT_EQ(run_of(VecU8While4LESS, 5U, 4U, 2, 1), "0 nZCv");
+  EXPECT_EQ(run_of(VecU32While4LESS, 0xffffffffU, 0xffffffffU, 32, 4), "64 Nzcv");
+  EXPECT_EQ(run_of(VecU32While4LTSS, 0xfffffffeU, 0xffffffffU, 32, 4), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64 - 1, 8, 8), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64, 8, 8), "8 Nzcv");
 }
 
 // FFR forms: read under a mask with flags, write, set.

@@ -1,0 +1,42 @@
+// What the tests of the reference functions share: contexts of any length and vectors of one value.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <string>
+
+#include "sve/semantics/semantics.h"
+#include "sve/state/cpu_state.h"
+#include "sve/state/integers.h"
+
+using namespace sve::integers;
+
+inline constexpr unsigned lengths[] = {2, 8, 30, 32};  // in units of 64 bits
+
+inline CpuContext context(unsigned vl) {
+  CpuContext ctx{};
+  ctx.vl = vl;
+  return ctx;
+}
+
+// "nZCv": a capital is a flag that is set.
+inline std::string flags(const CpuContext& ctx) {
+  std::string result = "nzcv";
+  for (unsigned i = 0; i < 4; ++i) {
+    if ((ctx.nzcv & sve::flag_n >> i) != 0) result[i] = "NZCV"[i];
+  }
+  return result;
+}
+
+template <class T>
+VecV filled(T value) {
+  VecV v;
+  for (unsigned e = 0; e < sizeof v.bytes / sizeof(T); ++e) v.set<T>(e, value);
+  return v;
+}
+
+// The one value of all elements of the vector; bytes above the vector are not looked at.
+template <class T>
+T uniform(const VecV& v, unsigned vl = 2) {
+  for (unsigned e = 1; e < context(vl).elements<T>(); ++e) EXPECT_EQ(v.get<T>(e), v.get<T>(0)) << e;
+  return v.get<T>(0);
+}
