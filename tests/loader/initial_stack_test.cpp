@@ -56,14 +56,9 @@ std::uint64_t expect_strings(stack_view& stack, const std::vector<std::uint64_t>
   return end;
 }
 
-std::array<std::byte, 16> some_bytes() {
-  std::array<std::byte, 16> bytes;
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = std::byte(i * 7 + 1);
-  return bytes;
-}
-
 TEST(initial_stack, reads_back_for_any_number_of_strings) {
-  const auto random = some_bytes();
+  std::array<std::byte, 16> random;
+  for (std::size_t i = 0; i < random.size(); ++i) random[i] = std::byte(i * 7 + 1);
   const Elf64_auxv_t own[] = {{AT_HWCAP, {0x119ffb}},
                               {AT_IGNORE, {5}},
                               {AT_PHDR, {1}},

@@ -36,10 +36,22 @@ expect() {
   [ ! -s out ] || fail "$*: wrote to standard output: $(cat out)"
 }
 
-# Changes bytes of a copy: damage NAME OFFSET BYTES (as printf's %b has them)
-damage() {
-  cp "$programs/show_start_static" "$1"
-  printf '%b' "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none
+# damaged NAME TEXT (OFFSET BYTES)...: refuses a program with other BYTES (as printf's %b has them).
+damaged() {
+  local name=$1 text=$2
+  shift 2
+  cp "$programs/show_start_static" "$name"
+  while [ $# -gt 0 ]; do
+    printf '%b' "$2" | dd of="$name" bs=1 seek="$1" conv=notrunc status=none
+    shift 2
+  done
+  expect 126 "./$name: $text" "./$name"
+}
+
+# script STATUS TEXT LINE: refuses a script that begins with LINE.
+script() {
+  printf '%b' "$3" >wrong_script && chmod +x wrong_script
+  expect "$1" "$2" ./wrong_script
 }
 
 same_start() {
@@ -90,33 +102,20 @@ expect 126 "./pipe: not a regular file" ./pipe
 expect 126 "./text: neither an ELF program nor a script" ./text
 
 # Scripts without a usable interpreter.
-printf '#!/does/not/exist\n' >script1
-printf '#! \n' >script2
-printf '#!./script3\n' >script3
-printf '#!./text\n' >script4
-chmod +x script[1-4]
-expect 127 "./script1: interpreter /does/not/exist: no such file" ./script1
-expect 126 "./script2: .*names no interpreter" ./script2
-expect 126 "./script3: scripts that interpret scripts" ./script3
-expect 126 "./text: neither" ./script4
+script 127 "./wrong_script: interpreter /does/not/exist: no such file" '#!/does/not/exist\n'
+script 126 "./wrong_script: .*names no interpreter" '#! \n'
+script 126 "./wrong_script: scripts that interpret scripts" '#!./wrong_script\n'
+script 126 "./text: neither" '#!./text\n'
 
 # Programs for other machines, and damaged ones.
-damage x86_64 18 '\0076\0'
-damage arm 4 '\0001'
-printf '\050\0' | dd of=arm bs=1 seek=18 conv=notrunc status=none
-damage big_endian 5 '\0002'
-printf '\0\267' | dd of=big_endian bs=1 seek=18 conv=notrunc status=none
-damage entry 24 '\0\0\0\0'
-damage object 16 '\0001'
-damage headers 54 '\0'
+damaged x86_64 "built for x86-64" 18 '\0076\0'
+damaged arm "built for 32-bit Arm" 4 '\0001' 18 '\050\0'
+damaged big_endian "built for big-endian AArch64" 5 '\0002' 18 '\0\0267'
+damaged entry ".*entry point" 24 '\0\0\0\0'
+damaged object "an object file" 16 '\0001'
+damaged headers ".*program headers of 0 bytes" 54 '\0'
 head -c 4000 show >truncated && chmod +x truncated
 head -c 18 show >header_only && chmod +x header_only
-expect 126 "./x86_64: built for x86-64" ./x86_64
-expect 126 "./arm: built for 32-bit Arm" ./arm
-expect 126 "./big_endian: built for big-endian AArch64" ./big_endian
-expect 126 "./entry: .*entry point" ./entry
-expect 126 "./object: an object file" ./object
-expect 126 "./headers: .*program headers of 0 bytes" ./headers
 expect 126 "./truncated: damaged ELF file" ./truncated
 expect 126 "./header_only: damaged ELF file" ./header_only
 expect 127 "interpreter /no/such/interpreter: no such file" "$programs/show_start_no_interpreter"

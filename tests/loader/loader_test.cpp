@@ -26,6 +26,11 @@ elf_file loadable() {
   return file;
 }
 
+class loader : public testing::Test {
+ protected:
+  elf_file file = loadable();
+};
+
 loaded_program load(const elf_file& file) {
   std::string path = testing::TempDir() + "loader_test.XXXXXX";
   const int descriptor = mkstemp(path.data());
@@ -61,8 +66,7 @@ bool all(std::uintptr_t start, std::uintptr_t end, std::byte value) {
   return std::all_of(at(start), at(end), [value](std::byte byte) { return byte == value; });
 }
 
-TEST(loader, maps_file_and_zeros) {
-  elf_file file = loadable();
+TEST_F(loader, maps_file_and_zeros) {
   file.data().p_filesz = 0x345;
   const loaded_program program = load(file);
   const std::uintptr_t bias = program.main_module.start - 0x400000;
@@ -80,8 +84,7 @@ TEST(loader, maps_file_and_zeros) {
 }
 
 // As the kernel has it: the rest of the last file page stays, the pages behind it are zeros.
-TEST(loader, leaves_the_end_of_a_page_that_may_not_be_written) {
-  elf_file file = loadable();
+TEST_F(loader, leaves_the_end_of_a_page_that_may_not_be_written) {
   file.data().p_flags = PF_R | PF_X;
   file.data().p_filesz = 0x345;
   const loaded_program program = load(file);
@@ -92,8 +95,7 @@ TEST(loader, leaves_the_end_of_a_page_that_may_not_be_written) {
   EXPECT_TRUE(all(data + 0x1000, data + 0x3000, std::byte{0}));
 }
 
-TEST(loader, honours_a_large_alignment) {
-  elf_file file = loadable();
+TEST_F(loader, honours_a_large_alignment) {
   file.text().p_vaddr = 0;
   file.data().p_vaddr = 0x11000;
   file.header.e_entry = 0x800;
@@ -103,14 +105,13 @@ TEST(loader, honours_a_large_alignment) {
   EXPECT_EQ(permissions(program.main_module.end), "") << "what was reserved beyond is given back";
 }
 
-TEST(loader, takes_fixed_addresses_only_if_they_are_free) {
+TEST_F(loader, takes_fixed_addresses_only_if_they_are_free) {
   constexpr std::size_t size = 0x100000;
   void* const block =
       mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(block, MAP_FAILED);
   const auto start = reinterpret_cast<std::uintptr_t>(block);
   std::fill_n(static_cast<std::byte*>(block), size, std::byte{0x55});
-  elf_file file = loadable();
   file.header.e_type = ET_EXEC;
   file.text().p_vaddr = start;
   file.data().p_vaddr = start + 0x11000;
@@ -125,14 +126,12 @@ TEST(loader, takes_fixed_addresses_only_if_they_are_free) {
   EXPECT_EQ(permissions(start + 0x5000), "") << "the gap between segments is nobody's";
 }
 
-TEST(loader, gives_up_on_what_no_memory_can_hold) {
-  elf_file file = loadable();
+TEST_F(loader, gives_up_on_what_no_memory_can_hold) {
   file.data().p_memsz = 0x7ff000000000;
   EXPECT_THROW(load(file), launch_error);
 }
 
-TEST(loader, gives_a_guarded_stack) {
-  elf_file file = loadable();
+TEST_F(loader, gives_a_guarded_stack) {
   EXPECT_EQ(permissions(load(file).stack_pointer), "rw-p");
   file.stack().p_flags |= PF_X;
   const std::uintptr_t stack = load(file).stack_pointer;

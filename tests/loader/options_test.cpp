@@ -9,14 +9,10 @@ namespace {
 
 using words = std::vector<std::string>;
 
-struct accepted {
-  words arguments;
-  words client;
-  words program;
-};
-
 TEST(options, separates_client_and_program) {
-  const accepted table[] = {
+  const struct {
+    words arguments, client, program;
+  } table[] = {
       {{"prog"}, {}, {"prog"}},
       {{"prog", "-c", "--", "--help"}, {}, {"prog", "-c", "--", "--help"}},
       {{"--", "prog", "x"}, {}, {"prog", "x"}},
@@ -28,7 +24,7 @@ TEST(options, separates_client_and_program) {
        {"prog", "--", "z"}},
       {{"", "x"}, {}, {"", "x"}},
   };
-  for (const accepted& row : table) {
+  for (const auto& row : table) {
     const options chosen = parse_options(row.arguments);
     EXPECT_EQ(chosen.action, requested_action::run);
     EXPECT_EQ(chosen.client, row.client) << testing::PrintToString(row.arguments);

@@ -44,13 +44,6 @@ static void show_auxiliary_entry(const ElfW(auxv_t) * entry) {
   }
 }
 
-static int all_zero(void) {
-  for (size_t i = 0; i < sizeof zeros; ++i) {
-    if (zeros[i] != 0) return 0;
-  }
-  return 1;
-}
-
 // Uses 64 KB for each level.
 static int descend(int levels) {
   volatile char block[65536];
@@ -75,7 +68,7 @@ int main(int argc, char** argv, char** envp) {
     show_auxiliary_entry(entry);
   }
   show("argc at 16 byte boundary", ((unsigned long)argv - 8) % 16 == 0);
-  show("zeros are zero", all_zero());
+  show("zeros are zero", zeros[0] == 0 && memcmp(zeros, zeros + 1, sizeof zeros - 1) == 0);
   show("data is there", filled[0] == 1 && filled[4998] == 0 && filled[4999] == 2);
   printf("%s %s\n", pointers[0], pointers[1]);
   void* const block = malloc(16 << 20);
