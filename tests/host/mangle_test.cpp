@@ -4,213 +4,155 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/host/listing.h"
+
 namespace host {
 namespace {
 
 constexpr std::uint64_t at = 0x412340;
 
-struct mangling {
-  const char* name;
-  std::uint32_t before;
-  words after;
-};
-
-void PrintTo(const mangling& m, std::ostream* out) { *out << m.name; }
-
-class mangle_each : public testing::TestWithParam<mangling> {};
-
-TEST_P(mangle_each, gives_the_listed_words) {
-  words out;
-  ASSERT_TRUE(mangle(GetParam().before, at, out));
-  EXPECT_EQ(out, GetParam().after);
+void check(const char* listing) {
+  for (const listed_translation& t : read_listing(listing)) {
+    SCOPED_TRACE(t.line);
+    words out;
+    EXPECT_TRUE(mangle(t.before, at, out));
+    EXPECT_EQ(out, t.after);
+  }
 }
 
-const mangling copied[] = {
-    {"add", 0x8b020020, {0x8b020020}},            // add x0, x1, x2
-    {"vector_28", 0x1f5c739c, {0x1f5c739c}},      // fmadd d28, d28, d28, d28
-    {"vector_load", 0x4cdf703c, {0x4cdf703c}},    // ld1 {v28.16b}, [x1], #16
-    {"shift_of_28", 0x8b02701f, {0x8b02701f}},    // add xzr, x0, x2, lsl #28
-    {"undefined_28", 0x0000001c, {0x0000001c}},   // udf #28
-    {"sve_vector_28", 0x0480039c, {0x0480039c}},  // add z28.s, p0/m, z28.s, z28.s
-};
+TEST(mangle, copies_what_does_not_name_x28) {
+  constexpr std::uint32_t copied[] = {
+      0x8b020020,  // add x0, x1, x2
+      0x1f5c739c,  // fmadd d28, d28, d28, d28
+      0x4cdf703c,  // ld1 {v28.16b}, [x1], #16
+      0x8b02701f,  // add xzr, x0, x2, lsl #28
+      0x0000001c,  // udf #28
+      0x0480039c,  // add z28.s, p0/m, z28.s, z28.s
+  };
+  for (const std::uint32_t word : copied) {
+    words out;
+    EXPECT_TRUE(mangle(word, at, out));
+    EXPECT_EQ(out, words{word});
+  }
+}
 
-const mangling from_own_address[] = {
-    {"adr",  // adr x3, .-4
-     0x10ffffe3,
-     {
-         0xd2846783,  // mov  x3, #0x233c
-         0xf2a00823,  // movk x3, #0x41, lsl #16
-     }},
-    {"adrp",  // adrp x3, .+0x345000
-     0xb0001a23,
-     {
-         0xd28e0003,  // mov  x3, #0x7000
-         0xf2a00ea3,  // movk x3, #0x75, lsl #16
-     }},
-    {"adrp_below_zero",  // adrp x3, .-0x500000
-     0x90ffd803,
-     {
-         0x929bffe3,  // mov  x3, #0xffffffffffff2000
-         0xf2bffe23,  // movk x3, #0xfff1, lsl #16
-     }},
-    {"adr_x28",  // adr x28, .+0x10004
-     0x1008003c,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xd2846880,  // mov  x0, #0x2344
-         0xf2a00840,  // movk x0, #0x42, lsl #16
-         0xf9007380,  // str  x0, [x28, #224]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-    {"ldr",  // ldr x3, .+0x20
-     0x58000103,
-     {
-         0xd2846c03,  // mov  x3, #0x2360
-         0xf2a00823,  // movk x3, #0x41, lsl #16
-         0xf9400063,  // ldr  x3, [x3]
-     }},
-    {"ldrsw",  // ldrsw x4, .-0x10
-     0x98ffff84,
-     {
-         0xd2846604,  // mov   x4, #0x2330
-         0xf2a00824,  // movk  x4, #0x41, lsl #16
-         0xb9800084,  // ldrsw x4, [x4]
-     }},
-    {"ldr_q28",  // ldr q28, .+0x40
-     0x9c00021c,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xd2847000,  // mov  x0, #0x2380
-         0xf2a00820,  // movk x0, #0x41, lsl #16
-         0x3dc0001c,  // ldr  q28, [x0]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-    {"ldr_w28",  // ldr w28, .+0x8
-     0x1800005c,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xd2846900,  // mov  x0, #0x2348
-         0xf2a00820,  // movk x0, #0x41, lsl #16
-         0xb9400000,  // ldr  w0, [x0]
-         0xf9007380,  // str  x0, [x28, #224]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-    {"ldr_xzr",  // ldr xzr, .+0x8
-     0x5800005f,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xd2846900,  // mov  x0, #0x2348
-         0xf2a00820,  // movk x0, #0x41, lsl #16
-         0xf940001f,  // ldr  xzr, [x0]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-    {"prfm",  // prfm pldl1keep, .+0x8
-     0xd8000040,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xd2846900,  // mov  x0, #0x2348
-         0xf2a00820,  // movk x0, #0x41, lsl #16
-         0xf9800000,  // prfm pldl1keep, [x0]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-};
+TEST(mangle, computes_from_the_application_address) {
+  check(R"(
+10ffffe3  // adr x3, .-4
+  d2846783  // mov  x3, #0x233c
+  f2a00823  // movk x3, #0x41, lsl #16
+b0001a23  // adrp x3, .+0x345000
+  d28e0003  // mov  x3, #0x7000
+  f2a00ea3  // movk x3, #0x75, lsl #16
+90ffd803  // adrp x3, .-0x500000
+  929bffe3  // mov  x3, #0xffffffffffff2000
+  f2bffe23  // movk x3, #0xfff1, lsl #16
+1008003c  // adr x28, .+0x10004
+  f9000380  // str  x0, [x28]
+  d2846880  // mov  x0, #0x2344
+  f2a00840  // movk x0, #0x42, lsl #16
+  f9007380  // str  x0, [x28, #224]
+  f9400380  // ldr  x0, [x28]
+58000103  // ldr x3, .+0x20
+  d2846c03  // mov  x3, #0x2360
+  f2a00823  // movk x3, #0x41, lsl #16
+  f9400063  // ldr  x3, [x3]
+98ffff84  // ldrsw x4, .-0x10
+  d2846604  // mov   x4, #0x2330
+  f2a00824  // movk  x4, #0x41, lsl #16
+  b9800084  // ldrsw x4, [x4]
+9c00021c  // ldr q28, .+0x40
+  f9000380  // str  x0, [x28]
+  d2847000  // mov  x0, #0x2380
+  f2a00820  // movk x0, #0x41, lsl #16
+  3dc0001c  // ldr  q28, [x0]
+  f9400380  // ldr  x0, [x28]
+1800005c  // ldr w28, .+0x8
+  f9000380  // str  x0, [x28]
+  d2846900  // mov  x0, #0x2348
+  f2a00820  // movk x0, #0x41, lsl #16
+  b9400000  // ldr  w0, [x0]
+  f9007380  // str  x0, [x28, #224]
+  f9400380  // ldr  x0, [x28]
+5800005f  // ldr xzr, .+0x8
+  f9000380  // str  x0, [x28]
+  d2846900  // mov  x0, #0x2348
+  f2a00820  // movk x0, #0x41, lsl #16
+  f940001f  // ldr  xzr, [x0]
+  f9400380  // ldr  x0, [x28]
+d8000040  // prfm pldl1keep, .+0x8
+  f9000380  // str  x0, [x28]
+  d2846900  // mov  x0, #0x2348
+  f2a00820  // movk x0, #0x41, lsl #16
+  f9800000  // prfm pldl1keep, [x0]
+  f9400380  // ldr  x0, [x28]
+)");
+}
 
-const mangling naming_x28[] = {
-    {"read",  // add x0, x28, x1
-     0x8b010380,
-     {
-         0xf9000b82,  // str x2, [x28, #16]
-         0xf9407382,  // ldr x2, [x28, #224]
-         0x8b010040,  // add x0, x2, x1
-         0xf9400b82,  // ldr x2, [x28, #16]
-     }},
-    {"written",  // add x28, x0, x1
-     0x8b01001c,
-     {
-         0xf9000b82,  // str x2, [x28, #16]
-         0x8b010002,  // add x2, x0, x1
-         0xf9007382,  // str x2, [x28, #224]
-         0xf9400b82,  // ldr x2, [x28, #16]
-     }},
-    {"changed",  // movk x28, #7
-     0xf28000fc,
-     {
-         0xf9000b82,  // str  x2, [x28, #16]
-         0xf9407382,  // ldr  x2, [x28, #224]
-         0xf28000e2,  // movk x2, #0x7
-         0xf9007382,  // str  x2, [x28, #224]
-         0xf9400b82,  // ldr  x2, [x28, #16]
-     }},
-    {"everywhere",  // madd x28, x28, x28, x28
-     0x9b1c739c,
-     {
-         0xf9000380,  // str  x0, [x28]
-         0xf9407380,  // ldr  x0, [x28, #224]
-         0x9b000000,  // madd x0, x0, x0, x0
-         0xf9007380,  // str  x0, [x28, #224]
-         0xf9400380,  // ldr  x0, [x28]
-     }},
-    {"stored",  // str x28, [x0, x2]
-     0xf822681c,
-     {
-         0xf9001384,  // str x4, [x28, #32]
-         0xf9407384,  // ldr x4, [x28, #224]
-         0xf8226804,  // str x4, [x0, x2]
-         0xf9401384,  // ldr x4, [x28, #32]
-     }},
-    {"beside_vector_28",  // dup v28.4s, w28
-     0x4e040f9c,
-     {
-         0xf9000380,  // str x0, [x28]
-         0xf9407380,  // ldr x0, [x28, #224]
-         0x4e040c1c,  // dup v28.4s, w0
-         0xf9400380,  // ldr x0, [x28]
-     }},
-    {"pair",  // casp x2, x3, x28, x29, [x0]
-     0x48227c1c,
-     {
-         0xa9021784,  // stp  x4, x5, [x28, #32]
-         0xf9407384,  // ldr  x4, [x28, #224]
-         0xaa1d03e5,  // mov  x5, x29
-         0x48227c04,  // casp x2, x3, x4, x5, [x0]
-         0xf9007384,  // str  x4, [x28, #224]
-         0xaa0503fd,  // mov  x29, x5
-         0xa9421784,  // ldp  x4, x5, [x28, #32]
-     }},
-    {"sve_base",  // st1b {z28.b}, p0, [x28, x1]
-     0xe401439c,
-     {
-         0xf9000b82,  // str  x2, [x28, #16]
-         0xf9407382,  // ldr  x2, [x28, #224]
-         0xe401405c,  // st1b {z28.b}, p0, [x2, x1]
-         0xf9400b82,  // ldr  x2, [x28, #16]
-     }},
-};
+TEST(mangle, puts_another_register_for_x28) {
+  check(R"(
+8b010380  // add x0, x28, x1
+  f9000b82  // str x2, [x28, #16]
+  f9407382  // ldr x2, [x28, #224]
+  8b010040  // add x0, x2, x1
+  f9400b82  // ldr x2, [x28, #16]
+8b01001c  // add x28, x0, x1
+  f9000b82  // str x2, [x28, #16]
+  8b010002  // add x2, x0, x1
+  f9007382  // str x2, [x28, #224]
+  f9400b82  // ldr x2, [x28, #16]
+f28000fc  // movk x28, #7
+  f9000b82  // str  x2, [x28, #16]
+  f9407382  // ldr  x2, [x28, #224]
+  f28000e2  // movk x2, #0x7
+  f9007382  // str  x2, [x28, #224]
+  f9400b82  // ldr  x2, [x28, #16]
+9b1c739c  // madd x28, x28, x28, x28
+  f9000380  // str  x0, [x28]
+  f9407380  // ldr  x0, [x28, #224]
+  9b000000  // madd x0, x0, x0, x0
+  f9007380  // str  x0, [x28, #224]
+  f9400380  // ldr  x0, [x28]
+f822681c  // str x28, [x0, x2]
+  f9001384  // str x4, [x28, #32]
+  f9407384  // ldr x4, [x28, #224]
+  f8226804  // str x4, [x0, x2]
+  f9401384  // ldr x4, [x28, #32]
+4e040f9c  // dup v28.4s, w28
+  f9000380  // str x0, [x28]
+  f9407380  // ldr x0, [x28, #224]
+  4e040c1c  // dup v28.4s, w0
+  f9400380  // ldr x0, [x28]
+48227c1c  // casp x2, x3, x28, x29, [x0]
+  a9021784  // stp  x4, x5, [x28, #32]
+  f9407384  // ldr  x4, [x28, #224]
+  aa1d03e5  // mov  x5, x29
+  48227c04  // casp x2, x3, x4, x5, [x0]
+  f9007384  // str  x4, [x28, #224]
+  aa0503fd  // mov  x29, x5
+  a9421784  // ldp  x4, x5, [x28, #32]
+e401439c  // st1b {z28.b}, p0, [x28, x1]
+  f9000b82  // str  x2, [x28, #16]
+  f9407382  // ldr  x2, [x28, #224]
+  e401405c  // st1b {z28.b}, p0, [x2, x1]
+  f9400b82  // ldr  x2, [x28, #16]
+)");
+}
 
 // Bit 29 of CTR_EL0 would tell the program that it need not invalidate instructions.
-const mangling cache_type[] = {
-    {"mrs",  // mrs x5, ctr_el0
-     0xd53b0025,
-     {
-         0xd53b0025,  // mrs x5, ctr_el0
-         0x9262f8a5,  // and x5, x5, #0xffffffffdfffffff
-     }},
-    {"mrs_x28",  // mrs x28, ctr_el0
-     0xd53b003c,
-     {
-         0xf9000b82,  // str x2, [x28, #16]
-         0xd53b0022,  // mrs x2, ctr_el0
-         0x9262f842,  // and x2, x2, #0xffffffffdfffffff
-         0xf9007382,  // str x2, [x28, #224]
-         0xf9400b82,  // ldr x2, [x28, #16]
-     }},
-};
-
-constexpr auto name_of = [](const auto& info) { return std::string(info.param.name); };
-INSTANTIATE_TEST_SUITE_P(copied, mangle_each, testing::ValuesIn(copied), name_of);
-INSTANTIATE_TEST_SUITE_P(address, mangle_each, testing::ValuesIn(from_own_address), name_of);
-INSTANTIATE_TEST_SUITE_P(x28, mangle_each, testing::ValuesIn(naming_x28), name_of);
-INSTANTIATE_TEST_SUITE_P(cache_type, mangle_each, testing::ValuesIn(cache_type), name_of);
+TEST(mangle, hides_that_instructions_need_no_invalidation) {
+  check(R"(
+d53b0025  // mrs x5, ctr_el0
+  d53b0025  // mrs x5, ctr_el0
+  9262f8a5  // and x5, x5, #0xffffffffdfffffff
+d53b003c  // mrs x28, ctr_el0
+  f9000b82  // str x2, [x28, #16]
+  d53b0022  // mrs x2, ctr_el0
+  9262f842  // and x2, x2, #0xffffffffdfffffff
+  f9007382  // str x2, [x28, #224]
+  f9400b82  // ldr x2, [x28, #16]
+)");
+}
 
 TEST(mangle, refuses_what_may_use_x28_unseen) {
   constexpr std::uint32_t refused[] = {

@@ -9,7 +9,10 @@ _start:
   adrp x20, output
   add x20, x20, :lo12:output
 
-  .macro expect letter, cond
+  .macro expect letter, cond, left=, right=
+  .ifnb \left
+  cmp \left, \right
+  .endif
   mov w9, #\letter
   mov w10, #33 // '!'
   csel w9, w9, w10, \cond
@@ -21,38 +24,31 @@ _start:
 1:
   adr x0, 1b
   adr x28, 1b
-  cmp x0, x28
-  expect 'a', eq
+  expect 'a', eq, x0, x28
   adrp x1, table
   adrp x28, table
-  cmp x1, x28
-  expect 'b', eq
+  expect 'b', eq, x1, x28
   adr x2, table
   add x1, x1, :lo12:table
-  cmp x1, x2
-  expect 'c', eq
+  expect 'c', eq, x1, x2
 
 // Literals of every kind
   ldr x0, =0x123456789abcdef0
   ldr x28, =0x123456789abcdef0
-  cmp x0, x28
-  expect 'd', eq
+  expect 'd', eq, x0, x28
   ldrsw x28, negative
   cmn x28, #2
   expect 'e', eq
   ldr w28, negative
   add x28, x28, #2
   lsr x28, x28, #32
-  cmp x28, #1
-  expect 'f', eq
+  expect 'f', eq, x28, #1
   ldr q28, vector
   mov x0, v28.d[1]
-  cmp x0, #77
-  expect 'g', eq
+  expect 'g', eq, x0, #77
   ldr d28, vector
   fmov x0, d28
-  cmp x0, #66
-  expect 'h', eq
+  expect 'h', eq, x0, #66
   prfm pldl1keep, vector
   ldr xzr, vector
 
@@ -77,27 +73,23 @@ _start:
   tbnz x28, #45, 4f
   b fail
 4:
-  cmp x28, #0
-  expect 'j', ne
+  expect 'j', ne, x28, #0
 
 // Calls and returns through registers; the link register holds application addresses
   adr x28, callee
   blr x28
 5:
   adr x1, 5b
-  cmp x0, x1
-  expect 'k', eq
+  expect 'k', eq, x0, x1
   adr x30, callee
   blr x30
 6:
   adr x1, 6b
-  cmp x0, x1
-  expect 'l', eq
+  expect 'l', eq, x0, x1
   bl callee
 7:
   adr x1, 7b
-  cmp x0, x1
-  expect 'm', eq
+  expect 'm', eq, x0, x1
   adr x28, 8f
   ret x28
   b fail
@@ -106,34 +98,27 @@ _start:
   br x28
   b fail
 9:
-  cmp xzr, xzr
-  expect 'n', eq
+  expect 'n', eq, xzr, xzr
 
 // X0 to X3 and X30 survive a lookup in the cache
   mov x21, #3
 10:
-  mov x0, #100
-  mov x1, #101
-  mov x2, #102
-  mov x3, #103
+  .irp n, 0, 1, 2, 3
+  mov x\n, #100 + \n
+  .endr
   adr x4, 11f
   br x4
 11:
-  sub x0, x0, #100
-  sub x1, x1, #101
-  sub x2, x2, #102
-  sub x3, x3, #103
-  orr x0, x0, x1
-  orr x0, x0, x2
-  orr x0, x0, x3
-  cbnz x0, fail
+  .irp n, 0, 1, 2, 3
+  sub x\n, x\n, #100 + \n
+  cbnz x\n, fail
+  .endr
   subs x21, x21, #1
   b.ne 10b
   expect 'o', eq
 
 // Exclusives: a lock-free increment and a pair, with X28 among the registers
-  adr x0, counter_address
-  ldr x0, [x0]
+  ldr x0, =counter
   mov x21, #1000
 12:
   ldaxr x28, [x0]
@@ -143,15 +128,13 @@ _start:
   subs x21, x21, #1
   b.ne 12b
   ldr x1, [x0]
-  cmp x1, #1000
-  expect 'p', eq
+  expect 'p', eq, x1, #1000
 13:
   ldxp x1, x28, [x0]
   stxp w2, x28, x1, [x0]
   cbnz w2, 13b
   ldr x1, [x0, #8]
-  cmp x1, #1000
-  expect 'q', eq
+  expect 'q', eq, x1, #1000
 
 // The stack below SP stays untouched
   mov x0, #0x5a5a
@@ -195,9 +178,6 @@ table:
   .quad 1
 negative:
   .word -2
-  .balign 8
-counter_address:
-  .quad counter
   .ltorg
 
   .bss

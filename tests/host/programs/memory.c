@@ -3,7 +3,6 @@
 #include <errno.h>
 #include <stdint.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -72,17 +71,6 @@ static int moved(void) {
   return sum + call(code);
 }
 
-static void allocate(void) {
-  unsigned sum = 0;
-  for (int i = 1; i < 2000; i++) {
-    unsigned char* block = malloc((size_t)i * 37);
-    memset(block, i, (size_t)i * 37);
-    sum += block[i];
-    if (i % 3 != 0) free(block);
-  }
-  printf("allocated %u\n", sum);
-}
-
 static void print_own_name(void) {
   char path[4096] = "";
   const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
@@ -95,7 +83,6 @@ int main(void) {
   printf("rewritten %d\n", rewritten_in_place());
   printf("mapped anew %d\n", mapped_anew());
   printf("moved %d\n", moved());
-  allocate();
   print_own_name();
   return 0;
 }

@@ -1,4 +1,4 @@
-// Runs every instruction of x28_cases.inc from a known state, and prints what it changed.
+// Runs every instruction of x28_cases.S from a known state, and prints what it changed.
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -7,7 +7,6 @@
 
 struct test_case {
   const void* code;
-  const uint32_t* instruction;
   uint64_t kind;  // 1: X28 holds an address
   const char* text;
 };

@@ -1,4 +1,8 @@
-// Assembles the cases into subroutines, with a table of their addresses, kinds and texts.
+// Instructions that name X28 in each way that the lines of the table of register fields allow, as
+// subroutines, with a table of their addresses, kinds and texts.
+//
+// value: X28 holds 24 before the instruction. address: X28 holds the address of memory. In both,
+// X27 holds another address, X1 holds 8, X2 holds 3, and all other registers hold arbitrary values.
 
   .arch armv8.5-a+memtag+crypto+sha3+crc+lse
   .arch_extension fp16
@@ -9,12 +13,12 @@
   .long 0xe7f000f0 // not executed
   .long 0xe7f000f0
 1: \before
-2: \instruction
+  \instruction
   ret
   .section .rodata.texts, "a"
-3: .asciz "\instruction"
+2: .asciz "\instruction"
   .section .data.rel.ro.cases, "aw"
-  .quad 1b, 2b, \kind, 3b
+  .quad 1b, \kind, 2b
   .endm
 
   .macro value instruction:vararg
@@ -32,13 +36,172 @@
 
   .section .data.rel.ro.cases, "aw"
   .balign 8
-  .globl x28_cases
+  .globl x28_cases, x28_cases_end
 x28_cases:
 
-#include "x28_cases.inc"
+// Data processing, immediate
+  value add x28, x28, #5
+  value add x0, x28, #5
+  value add x28, x1, #1, lsl #12
+  value addg x28, x1, #16, #2
+  value and x28, x28, #0xff00ff00ff00ff00
+  value ands w0, w28, #8
+  value orr x28, xzr, #0x7f
+  value movk x28, #0x1234, lsl #16
+  value movz x28, #7, lsl #48
+  value bfi x28, x1, #4, #8
+  value bfxil w1, w28, #3, #2
+  value sbfx x28, x28, #1, #5
+  value ubfiz w0, w28, #3, #9
+  value extr x28, x28, x2, #9
+  value ror w2, w28, #5
+
+// System
+  value mrs x28, nzcv
+  value msr nzcv, x28
+  value msr tpidr_el0, x28
+  address dc zva, x28
+
+// Loads and stores of vector structures
+  address ld1 {v28.16b}, [x28]
+  address st1 {v27.8h, v28.8h}, [x28]
+  address ld3 {v26.4s, v27.4s, v28.4s}, [x28], #48
+  value ld1 {v28.2d}, [x27], x28
+  address ld1 {v28.s}[2], [x28]
+  address st2 {v28.h, v29.h}[3], [x28], #4
+  value ld4r {v25.4s, v26.4s, v27.4s, v28.4s}, [x27], x28
+
+// Memory tags
+  address stg x28, [x28]
+  address ldg x28, [x27]
+  address st2g x1, [x28], #32
+
+// Exclusive, ordered, compare and swap
+  address ldxr x0, [x28]
+  value ldaxrb w28, [x27]
+  exclusive stxr w28, x1, [x27]
+  exclusive stlxr w0, x28, [x27]
+  address ldxp x0, x2, [x28]
+  value ldaxp x28, x0, [x27]
+  value ldxp w0, w28, [x27]
+  exclusive_pair stxp w28, x0, x1, [x27]
+  exclusive_pair stlxp w0, x28, x1, [x27]
+  exclusive_pair stxp w0, x2, x28, [x27]
+  address stlr x28, [x28]
+  value stlrb w28, [x27]
+  value ldar x28, [x27]
+  value cas x28, x0, [x27]
+  value casal w0, w28, [x27]
+  address casb w0, w1, [x28]
+  value casp x28, x29, x0, x1, [x27]
+  value casp x0, x1, x28, x29, [x27]
+  address caspal w2, w3, w4, w5, [x28]
+  value casp w28, w29, w28, w29, [x27]
+  address ldapur x28, [x28, #8]
+  address stlur w1, [x28, #-4]
+  value stlurh w28, [x27, #2]
+
+// Pairs
+  address stp x28, x1, [x28]
+  value stp x1, x28, [x27, #-16]
+  address stp x0, x1, [x28, #16]!
+  value stp w28, w28, [x27], #8
+  address ldp x28, x0, [x28, #8]
+  value ldp x0, x28, [x27], #16
+  address ldp w0, w1, [x28], #-8
+  value ldpsw x28, x2, [x27, #4]
+  address ldnp x0, x1, [x28, #32]
+  value stgp x28, x1, [x27]
+  address ldp q27, q28, [x28]
+  address stp d28, d29, [x28, #-16]!
+
+// Single registers
+  address prfm pldl1keep, [x28]
+  address prfm pldl1keep, [x28, x1]
+  value prfm pstl1strm, [x27, x28]
+  address prfum pldl2keep, [x28, #-3]
+  address str x28, [x28, #16]
+  value strb w28, [x27, #3]
+  address strh w1, [x28, #6]
+  address ldr x28, [x28, #24]
+  value ldrsb w28, [x27, #1]
+  address ldrh w0, [x28, #8]
+  address stur x1, [x28, #-7]
+  value sttr w28, [x27, #4]
+  address ldur x28, [x28, #-7]
+  value ldtrsh x28, [x27, #2]
+  address str x1, [x28, #8]!
+  value str x28, [x27], #-8
+  address ldr x1, [x28, #-8]!
+  value ldrsb x28, [x27], #5
+  address str x1, [x28, x1]
+  value str x28, [x27, x28]
+  value strb w1, [x27, w28, uxtw]
+  address ldr x1, [x28, x1, lsl #3]
+  value ldr x28, [x27, x28, lsl #3]
+  value ldadd x28, x0, [x27]
+  value ldclral x0, x28, [x27]
+  address ldeor w0, w1, [x28]
+  value ldset x28, x28, [x27]
+  address ldapr x28, [x28]
+  address ldr q28, [x28, #16]
+  address ldur d28, [x28, #-3]
+  address str s28, [x28], #4
+  value ldr q28, [x27, x28]
+  address str d28, [x28, w1, uxtw #3]
+
+// Data processing, register
+  value xpaci x28
+  value rbit x28, x28
+  value rev16 w28, w1
+  value clz x0, x28
+  value udiv x28, x1, x28
+  value lslv w28, w28, w2
+  value rorv x0, x1, x28
+  value crc32cx w28, w28, x28
+  value and x28, x28, x1, ror #3
+  value bics w0, w28, w1
+  value mvn x28, x28
+  value add x28, x1, x28, asr #2
+  value adds x28, x28, w28, sxtb #2
+  value rmif x28, #3, #15
+  value setf8 w28
+  value adc x28, x28, x1
+  value sbcs w0, w28, w1
+  value ccmp x28, x1, #4, ne
+  value ccmn w1, w28, #2, eq
+  value ccmp x28, #24, #8, al
+  value csel x28, x1, x28, cs
+  value cset w28, mi
+  value csneg w0, w28, w1, gt
+  value madd x28, x28, x1, x28
+  value smaddl x28, w28, w1, x2
+  value umulh x0, x28, x27
+
+// Floating point and general registers
+  value fcvtzs x28, d28
+  value fcvtnu w28, s1
+  value scvtf d28, x28
+  value fcvtas x28, s28
+  value fmov x28, d28
+  value fmov d28, x28
+  value fjcvtzs w28, d28
+  value fcvtzu x28, d28, #7
+  value scvtf s28, w28, #5
+  value fadd d28, d28, d1
+  value fcmp d28, d0
+  value fmadd d28, d28, d28, d28
+
+// Vectors and general registers
+  value dup v28.4s, w28
+  value mov v28.h[5], w28
+  value smov x28, v28.b[3]
+  value umov w28, v28.h[2]
+  value add v28.4s, v28.4s, v28.4s
+  value add d28, d28, d28
+  value sha512su0 v28.2d, v28.2d
 
   .section .data.rel.ro.cases, "aw"
-  .globl x28_cases_end
 x28_cases_end:
   .quad 0
 
@@ -46,89 +209,59 @@ x28_cases_end:
 // state, calls the code, and stores them back. X30 is the way in and out. TPIDR_EL0 goes the same
 // way through its own field, and the caller's is put back.
   .macro transfer_vectors op
-  \op q0, q1, [x9], #32
-  \op q2, q3, [x9], #32
-  \op q4, q5, [x9], #32
-  \op q6, q7, [x9], #32
-  \op q8, q9, [x9], #32
-  \op q10, q11, [x9], #32
-  \op q12, q13, [x9], #32
-  \op q14, q15, [x9], #32
-  \op q16, q17, [x9], #32
-  \op q18, q19, [x9], #32
-  \op q20, q21, [x9], #32
-  \op q22, q23, [x9], #32
-  \op q24, q25, [x9], #32
-  \op q26, q27, [x9], #32
-  \op q28, q29, [x9], #32
-  \op q30, q31, [x9], #32
+  .irp n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31
+  \op q\n, [x9], #16
+  .endr
   .endm
 
   .macro transfer_registers op, base
-  \op x0, x1, [\base, #0]
-  \op x2, x3, [\base, #16]
-  \op x4, x5, [\base, #32]
-  \op x6, x7, [\base, #48]
-  \op x8, x9, [\base, #64]
-  \op x10, x11, [\base, #80]
-  \op x12, x13, [\base, #96]
-  \op x14, x15, [\base, #112]
-  \op x16, x17, [\base, #128]
-  \op x18, x19, [\base, #144]
-  \op x20, x21, [\base, #160]
-  \op x22, x23, [\base, #176]
-  \op x24, x25, [\base, #192]
-  \op x26, x27, [\base, #208]
+  .irp n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27
+  \op x\n, [\base, #8 * \n]
+  .endr
+  .endm
+
+// What a function preserves, from `base` on.
+  .macro transfer_preserved op, base
+  .irp n, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28
+  \op x\n, [\base, #16 + 8 * (\n - 19)]
+  .endr
+  .irp n, 8, 9, 10, 11, 12, 13, 14, 15
+  \op d\n, [\base, #96 + 8 * (\n - 8)]
+  .endr
   .endm
 
   .text
   .globl run_case
 run_case:
   stp x29, x30, [sp, #-176]!
-  stp x19, x20, [sp, #16]
-  stp x21, x22, [sp, #32]
-  stp x23, x24, [sp, #48]
-  stp x25, x26, [sp, #64]
-  stp x27, x28, [sp, #80]
-  stp d8, d9, [sp, #96]
-  stp d10, d11, [sp, #112]
-  stp d12, d13, [sp, #128]
-  stp d14, d15, [sp, #144]
+  transfer_preserved str, sp
   mrs x9, tpidr_el0
   stp x1, x9, [sp, #160]
   mov x30, x0
   mov x29, x1
   add x9, x29, #256
-  transfer_vectors ldp
+  transfer_vectors ldr
   ldr x9, [x29, #240]
   msr nzcv, x9
   msr fpsr, xzr
-  transfer_registers ldp, x29
+  transfer_registers ldr, x29
   ldp x28, x29, [x29, #224]
   blr x30
   ldr x30, [sp, #160]
-  transfer_registers stp, x30
+  transfer_registers str, x30
   stp x28, x29, [x30, #224]
   mrs x9, nzcv
   mrs x10, fpsr
   stp x9, x10, [x30, #240]
   add x9, x30, #256
-  transfer_vectors stp
+  transfer_vectors str
   mrs x10, tpidr_el0
   mrs x11, fpcr
   stp x10, x11, [x9]
   ldr x9, [sp, #168]
   msr tpidr_el0, x9
   msr fpcr, xzr
-  ldp d14, d15, [sp, #144]
-  ldp d12, d13, [sp, #128]
-  ldp d10, d11, [sp, #112]
-  ldp d8, d9, [sp, #96]
-  ldp x27, x28, [sp, #80]
-  ldp x25, x26, [sp, #64]
-  ldp x23, x24, [sp, #48]
-  ldp x21, x22, [sp, #32]
-  ldp x19, x20, [sp, #16]
+  transfer_preserved ldr, sp
   ldp x29, x30, [sp], #176
   ret
 
