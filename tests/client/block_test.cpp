@@ -69,10 +69,36 @@ void append(std::vector<word>& words, std::initializer_list<std::uint32_t> more)
   for (const std::uint32_t w : more) words.push_back({w});
 }
 
-// The sequence, for a state at 0x0000aaaa12345670. Markers stand for what the host inserts.
-std::vector<word> expected_sequence() {
+// A load of a register or a pair differs from its store in one bit.
+constexpr std::uint32_t load = 1U << 22;
+constexpr std::uint32_t general_stores[] = {
+    0xa9000760,  // stp  x0, x1, [x27]
+    0xa9010f62,  // stp  x2, x3, [x27, #16]
+    0xa9021764,  // stp  x4, x5, [x27, #32]
+    0xa9031f66,  // stp  x6, x7, [x27, #48]
+    0xa9042768,  // stp  x8, x9, [x27, #64]
+    0xa9052f6a,  // stp  x10, x11, [x27, #80]
+    0xa906376c,  // stp  x12, x13, [x27, #96]
+    0xa9073f6e,  // stp  x14, x15, [x27, #112]
+    0xa9084770,  // stp  x16, x17, [x27, #128]
+    0xa9094f72,  // stp  x18, x19, [x27, #144]
+    0xa90a5774,  // stp  x20, x21, [x27, #160]
+    0xa90b5f76,  // stp  x22, x23, [x27, #176]
+    0xa90c6778,  // stp  x24, x25, [x27, #192]
+    0xa90efb7d,  // stp  x29, x30, [x27, #232]
+};
+
+// str qn, [x27, #z[n]] for all n, or ldr.
+void append_vectors(std::vector<word>& words, std::uint32_t load_bit) {
   constexpr std::uint32_t z_units = 288 / 16;                 // where z begins, in Q registers
   constexpr std::uint32_t z_stride = sve::vector_bytes / 16;  // and how far apart its vectors are
+  for (std::uint32_t n = 0; n < 32; ++n) {
+    append(words, {load_bit | 0x3d800360 | (z_units + z_stride * n) << 10 | n});
+  }
+}
+
+// The sequence, for a state at 0x0000aaaa12345670. Markers stand for what the host inserts.
+std::vector<word> expected_sequence() {
   std::vector<word> words;
   append(words, {
                     0x0000101a,  // save x26 to slot 1
@@ -84,24 +110,9 @@ std::vector<word> expected_sequence() {
                     0xf2d5555b,  // movk x27, #0xaaaa, lsl #32
                     0x910003fa,  // mov  x26, sp
                     0xf9007f7a,  // str  x26, [x27, #248]
-                    0xa9000760,  // stp  x0, x1, [x27]
-                    0xa9010f62,  // stp  x2, x3, [x27, #16]
-                    0xa9021764,  // stp  x4, x5, [x27, #32]
-                    0xa9031f66,  // stp  x6, x7, [x27, #48]
-                    0xa9042768,  // stp  x8, x9, [x27, #64]
-                    0xa9052f6a,  // stp  x10, x11, [x27, #80]
-                    0xa906376c,  // stp  x12, x13, [x27, #96]
-                    0xa9073f6e,  // stp  x14, x15, [x27, #112]
-                    0xa9084770,  // stp  x16, x17, [x27, #128]
-                    0xa9094f72,  // stp  x18, x19, [x27, #144]
-                    0xa90a5774,  // stp  x20, x21, [x27, #160]
-                    0xa90b5f76,  // stp  x22, x23, [x27, #176]
-                    0xa90c6778,  // stp  x24, x25, [x27, #192]
-                    0xa90efb7d,  // stp  x29, x30, [x27, #232]
                 });
-  for (std::uint32_t n = 0; n < 32; ++n) {
-    append(words, {0x3d800360 | (z_units + z_stride * n) << 10 | n});  // str qn, [x27, #z[n]]
-  }
+  for (const std::uint32_t store : general_stores) append(words, {store});
+  append_vectors(words, 0);
   append(words, {
                     0xd53b421a,  // mrs  x26, nzcv
                     0xf900877a,  // str  x26, [x27, #264]
@@ -120,24 +131,9 @@ std::vector<word> expected_sequence() {
                     0xf940877a,  // ldr  x26, [x27, #264]
                     0xd51b421a,  // msr  nzcv, x26
                 });
-  for (std::uint32_t n = 0; n < 32; ++n) {
-    append(words, {0x3dc00360 | (z_units + z_stride * n) << 10 | n});  // ldr qn, [x27, #z[n]]
-  }
+  append_vectors(words, load);
+  for (const std::uint32_t store : general_stores) append(words, {store | load});
   append(words, {
-                    0xa9400760,  // ldp  x0, x1, [x27]
-                    0xa9410f62,  // ldp  x2, x3, [x27, #16]
-                    0xa9421764,  // ldp  x4, x5, [x27, #32]
-                    0xa9431f66,  // ldp  x6, x7, [x27, #48]
-                    0xa9442768,  // ldp  x8, x9, [x27, #64]
-                    0xa9452f6a,  // ldp  x10, x11, [x27, #80]
-                    0xa946376c,  // ldp  x12, x13, [x27, #96]
-                    0xa9473f6e,  // ldp  x14, x15, [x27, #112]
-                    0xa9484770,  // ldp  x16, x17, [x27, #128]
-                    0xa9494f72,  // ldp  x18, x19, [x27, #144]
-                    0xa94a5774,  // ldp  x20, x21, [x27, #160]
-                    0xa94b5f76,  // ldp  x22, x23, [x27, #176]
-                    0xa94c6778,  // ldp  x24, x25, [x27, #192]
-                    0xa94efb7d,  // ldp  x29, x30, [x27, #232]
                     0xf9407f7a,  // ldr  x26, [x27, #248]
                     0x9100035f,  // mov  sp, x26
                     0x0000221b,  // restore x27 from slot 3

@@ -39,8 +39,6 @@ bool scripted_host::record(const std::string& call) {
   return call.substr(0, call.find(' ')) != failing;
 }
 
-// --- Process -----------------------------------------------------------------------------------
-
 void host::fatal(const char* format, ...) {
   std::fprintf(stderr, "the host refuses: %s\n", format);
   std::abort();
@@ -89,8 +87,6 @@ void dr_free_module_data(module_data_t* data) {
 
 app_pc dr_fragment_app_pc(void* tag) { return static_cast<app_pc>(tag); }
 
-// --- Threads -----------------------------------------------------------------------------------
-
 void* dr_get_current_drcontext() { return host_script.current; }
 
 void* dr_thread_alloc(void* /*drcontext*/, std::size_t size) {
@@ -111,8 +107,6 @@ reg_t dr_read_saved_reg(void* drcontext, dr_spill_slot_t slot) {
 void dr_write_saved_reg(void* drcontext, dr_spill_slot_t slot, reg_t value) {
   thread_of(drcontext)->slots[slot] = value;
 }
-
-// --- Extensions --------------------------------------------------------------------------------
 
 bool drmgr_init() { return host_script.record("drmgr_init"); }
 void drmgr_exit() { host_script.record("drmgr_exit"); }
@@ -158,8 +152,6 @@ drreg_status_t drreg_init(drreg_options_t* options) {
 drreg_status_t drreg_exit() {
   return host_script.record("drreg_exit") ? DRREG_SUCCESS : DRREG_ERROR;
 }
-
-// --- Inserted code -----------------------------------------------------------------------------
 
 reg_id_t dr_get_stolen_reg() { return host_script.stolen_register; }
 

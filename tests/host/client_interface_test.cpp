@@ -44,6 +44,16 @@ instr_t* add(int d, int n, ptr_int_t value, ptr_int_t shift) {
                                 immediate(shift));
 }
 
+instr_t* str(int from, const opnd_t& to) {
+  return instr_create_1dst_1src(nullptr, OP_str, to, reg(from));
+}
+instr_t* ldr(int to, const opnd_t& from) {
+  return instr_create_1dst_1src(nullptr, OP_ldr, reg(to), from);
+}
+instr_t* move(int opcode, int to, int from) {
+  return instr_create_1dst_1src(nullptr, opcode, reg(to), reg(from));
+}
+
 TEST_F(encodes, every_form) {
   struct {
     instr_t* instr;
@@ -52,28 +62,23 @@ TEST_F(encodes, every_form) {
       {add(DR_REG_X26, DR_REG_SP, 0, 0), 0x910003fa},     // mov  x26, sp
       {add(DR_REG_SP, DR_REG_X26, 0, 0), 0x9100035f},     // mov  sp, x26
       {add(DR_REG_X1, DR_REG_X2, 4095, 12), 0x917ffc41},  // add  x1, x2, #0xfff, lsl #12
-      {instr_create_1dst_1src(nullptr, OP_str, memory(DR_REG_X27, 248, OPSZ_8), reg(DR_REG_X26)),
-       0xf9007f7a},  // str  x26, [x27, #248]
-      {instr_create_1dst_1src(nullptr, OP_ldr, reg(DR_REG_W26), memory(DR_REG_X27, 16380, OPSZ_4)),
-       0xb97fff7a},  // ldr  w26, [x27, #16380]
-      {instr_create_1dst_1src(nullptr, OP_ldr, reg(DR_REG_XZR), memory(DR_REG_SP, 0, OPSZ_8)),
-       0xf94003ff},  // ldr  xzr, [sp]
-      {instr_create_1dst_1src(nullptr, OP_str, memory(DR_REG_X27, 65520, OPSZ_16), reg(DR_REG_Q31)),
-       0x3dbfff7f},  // str  q31, [x27, #65520]
-      {instr_create_1dst_1src(nullptr, OP_ldr, reg(DR_REG_Q0), memory(DR_REG_X27, 272, OPSZ_16)),
-       0x3dc04760},  // ldr  q0, [x27, #272]
+      {str(DR_REG_X26, memory(DR_REG_X27, 248, OPSZ_8)), 0xf9007f7a},     // str  x26, [x27, #248]
+      {ldr(DR_REG_W26, memory(DR_REG_X27, 16380, OPSZ_4)), 0xb97fff7a},   // ldr  w26, [x27, #16380]
+      {ldr(DR_REG_XZR, memory(DR_REG_SP, 0, OPSZ_8)), 0xf94003ff},        // ldr  xzr, [sp]
+      {str(DR_REG_Q31, memory(DR_REG_X27, 65520, OPSZ_16)), 0x3dbfff7f},  // str  q31, [x27, #65520]
+      {ldr(DR_REG_Q0, memory(DR_REG_X27, 272, OPSZ_16)), 0x3dc04760},     // ldr  q0, [x27, #272]
       {instr_create_1dst_2src(nullptr, OP_stp, memory(DR_REG_X27, 192, OPSZ_16), reg(DR_REG_X24),
                               reg(DR_REG_X25)),
        0xa90c6778},  // stp  x24, x25, [x27, #192]
       {instr_create_2dst_1src(nullptr, OP_ldp, reg(DR_REG_X29), reg(DR_REG_X30),
                               memory(DR_REG_X27, -512, OPSZ_16)),
        0xa9607b7d},  // ldp  x29, x30, [x27, #-512]
-      {instr_create_1dst_1src(nullptr, OP_mrs, reg(DR_REG_X26), reg(DR_REG_NZCV)), 0xd53b421a},
-      {instr_create_1dst_1src(nullptr, OP_mrs, reg(DR_REG_X26), reg(DR_REG_FPSR)), 0xd53b443a},
-      {instr_create_1dst_1src(nullptr, OP_mrs, reg(DR_REG_X26), reg(DR_REG_FPCR)), 0xd53b441a},
-      {instr_create_1dst_1src(nullptr, OP_msr, reg(DR_REG_NZCV), reg(DR_REG_X26)), 0xd51b421a},
-      {instr_create_1dst_1src(nullptr, OP_msr, reg(DR_REG_FPSR), reg(DR_REG_X26)), 0xd51b443a},
-      {instr_create_1dst_1src(nullptr, OP_msr, reg(DR_REG_FPCR), reg(DR_REG_X26)), 0xd51b441a},
+      {move(OP_mrs, DR_REG_X26, DR_REG_NZCV), 0xd53b421a},
+      {move(OP_mrs, DR_REG_X26, DR_REG_FPSR), 0xd53b443a},
+      {move(OP_mrs, DR_REG_X26, DR_REG_FPCR), 0xd53b441a},
+      {move(OP_msr, DR_REG_NZCV, DR_REG_X26), 0xd51b421a},
+      {move(OP_msr, DR_REG_FPSR, DR_REG_X26), 0xd51b443a},
+      {move(OP_msr, DR_REG_FPCR, DR_REG_X26), 0xd51b441a},
   };
   words expected;
   for (const auto& form : forms) {
@@ -88,23 +93,20 @@ TEST_F(encodes_death, refuses_all_other_forms_by_name) {
   const opnd_t x0 = reg(DR_REG_X0);
   const opnd_t x1 = reg(DR_REG_X1);
   const auto refused = testing::ExitedWithCode(125);
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_str, memory(DR_REG_X1, 4, OPSZ_8), x0), refused,
+  EXPECT_EXIT(str(DR_REG_X0, memory(DR_REG_X1, 4, OPSZ_8)), refused,
               "tessaly: cannot encode OP_str .* by instr_create_1dst_1src: the displacement");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_str, memory(DR_REG_X1, 32768, OPSZ_8), x0),
-              refused, "displacement");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_ldr, x0, memory(DR_REG_X1, 0, OPSZ_4)), refused,
+  EXPECT_EXIT(str(DR_REG_X0, memory(DR_REG_X1, 32768, OPSZ_8)), refused, "displacement");
+  EXPECT_EXIT(ldr(DR_REG_X0, memory(DR_REG_X1, 0, OPSZ_4)), refused,
               "memory operand of the register's size");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_ldr, reg(DR_REG_SP), memory(DR_REG_X1, 0, OPSZ_8)),
-              refused, "an X register");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_ldr, x0,
-                                     opnd_create_base_disp(DR_REG_X1, DR_REG_X2, 0, 0, OPSZ_8)),
-              refused, "an X register or SP");
+  EXPECT_EXIT(ldr(DR_REG_SP, memory(DR_REG_X1, 0, OPSZ_8)), refused, "an X register");
+  EXPECT_EXIT(ldr(DR_REG_X0, opnd_create_base_disp(DR_REG_X1, DR_REG_X2, 0, 0, OPSZ_8)), refused,
+              "an X register or SP");
   EXPECT_EXIT(instr_create_1dst_2src(nullptr, OP_stp, memory(DR_REG_X1, 512, OPSZ_16), x0, x1),
               refused, "from -512 to 504");
   EXPECT_EXIT(instr_create_1dst_2src(nullptr, OP_stp, memory(DR_REG_X1, 0, OPSZ_8), x0, x1),
               refused, "16 bytes");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_mrs, x0, x1), refused, "NZCV, FPCR or FPSR");
-  EXPECT_EXIT(instr_create_1dst_1src(nullptr, OP_add, x0, x1), refused, "no such form");
+  EXPECT_EXIT(move(OP_mrs, DR_REG_X0, DR_REG_X1), refused, "NZCV, FPCR or FPSR");
+  EXPECT_EXIT(move(OP_add, DR_REG_X0, DR_REG_X1), refused, "no such form");
   EXPECT_EXIT(add(DR_REG_X0, DR_REG_X1, 4096, 0), refused, "from 0 to 4095");
   EXPECT_EXIT(add(DR_REG_X0, DR_REG_X1, 1, 4), refused, "0 or 12");
 }

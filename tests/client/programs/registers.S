@@ -2,16 +2,25 @@
 // left alone; flags passed on. Ends with status 0, or with the number of the check that failed.
         .arch   armv8.2-a+sve
 
+        .macro  adr_l to, label
+        adrp    \to, \label
+        add     \to, \to, :lo12:\label
+        .endm
+
         .macro  check number, left, right
         cmp     \left, \right
         mov     x0, #\number
         b.ne    exit
         .endm
 
+        .macro  element number, to, from, expected
+        umov    \to, \from
+        check   \number, \to, \expected
+        .endm
+
 // X0 to X30 but X1, Q0 to Q31, NZCV, FPCR and FPSR to values of their own. SP to `image`.
         .macro  fill
-        adrp    x0, vectors
-        add     x0, x0, :lo12:vectors
+        adr_l   x0, vectors
         .irp    n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31
         ldr     q\n, [x0, #16 * \n]
         .endr
@@ -21,8 +30,7 @@
         msr     fpcr, x0
         mov     w0, #0x0000001f
         msr     fpsr, x0
-        adrp    x0, image
-        add     x0, x0, :lo12:image
+        adr_l   x0, image
         mov     sp, x0
         .irp    n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30
         movz    x\n, #\n + 0x100, lsl #48
@@ -32,21 +40,18 @@
 
 // All that `fill` set, to memory at SP.
         .macro  dump
-        .irp    n, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28
-        stp     x\n, x30, [sp, #16 * \n]
-        .endr
-        .irp    n, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29
-        str     x\n, [sp, #16 * \n]
+        .irp    n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30
+        str     x\n, [sp, #8 * \n]
         .endr
         .irp    n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31
         str     q\n, [sp, #512 + 16 * \n]
         .endr
-        mrs     x0, nzcv
-        str     x0, [sp, #1024]
-        mrs     x0, fpcr
-        str     x0, [sp, #1032]
-        mrs     x0, fpsr
-        str     x0, [sp, #1040]
+        .set    place, 1024
+        .irp    register, nzcv, fpcr, fpsr
+        mrs     x0, \register
+        str     x0, [sp, #place]
+        .set    place, place + 8
+        .endr
         .endm
 
         .bss
@@ -87,30 +92,21 @@ _start:
         check   5, x21, x22
 
 // Both source and destination.
-        mov     x26, #1000
-        mov     x27, #2000
-        mov     x28, #3000
-        incb    x26
-        incb    x27
-        incb    x28
-        sub     x26, x26, x20
-        sub     x27, x27, x20
-        sub     x28, x28, x20
-        check   6, x26, #1000
-        check   7, x27, #2000
-        check   8, x28, #3000
+        .irp    n, 26, 27, 28
+        mov     x\n, #1000 + \n
+        incb    x\n
+        sub     x\n, x\n, x20
+        check   \n, x\n, #1000 + \n
+        .endr
 
-// Sources: 1000, 1003 in the first elements, then 9 in all.
+// Sources: 1026, 1029 in the first elements, then 9 in all.
         mov     x27, #3
         index   z0.d, x26, x27
-        umov    x21, v0.d[0]
-        check   9, x21, #1000
-        umov    x21, v0.d[1]
-        check   10, x21, #1003
+        element 9, x21, v0.d[0], #1026
+        element 10, x21, v0.d[1], #1029
         mov     x28, #9
         dup     z1.d, x28
-        umov    x21, v1.d[1]
-        check   11, x21, #9
+        element 11, x21, v1.d[1], #9
         mov     x26, #5
         whilelt p0.b, x26, x28                  // 4 elements
         cntp    x27, p0, p0.b
@@ -118,17 +114,14 @@ _start:
 
 // Bases and indexes; what is stored by one is loaded by the next.
         ptrue   p0.b
-        adrp    x26, bytes
-        add     x26, x26, :lo12:bytes
+        adr_l   x26, bytes
         ld1b    z2.b, p0/z, [x26]
-        umov    w21, v2.b[15]
-        check   13, x21, #7
+        element 13, w21, v2.b[15], #7
         dup     z2.b, #1
         st1b    z2.b, p0, [sp]
         mov     x27, sp
         ld1b    z3.b, p0/z, [x27]
-        umov    w21, v3.b[15]
-        check   14, x21, #1
+        element 14, w21, v3.b[15], #1
         mov     x28, #1
         add     x27, x26, x28
         dup     z2.b, #2
@@ -136,14 +129,12 @@ _start:
         ldrb    w21, [x26]
         check   15, x21, #7
         ldr     z4, [x27]
-        umov    w21, v4.b[15]
-        check   16, x21, #2
+        element 16, w21, v4.b[15], #2
         mov     x28, sp
         str     z4, [x28]
         mov     x27, #0
         ld1b    z5.b, p0/z, [sp, x27]
-        umov    w21, v5.b[0]
-        check   17, x21, #2
+        element 17, w21, v5.b[0], #2
 
 // Flags: the first element is active.
         whilelt p1.b, x27, x20
@@ -153,8 +144,7 @@ _start:
 // An instruction that names none of them changes no other register, and no flag.
         fill
         dump
-        adrp    x1, before
-        add     x1, x1, :lo12:before
+        adr_l   x1, before
         mov     x2, #1056
 1:      subs    x2, x2, #8
         ldr     x3, [sp, x2]
@@ -163,8 +153,7 @@ _start:
         fill
         ptrue   p5.h
         dump
-        adrp    x1, before
-        add     x1, x1, :lo12:before
+        adr_l   x1, before
         mov     x2, #1056
 2:      sub     x2, x2, #8
         ldr     x3, [sp, x2]
