@@ -4,6 +4,8 @@
 #include "sve/fast/compare.h"
 #include "sve/fast/contiguous_memory.h"
 #include "sve/fast/counting.h"
+#include "sve/fast/first_fault.h"
+#include "sve/fast/gather_scatter.h"
 #include "sve/fast/immediates_shifts_moves.h"
 #include "sve/fast/integer_arithmetic.h"
 #include "sve/fast/permutes_reductions.h"

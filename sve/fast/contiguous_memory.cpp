@@ -1,7 +1,4 @@
-// Contiguous loads and stores read and write one element after the other, each by one access of
-// its width in memory: a wider access would touch the memory of inactive elements, which may be
-// unmapped or belong to somebody else. There is no temporary, since no operand but the address is
-// read and a fault doesn't return here.
+// There is no temporary, since no operand but the address is read and a fault doesn't return here.
 //
 // All loads of a width are one template, whether plain, non-temporal or of several registers, and
 // so are all stores; each name below is one instance of it.
@@ -10,6 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "sve/fast/memory_elements.h"
 #include "sve/state/access.h"
 #include "sve/state/guest_memory.h"
 #include "sve/state/integers.h"
@@ -23,6 +21,7 @@ using sve::read_guest;
 using sve::read_x;
 using sve::vector_bytes;
 using sve::write_guest;
+using sve::fast::register_offset;
 
 using namespace sve::integers;
 
@@ -36,12 +35,6 @@ using X = aarch64_i_reg;
 // Byte offset of a block transfer: registers times bytes, in 32 bits, sign-extended.
 U64 block_offset(int imm, unsigned bytes) {
   return static_cast<U64>(static_cast<S32>(static_cast<U32>(imm) * bytes));
-}
-
-// Offset of the zpri forms in memory elements.
-template <class T, int N>
-long register_offset(int imm) {
-  return static_cast<long>(imm) * elements<T> * N;
 }
 
 // M is the memory element, whose sign is extended where it is signed; T the register element.
@@ -103,10 +96,8 @@ RC ldN(CPU* cpu, Z zt, P pg, R rn, X rm) {
 template <class M, class T = M>
 RC ld1r(CPU* cpu, Z zt, P pg, R rn, unsigned imm) {
   const U64 address = read_x(cpu, rn) + U64{imm} * sizeof(M);
-  for (unsigned i = 0; i < elements<T>; ++i) {
-    const bool active = sve::active<T>(cpu->p[pg.num], i);
-    sve::set_element<T>(cpu->z[zt.num], i, active ? static_cast<T>(read_guest<M>(address)) : T{0});
-  }
+  sve::fast::load_elements<M, T>(cpu->z[zt.num], cpu->p[pg.num], elements<T>,
+                                 [=](unsigned) { return address; });
   return aarch64_decode_ok;
 }
 

@@ -2,7 +2,10 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/compare.cpp
   ${CMAKE_CURRENT_LIST_DIR}/contiguous_memory.cpp
   ${CMAKE_CURRENT_LIST_DIR}/counting.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/first_fault.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gather_scatter.cpp
   ${CMAKE_CURRENT_LIST_DIR}/immediates_shifts_moves.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer_arithmetic.cpp
   ${CMAKE_CURRENT_LIST_DIR}/permutes_reductions.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/stub_entries.cpp)

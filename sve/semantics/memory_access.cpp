@@ -1,9 +1,11 @@
 // The guard stands around two touches of single bytes and not around the element's own access:
 // the touches have no effect but the fault, so that whatever is interrupted there can be given up.
+// The probe is told from all else by its instruction's address.
 #include "sve/semantics/memory_access.h"
 
 #include <cstdio>
 
+#include "sve/semantics/probe.h"
 #include "sve/state/guest_memory.h"
 
 [[gnu::tls_model("initial-exec")]] thread_local constinit volatile std::int32_t SVEFaultRegion = 0;
@@ -55,7 +57,12 @@ bool SVEInitialize() {
   return true;
 }
 
-void SVESigHandler(int signal_number, siginfo_t* /*info*/, void* /*context*/) {
+void SVESigHandler(int signal_number, siginfo_t* /*info*/, void* context) {
+  // First, since it needs no thread-local storage.
+  if (signal_number == SIGSEGV && context != nullptr &&
+      sve::step_over_probe(*static_cast<ucontext_t*>(context))) {
+    return;
+  }
   if (SVEFaultRegion != 0) {
     SVEFaultRegion = 0;
     siglongjmp(sveFaultJB, 1);  // NOLINT(cert-err52-cpp): leaves a signal handler
@@ -82,6 +89,11 @@ std::uint64_t ReadMemLib4(std::uint64_t address, int /*hint*/, bool* fault, CpuC
 }
 std::uint64_t ReadMemLib8(std::uint64_t address, int /*hint*/, bool* fault, CpuContext* /*ctx*/) {
   return read<std::uint64_t>(address, fault);
+}
+
+template <>
+bool addr_is_readable<char>(volatile char* address) {
+  return sve_probe(address) != 0;
 }
 
 void WriteMemLib1(std::uint8_t value, std::uint64_t address, CpuContext* /*ctx*/) {

@@ -27,9 +27,9 @@ extern CpuContext* ctxt;
 // only. Returns true.
 bool SVEInitialize();
 
-// With the thread's region open, closes it and jumps to sveFaultJB, whatever the signal and the
-// address. Otherwise prints its message, puts the default actions back and returns, so that the
-// instruction faults again.
+// With a SIGSEGV of the probe's load, lets the probe go on. With the thread's region open, closes
+// it and jumps to sveFaultJB, whatever the signal and the address. Otherwise prints its message,
+// puts the default actions back and returns, so that the instruction faults again.
 void SVESigHandler(int signal_number, siginfo_t* info, void* context);
 
 // The element at `address`, zero-extended, by one access of 1, 2, 4 or 8 bytes. With `fault` not
@@ -46,6 +46,14 @@ void WriteMemLib1(std::uint8_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib2(std::uint16_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib4(std::uint32_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib8(std::uint64_t value, std::uint64_t address, CpuContext* ctx);
+
+// Whether a one-byte load from `address` raises no SIGSEGV; the byte itself is not looked at. A bus
+// error of the load ends the process. It needs SVESigHandler in place, changes no signal action,
+// and serves any number of threads at once. Defined for char.
+template <class T>
+bool addr_is_readable(volatile T* address);
+template <>
+bool addr_is_readable<char>(volatile char* address);
 
 // Accesses of a memory that doesn't exist: they report no fault, read 0 and write nothing.
 std::uint64_t ReadMem(std::uint64_t address, int size, int hint, bool* fault, CpuContext* ctx);

@@ -4,4 +4,5 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/integer.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer_helpers.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory_access.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/probe_${CMAKE_SYSTEM_PROCESSOR}.cpp)

@@ -13,6 +13,8 @@
 
 #include "guarded_memory.h"
 #include "sve/fast/contiguous_memory.h"
+#include "sve/fast/gather_scatter.h"
+#include "sve/state/guest_memory.h"
 
 namespace {
 
@@ -116,8 +118,12 @@ TEST_F(MemoryAccess, WritesTouchExactlyTheirBytes) {
   }
 }
 
-// Faults of many threads at once, each with its own slot: a thread that reads only what is mapped
-// never sees a fault of one that doesn't.
+bool probe(std::uint64_t address) {
+  return addr_is_readable<char>(sve::guest_pointer<volatile char>(address));
+}
+
+// Faults of many threads at once, guarded and probed: a thread that reads only what is mapped never
+// sees a fault of one that doesn't.
 TEST_F(MemoryAccess, ThreadsFaultAtOnce) {
   std::atomic<int> wrong = 0;
   const auto reader = [&](std::uint64_t address, bool mapped) {
@@ -126,6 +132,7 @@ TEST_F(MemoryAccess, ThreadsFaultAtOnce) {
       bool fault = false;
       const std::uint64_t value = ReadMemLib8(address, 0, &fault, &own);
       if (fault == mapped || value != (mapped ? expected(address, 8) : 0)) ++wrong;
+      if (probe(address + 7) != mapped) ++wrong;
     }
   };
   std::thread threads[] = {
@@ -133,6 +140,23 @@ TEST_F(MemoryAccess, ThreadsFaultAtOnce) {
       std::thread(reader, memory.end() - 8, true), std::thread(reader, memory.begin() + 1, true)};
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(MemoryAccess, ProbesTellWhatCanBeRead) {
+  const auto actions = [] {
+    struct sigaction action;
+    sigaction(SIGSEGV, nullptr, &action);
+    return action.sa_sigaction;
+  };
+  const auto installed = actions();
+  for (const std::uint64_t readable : {memory.begin(), memory.end() - 1}) {
+    for (const std::uint64_t not_readable :
+         {memory.end(), memory.begin() - 1, std::uint64_t{0}, ~std::uint64_t{0}}) {
+      EXPECT_TRUE(probe(readable));
+      EXPECT_FALSE(probe(not_readable)) << not_readable;
+    }
+  }
+  EXPECT_EQ(actions(), installed);
 }
 
 TEST_F(MemoryAccess, AccessesOfNoMemory) {
@@ -171,13 +195,14 @@ class UnguardedFaultDeathTest : public MemoryAccess {};
 TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
   const rlimit no_core_file{0, 0};
   setrlimit(RLIMIT_CORE, &no_core_file);
-  const aarch64_z_reg z{0, 0, 0, 0};
+  const aarch64_z_reg z{0, 0, 0, 0}, z1{1, 0, 0, 0};
   const aarch64_p_reg p{0, 0, 0, 0};
   const aarch64_i_rsp_reg x{0, 0};
   const auto state = std::make_unique<cpu_state>();
   cpu_state* s = state.get();
   std::memset(s->p, 1, sizeof s->p);
   s->x[0] = memory.end() - 5;
+  s->z[1][1] = 1;  // offset element 0 is 256
   const std::uint64_t bus = page_without_memory();
   const struct {
     const char* what;
@@ -204,6 +229,15 @@ TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
          if (sigsetjmp(sveFaultJB, 1) != 0) std::_Exit(0);
          std::thread([&] { WriteMemLib1(0, memory.end(), &ctx); }).join();
        }},
+      {"another thread while this one probes", SIGSEGV,
+       [&] {
+         std::thread([&] { usleep(10000), WriteMemLib1(0, memory.end(), &ctx); }).detach();
+         while (!probe(memory.end())) {
+         }
+       }},
+      {"probe of a page without memory", SIGBUS, [&] { probe(bus); }},
+      {"gather", SIGSEGV, [&] { sve_ld1sb_d_sxtw_zpzr(s, z, p, z1, x); }},
+      {"scatter", SIGSEGV, [&] { sve_st1d_scaled_zprz(s, z, p, x, z1); }},
       {"after a guarded fault", SIGSEGV,
        [&] {
          bool fault = false;

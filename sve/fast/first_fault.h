@@ -1,0 +1,25 @@
+// Fast paths of the contiguous loads that tell of an inaccessible element through FFR instead of
+// taking its fault: first-fault loads (ldff1, base and index register) and non-fault loads (ldnf1,
+// base and immediate). They find out what can be read before they read it, page by page.
+//
+// The names are those of the contiguous loads; an index counts memory elements, an immediate
+// registers. They clear elements of `ffr` and never set one; an element that is not loaded keeps
+// its old value. Inactive elements among the loaded ones become 0, and their memory is not
+// accessed. SVESigHandler must be in place, as SVEInitialize leaves it: the probe depends on it.
+// All functions return aarch64_decode_ok.
+//
+// A first-fault load treats the page of its first address like a plain load, whose fault ends the
+// process; what lies behind the page's end is either loaded as a whole or not at all, so that FFR
+// can tell of fewer elements than there are. A non-fault load asks for every page, and can leave a
+// gap in FFR.
+#pragma once
+
+#include "sve/fast/contiguous_memory.h"
+
+sve::contiguous_scaled_zprr sve_ldff1b_scaled_zprr, sve_ldff1b_h_scaled_zprr,
+    sve_ldff1b_s_scaled_zprr, sve_ldff1b_d_scaled_zprr, sve_ldff1w_scaled_zprr,
+    sve_ldff1w_d_scaled_zprr, sve_ldff1d_scaled_zprr;
+sve::contiguous_zpri sve_ldnf1b_zpri, sve_ldnf1b_h_zpri, sve_ldnf1b_s_zpri, sve_ldnf1b_d_zpri,
+    sve_ldnf1sb_h_zpri, sve_ldnf1sb_s_zpri, sve_ldnf1sb_d_zpri, sve_ldnf1h_zpri, sve_ldnf1h_s_zpri,
+    sve_ldnf1h_d_zpri, sve_ldnf1sh_s_zpri, sve_ldnf1sh_d_zpri, sve_ldnf1w_zpri, sve_ldnf1w_d_zpri,
+    sve_ldnf1sw_d_zpri, sve_ldnf1d_zpri;

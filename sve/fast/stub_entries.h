@@ -1,0 +1,28 @@
+// Entries for the operations that have no fast path, by the names that fast paths would have.
+//
+// No handler calls one: bridges run these instructions in the reference semantics. Whoever does
+// call one reads on stderr which instruction it was, from `pc` and `instr` of the state, and gets
+// aarch64_decode_unimplemented; nothing else happens.
+#pragma once
+
+#include "sve/fast/forms.h"
+
+namespace sve::stub {
+
+using form::P;
+using form::R;
+using form::R_or_SP;
+using form::rc;
+using form::Z;
+using dup_imm = aarch64_sve_fp_dup_imm;
+using arith_imm = aarch64_sve_fp_arith_imm;
+
+#define STUB(name, ...) rc name(cpu_state*, __VA_ARGS__);
+#include "sve/fast/stub_entries.inc"
+#undef STUB
+
+}  // namespace sve::stub
+
+#define STUB(name, ...) using sve::stub::name;
+#include "sve/fast/stub_entries.inc"
+#undef STUB
