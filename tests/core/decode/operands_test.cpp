@@ -83,6 +83,18 @@ TEST(Operands, ReachTheFastPathOrTheReferenceFunction) {
        "{3 3 5 5} {2 5 7 7} {4 3} 63"},                       // ld1rd {z3.d}, p2/z, [x4, #504]
       {0x85a043e3, "VecU64FillSI", "{3 3 5 5} {31 3} -256"},  // ldr z3, [sp, #-256, mul vl]
       {0x859f1c83, "VecPFillSI", "{3 0 7 7} {4 3} 255"},      // ldr p3, [x4, #255, mul vl]
+      {0xe527abe3, "VecU64Store4SVZ",
+       "{3 3 5 5} {2 6 7 7} {31 3} {7 3 5 5}"},  // st1w {z3.d}, p2, [sp, z7.d, lsl #2]
+      {0xe4e5c883, "VecU32Store2XSVZ",
+       "{3 2 5 5} {2 6 7 7} {4 3} {5 2 5 5}"},  // st1h {z3.s}, p2, [x4, z5.s, sxtw #1]
+      {0xc445c883, "VecU64Load1VSZ",
+       "{3 3 5 5} {2 5 7 7} {5 3 5 5} {4 3}"},  // ld1b {z3.d}, p2/z, [x4, z5.d]
+      {0xc5238883, "VecS64Load4VIZ",
+       "{3 3 5 5} {2 5 7 7} {4 3 5 5} 3"},  // ld1sw {z3.d}, p2/z, [z4.d, #12]
+      {0xa5676be3, "VecU64CLoadFF4LSSZ",
+       "{3 3 5 5} {2 5 7 7} {31 3} {7 3 4 4}"},  // ldff1w {z3.d}, p2/z, [sp, x7, lsl #2]
+      {0xa538a883, "VecS32CLoadNF2SIZ",
+       "{3 2 5 5} {2 5 7 7} {4 3} -8"},  // ldnf1sh {z3.s}, p2/z, [x4, #-8, mul vl]
       // Immediates.
       {0x2560ffe4, "VecU16AddVIX", "{4 5 1 1} 65280"},          // add z4.h, z4.h, #255, lsl #8
       {0x2520ffe7, "VecU8AddVIX", "{7 5 0 0} 65280"},           // add z7.b, z7.b, #255, lsl #8
