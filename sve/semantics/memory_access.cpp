@@ -67,15 +67,16 @@ void SVESigHandler(int signal_number, siginfo_t* /*info*/, void* context) {
     SVEFaultRegion = 0;
     siglongjmp(sveFaultJB, 1);  // NOLINT(cert-err52-cpp): leaves a signal handler
   }
-  struct sigaction action = {};
-  action.sa_handler = SIG_DFL;
-  set_actions(action);
-  // The process is about to end, and this message is all that it leaves behind.
+  // The process is about to end, and this message is all that it leaves behind. It comes before the
+  // default actions, under which the next probe or guarded read of another thread ends the process.
   std::fprintf(stderr,
                "velox's SVESigHandler caught signal %s from the process being emulated, passing it "
                "to the default signal handler.\n",
                signal_number == SIGSEGV ? "SIGSEGV" : "SIGBUS");
   std::fflush(stderr);
+  struct sigaction action = {};
+  action.sa_handler = SIG_DFL;
+  set_actions(action);
 }
 
 std::uint64_t ReadMemLib1(std::uint64_t address, int /*hint*/, bool* fault, CpuContext* /*ctx*/) {

@@ -2,7 +2,8 @@
 // of its own and from every distance that matters, while a ninth maps, touches and unmaps pages all
 // the time. Each load must read as far as the architecture demands and tell so in the first-fault
 // register, and each loop must arrive at the unreadable page. Prints the totals; ends with status 1
-// at the first load that is wrong.
+// at the first load that is wrong. With an argument the ninth thread stores to an unreadable page
+// instead, which must end the process whatever the others are at.
 #include <algorithm>
 #include <arm_sve.h>
 #include <array>
@@ -166,12 +167,17 @@ void map_and_unmap(const std::atomic<bool>& done) {
   }
 }
 
+void fault(const std::atomic<bool>& /*done*/) {
+  usleep(100'000);
+  *const_cast<volatile u8*>(map_numbers(0)) = 1;
+}
+
 }  // namespace
 
-int main() {
+int main(int argc, char* /*argv*/[]) {
   total_of_each totals = {};
   std::atomic<bool> done = false;
-  std::thread mapper(map_and_unmap, std::cref(done));
+  std::thread mapper(argc > 1 ? fault : map_and_unmap, std::cref(done));
   std::vector<std::thread> workers;
   for (unsigned seed = 0; seed < worker_count; ++seed) {
     workers.emplace_back(read_from_everywhere, seed, std::ref(totals));
