@@ -7,8 +7,6 @@
 #include "sve/fast/predicates.h"
 
 using namespace sve::fast;
-using sve::element;
-using sve::elements;
 using sve::vector_bytes;
 
 namespace {
@@ -22,16 +20,17 @@ void set_predicate(cpu_state* s, P pd, P pg, Value value) {
   const unsigned char* g = s->p[pg.num];
   alignas(sve::group_bytes) unsigned char result[vector_bytes];
   write_in_place<Unit>(result,
-                       [=](std::size_t i) { return (Unit)(value(i) & governing<Unit>(g, i)) & 1; });
+                       [&](std::size_t i) { return (Unit)value(i) & load_unit<Unit>(g, i) & 1; });
   sve_ptest<std::make_signed_t<T>>(s, as_chars(g), as_chars(result));
   std::memcpy(s->p[pd.num], result, vector_bytes);
 }
 
 template <class Compare>
 rc ppzz(cpu_state* s, P pd, P pg, Z zn, Z zm, Compare holds) {
-  return by_size<single>(pd.size, [=]<class T>() {
-    set_predicate<T>(s, pd, pg, [=](std::size_t i) {
-      return holds(element<group<T>>(s->z[zn.num], i), element<group<T>>(s->z[zm.num], i));
+  const unsigned char *n = s->z[zn.num], *m = s->z[zm.num];
+  return by_size<single>(pd.size, [&]<class T>() {
+    set_predicate<T>(s, pd, pg, [&](std::size_t i) {
+      return holds(load_unit<group<T>>(n, i), load_unit<group<T>>(m, i));
     });
   });
 }
@@ -39,10 +38,11 @@ rc ppzz(cpu_state* s, P pd, P pg, Z zn, Z zm, Compare holds) {
 // The immediate is truncated, or extended as its type says.
 template <class Integer, class Compare>
 rc ppzi(cpu_state* s, P pd, P pg, Z zn, Integer imm, Compare holds) {
-  return by_size<single>(pd.size, [=]<class T>() {
+  const unsigned char* n = s->z[zn.num];
+  return by_size<single>(pd.size, [&]<class T>() {
     const auto value = broadcast<group<T>>(static_cast<T>(imm));
-    set_predicate<T>(
-        s, pd, pg, [=](std::size_t i) { return holds(element<group<T>>(s->z[zn.num], i), value); });
+    set_predicate<T>(s, pd, pg,
+                     [&](std::size_t i) { return holds(load_unit<group<T>>(n, i), value); });
   });
 }
 

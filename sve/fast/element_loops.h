@@ -1,11 +1,14 @@
 // The loops of the fast paths: what is the same for every operation of a shape.
 //
-// A result is built in a temporary and copied to its register in one block, so that any operand may
-// be the destination. The loops have constant trip counts and select instead of branching: for each
-// group of 16 bytes the loads, one mask from the predicate, the operation, a select and a store;
-// what is computed for inactive elements is discarded. Units of one element branch instead.
+// Any operand may be the destination. Where unit i of the result depends on unit i of each operand
+// alone, it is written as soon as it is computed; all else is built in a temporary and copied to
+// its register in one block. The loops have constant trip counts and select instead of branching:
+// for each group of 16 bytes the loads, one mask from the predicate, the operation, a select and a
+// store; what is computed for inactive elements is discarded. Units of one element branch instead.
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -31,12 +34,16 @@ template <class T>
 inline constexpr unsigned size_code = std::countr_zero(sizeof(T));
 
 // Calls `loop` for the element type that has the given size code, as the given kind of unit. The
-// types are tried in their order, and the last takes all codes that are left.
+// types are tried in their order, and the last takes all codes that are left. The loops of all
+// types begin with the same loads; the fence, which is no instruction, keeps the compiler from
+// moving them above the test of the size, where they would all be live at once, and most of them
+// spilled.
 template <template <class> class Unit, class T, class... Others, class Loop>
 inline rc by_size_among(unsigned size, Loop loop) {
   if constexpr (sizeof...(Others) > 0) {
     if (size != size_code<T>) return by_size_among<Unit, Others...>(size, loop);
   }
+  std::atomic_signal_fence(std::memory_order_acquire);
   loop.template operator()<Unit<T>>();
   return aarch64_decode_ok;
 }
@@ -46,10 +53,25 @@ inline rc by_size(unsigned size, Loop loop) {
   return by_size_among<Unit, std::uint32_t, std::uint64_t, std::uint16_t, std::uint8_t>(size, loop);
 }
 
-// Writes value(i) as each unit i of a register directly: for what reads no other vector.
+// Writes value(i) as each unit i of a register, in ascending order: for what depends on no other
+// unit of the destination than i. Groups go in blocks, the values of a block before its stores, so
+// that the compiler can load and store neighbours together.
 template <class Unit, class Value>
 inline rc write_in_place(unsigned char* destination, Value value) {
-  for (std::size_t i = 0; i < elements<Unit>; ++i) set_element<Unit>(destination, i, value(i));
+  constexpr std::size_t count = elements<Unit>, block = 4;
+  if constexpr (is_single<Unit>) {
+    for (std::size_t i = 0; i < count; ++i) store_unit<Unit>(destination, i, value(i));
+  } else {
+#pragma GCC unroll 16
+    for (std::size_t begin = 0; begin < count; begin += block) {
+      const std::size_t size = std::min(block, count - begin);
+      Unit values[block];
+#pragma GCC unroll 16
+      for (std::size_t k = 0; k < size; ++k) values[k] = value(begin + k);
+#pragma GCC unroll 16
+      for (std::size_t k = 0; k < size; ++k) store_unit<Unit>(destination, begin + k, values[k]);
+    }
+  }
   return aarch64_decode_ok;
 }
 
@@ -62,21 +84,27 @@ inline rc write_units(unsigned char* destination, Value value) {
   return aarch64_decode_ok;
 }
 
+// op of unit i of each source.
+template <class Unit, class Op, class... Sources>
+inline Unit apply(const cpu_state* state, [[maybe_unused]] std::size_t i, Op op,
+                  Sources... sources) {
+  return (Unit)op(load_unit<Unit>(state->z[sources.num], i)...);
+}
+
 // zd = op(sources...).
 template <class Unit, class Op, class... Sources>
 inline rc compute(cpu_state* state, Z zd, Op op, Sources... sources) {
-  return write_units<Unit>(state->z[zd.num], [=](std::size_t i) {
-    return (Unit)op(element<Unit>(state->z[sources.num], i)...);
-  });
+  return write_in_place<Unit>(state->z[zd.num],
+                              [=](std::size_t i) { return apply<Unit>(state, i, op, sources...); });
 }
 
 // zd = op(sources...) where pg, else the element of `otherwise`.
 template <class Unit, class Op, class... Sources>
 inline rc select(cpu_state* state, Z zd, P pg, Z otherwise, Op op, Sources... sources) {
-  return write_units<Unit>(state->z[zd.num], [=](std::size_t i) {
-    return governing<Unit>(state->p[pg.num], i)
-               ? (Unit)op(element<Unit>(state->z[sources.num], i)...)
-               : element<Unit>(state->z[otherwise.num], i);
+  return write_in_place<Unit>(state->z[zd.num], [=](std::size_t i) {
+    return where_governed<Unit>(
+        state->p[pg.num], i, [=] { return apply<Unit>(state, i, op, sources...); },
+        [=] { return load_unit<Unit>(state->z[otherwise.num], i); });
   });
 }
 
@@ -89,10 +117,10 @@ inline rc merge(cpu_state* state, Z zd, P pg, Op op, Sources... sources) {
 // zd = op(sources...) where pg; the other elements become 0.
 template <class Unit, class Op, class... Sources>
 inline rc zero_inactive(cpu_state* state, Z zd, P pg, Op op, Sources... sources) {
-  return write_units<Unit>(state->z[zd.num], [=](std::size_t i) {
-    return governing<Unit>(state->p[pg.num], i)
-               ? (Unit)op(element<Unit>(state->z[sources.num], i)...)
-               : Unit{};
+  return write_in_place<Unit>(state->z[zd.num], [=](std::size_t i) {
+    return where_governed<Unit>(
+        state->p[pg.num], i, [=] { return apply<Unit>(state, i, op, sources...); },
+        [] { return Unit{}; });
   });
 }
 

@@ -30,13 +30,16 @@ template <class T>
 using group_but_single_d = std::conditional_t<sizeof(T) == 8, T, group<T>>;
 
 template <class Unit>
+inline constexpr bool is_single = std::is_integral_v<Unit>;
+
+template <class Unit>
 struct unit_traits {
   using element_type = Unit;
   using signed_unit = std::make_signed_t<Unit>;
 };
 
 template <class Unit>
-requires(!std::is_integral_v<Unit>) struct unit_traits<Unit> {
+requires(!is_single<Unit>) struct unit_traits<Unit> {
   using element_type = std::remove_reference_t<decltype(std::declval<Unit&>()[0])>;
   using signed_unit = group<std::make_signed_t<element_type>>;
 };
@@ -56,10 +59,46 @@ inline Unit broadcast(typename unit_traits<Unit>::element_type value) {
   return Unit{} + value;
 }
 
-// The governing bits of unit i as a condition for ?:.
+// Group i of a vector. An access by a group's own type, unlike one by memcpy, can be joined with
+// its neighbour into one instruction for 32 bytes.
+template <class Group>
+struct group_access {
+  using type [[gnu::may_alias, gnu::aligned(1)]] = Group;
+};
+
 template <class Unit>
-inline auto governing(const unsigned char* predicate, std::size_t i) {
-  return (element<Unit>(predicate, i) & 1) != 0;
+inline Unit load_unit(const unsigned char* vector, std::size_t i) {
+  if constexpr (is_single<Unit>)
+    return element<Unit>(vector, i);
+  else
+    return reinterpret_cast<const typename group_access<Unit>::type*>(vector)[i];
+}
+
+template <class Unit>
+inline void store_unit(unsigned char* vector, std::size_t i, Unit value) {
+  if constexpr (is_single<Unit>)
+    set_element<Unit>(vector, i, value);
+  else
+    reinterpret_cast<typename group_access<Unit>::type*>(vector)[i] = value;
+}
+
+// The governing bits of group i, as a mask of all ones and zeros.
+template <class Group>
+inline Group governing_mask(const unsigned char* predicate, std::size_t i) {
+  return (Group)((load_unit<Group>(predicate, i) & 1) != 0);
+}
+
+// What `active` gives where unit i is governed by a 1, else what `inactive` gives. Of a group both
+// are computed; the select is written such that the compiler sees it as one.
+template <class Unit, class Active, class Inactive>
+inline Unit where_governed(const unsigned char* predicate, std::size_t i, Active active,
+                           Inactive inactive) {
+  if constexpr (is_single<Unit>) {
+    return sve::active<Unit>(predicate, i) ? active() : inactive();
+  } else {
+    const Unit a = active(), b = inactive();
+    return ((a ^ b) & governing_mask<Unit>(predicate, i)) ^ b;
+  }
 }
 
 }  // namespace sve::fast

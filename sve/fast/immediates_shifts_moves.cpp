@@ -1,6 +1,4 @@
-// Immediates arrive decoded and are broadcast at element width. What reads no vector, or one
-// element of it before it writes, fills its destination directly; all else goes by way of the
-// temporary.
+// Immediates arrive decoded and are broadcast at element width.
 #include "sve/fast/immediates_shifts_moves.h"
 
 #include <utility>
@@ -42,34 +40,34 @@ rc zi_bitwise(cpu_state* s, Z zdn, mask64 imm, Op op) {
       s, zdn, [=](auto dn) { return op(dn, imm.mask); }, zdn);
 }
 
-// zdn = op(zdn, zm) where pg, and the same with a count for all elements.
+// zdn = op(zdn, zm) where pg.
 template <template <class> class UnitKind = group, class Op>
 rc zpz_shift(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
   return merge_by_size<UnitKind>(s, zdn.dst_size, zdn, pg, op, zdn, zm);
 }
 
-template <template <class> class UnitKind = group, class Op>
-rc zpi_shift(cpu_state* s, Z zdn, P pg, unsigned shift, Op op) {
-  return by_size<UnitKind>(zdn.dst_size, [=]<class Unit>() {
-    const Unit count = truncated<Unit>(shift);
-    merge<Unit>(
-        s, zdn, pg, [=](Unit dn) { return op(dn, count); }, zdn);
-  });
+// Shifts by the same count for all elements.
+template <class Unit>
+auto asr_by(unsigned shift) {
+  return [count = truncated<Unit>(shift)](Unit a) { return asr(a, count); };
 }
 
-template <class Op>
-rc zzi_shift(cpu_state* s, Z zd, Z zn, unsigned shift, Op op) {
-  return by_size<group>(zd.size, [=]<class Unit>() {
-    const Unit count = truncated<Unit>(shift);
-    compute<Unit>(
-        s, zd, [=](Unit n) { return op(n, count); }, zn);
-  });
+// Calls loop(op) with the left shift by the same count for all elements, which is tested here,
+// once.
+template <class Unit, class Loop>
+void with_lsl(unsigned shift, Loop loop) {
+  const auto count = static_cast<typename unit_traits<Unit>::element_type>(shift);
+  if (count < element_bits<Unit>) {
+    loop([=](Unit a) { return a << count; });
+  } else {
+    loop([](Unit) { return Unit{}; });
+  }
 }
 
 // The value in each element of zd.
 template <class Unit>
-void fill(cpu_state* s, Z zd, Unit value) {
-  write_in_place<Unit>(s->z[zd.num], [=](std::size_t) { return value; });
+rc fill(cpu_state* s, Z zd, Unit value) {
+  return compute<Unit>(s, zd, [=] { return value; });
 }
 
 template <class Integer>
@@ -80,13 +78,9 @@ rc dup(cpu_state* s, Z zd, Integer value) {
 // The value in each active element of zd. The others become 0 or keep their old value.
 template <class Integer>
 rc cpy(cpu_state* s, Z zd, P pg, Integer value, bool zeroing = false) {
-  unsigned char* d = s->z[zd.num];
   return by_size<group>(zd.size, [=]<class Unit>() {
-    const Unit copied = truncated<Unit>(value);
-    const Unit kept = truncated<Unit>(zeroing ? 0 : -1);
-    write_in_place<Unit>(d, [=](std::size_t i) {
-      return governing<Unit>(s->p[pg.num], i) ? copied : element<Unit>(d, i) & kept;
-    });
+    const auto copied = [unit = truncated<Unit>(value)] { return unit; };
+    zeroing ? zero_inactive<Unit>(s, zd, pg, copied) : merge<Unit>(s, zd, pg, copied);
   });
 }
 
@@ -127,24 +121,34 @@ rc sve_lsr_zpz(cpu_state* s, Z zdn, P pg, Z zm) { return zpz_shift(s, zdn, pg, z
 rc sve_asr_zpz(cpu_state* s, Z zdn, P pg, Z zm) {
   return zpz_shift<group_but_single_d>(s, zdn, pg, zm, asr);
 }
-rc sve_lsl_zpi(cpu_state* s, Z zdn, P pg, unsigned n) { return zpi_shift(s, zdn, pg, n, lsl); }
-rc sve_asr_zpi(cpu_state* s, Z zdn, P pg, unsigned n) {
-  return zpi_shift<group_but_single_d>(s, zdn, pg, n, asr);
+rc sve_lsl_zpi(cpu_state* s, Z zdn, P pg, unsigned n) {
+  return by_size<group>(zdn.dst_size, [=]<class Unit>() {
+    with_lsl<Unit>(n, [&](auto op) { merge<Unit>(s, zdn, pg, op, zdn); });
+  });
 }
-rc sve_lsl_zzi(cpu_state* s, Z zd, Z zn, unsigned n) { return zzi_shift(s, zd, zn, n, lsl); }
-rc sve_asr_zzi(cpu_state* s, Z zd, Z zn, unsigned n) { return zzi_shift(s, zd, zn, n, asr); }
+rc sve_asr_zpi(cpu_state* s, Z zdn, P pg, unsigned n) {
+  return by_size<group_but_single_d>(
+      zdn.dst_size, [=]<class Unit>() { merge<Unit>(s, zdn, pg, asr_by<Unit>(n), zdn); });
+}
+rc sve_lsl_zzi(cpu_state* s, Z zd, Z zn, unsigned n) {
+  return by_size<group>(zd.size, [=]<class Unit>() {
+    with_lsl<Unit>(n, [&](auto op) { compute<Unit>(s, zd, op, zn); });
+  });
+}
+rc sve_asr_zzi(cpu_state* s, Z zd, Z zn, unsigned n) {
+  return by_size<group>(zd.size, [=]<class Unit>() { compute<Unit>(s, zd, asr_by<Unit>(n), zn); });
+}
 
 rc sve_dup_zi(cpu_state* s, Z zd, int imm) { return dup(s, zd, imm); }
 rc sve_dup_zr(cpu_state* s, Z zd, R_or_SP rn) { return dup(s, zd, read_x(s, rn)); }
 rc sve_dupm_zi(cpu_state* s, Z zd, mask64 imm) {
-  fill(s, zd, broadcast<group<U64>>(imm.mask));
-  return aarch64_decode_ok;
+  return fill(s, zd, broadcast<group<U64>>(imm.mask));
 }
 
 rc sve_dup_zzi(cpu_state* s, Z zd, Z zn, unsigned index) {
-  return by_size_among<single, U16, U32, U64, quadword, std::uint8_t>(zd.size, [=]<class T>() {
-    fill(s, zd, index < elements<T> ? element<T>(s->z[zn.num], index) : T{});
-  });
+  const unsigned char* n = s->z[zn.num];
+  return by_size_among<single, U16, U32, U64, quadword, std::uint8_t>(
+      zd.size, [&]<class T>() { fill(s, zd, index < elements<T> ? element<T>(n, index) : T{}); });
 }
 
 rc sve_cpy_zpi(cpu_state* s, Z zd, P pg, int imm) {

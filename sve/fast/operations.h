@@ -1,6 +1,10 @@
 // The operations of the fast paths, one expression each, on a unit of unsigned elements.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
 #include "sve/fast/group.h"
 
 namespace sve::fast {
@@ -15,10 +19,12 @@ inline constexpr auto bit_or = [](auto a, auto b) { return a | b; };
 inline constexpr auto bit_xor = [](auto a, auto b) { return a ^ b; };
 inline constexpr auto bit_clear = [](auto a, auto b) { return a & ~b; };
 
-inline constexpr auto umin = [](auto a, auto b) { return a < b ? a : b; };
-inline constexpr auto umax = [](auto a, auto b) { return a > b ? a : b; };
-inline constexpr auto smin = [](auto a, auto b) { return as_signed(a) < as_signed(b) ? a : b; };
-inline constexpr auto smax = [](auto a, auto b) { return as_signed(a) > as_signed(b) ? a : b; };
+inline constexpr auto minimum = [](auto a, auto b) { return a < b ? a : b; };
+inline constexpr auto maximum = [](auto a, auto b) { return a > b ? a : b; };
+inline constexpr auto umin = minimum;
+inline constexpr auto umax = maximum;
+inline constexpr auto smin = [](auto a, auto b) { return minimum(as_signed(a), as_signed(b)); };
+inline constexpr auto smax = [](auto a, auto b) { return maximum(as_signed(a), as_signed(b)); };
 
 inline constexpr auto same = [](auto a) { return a; };
 
@@ -45,14 +51,18 @@ inline constexpr auto sign_extend = []<class Unit>(Unit a) {
 template <unsigned bits>
 inline constexpr auto zero_extend = []<class Unit>(Unit a) { return a & ((1UL << bits) - 1); };
 
-// Exchanges neighbouring groups of 1, 2, 4 ... bits, up to the halves of an element.
-inline constexpr auto reverse_bits = []<class Unit>(Unit a) {
-  using T = typename unit_traits<Unit>::element_type;
-  for (unsigned step = 1; step < element_bits<Unit>; step *= 2) {
-    const T low = static_cast<T>(-1) / ((T{1} << step) + 1);  // 0x55, 0x33, 0x0f for bytes
-    a = ((a >> step) & low) | ((a & low) << step);
+// The bits of each byte, by exchanging neighbouring runs of 1, 2 and 4 bits, and then the bytes of
+// each element.
+inline constexpr auto reverse_bits = []<class Group>(Group a) {
+  auto bytes = (group<std::uint8_t>)a;
+  for (unsigned step = 1; step < 8; step *= 2) {
+    const std::uint8_t low = 0xff / ((1U << step) + 1);  // 0x55, 0x33, 0x0f
+    bytes = ((bytes >> step) & low) | ((bytes & low) << step);
   }
-  return a;
+  return [&]<std::size_t... k>(std::index_sequence<k...>) {
+    return (Group)__builtin_shufflevector(bytes, bytes, (k ^ (element_bits<Group> / 8 - 1))...);
+  }
+  (std::make_index_sequence<group_bytes>());
 };
 inline constexpr auto swap_words = [](auto a) { return (a >> 32) | (a << 32); };
 

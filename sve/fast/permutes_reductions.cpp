@@ -1,9 +1,10 @@
-// An output element of a permute depends on other input elements, so all of these gather their
-// result in the temporary, in plain loops over elements.
+// An output element of a permute depends on other input elements, so these gather their result in
+// the temporary, in plain loops over elements; only TRN2 keeps to pairs.
 #include "sve/fast/permutes_reductions.h"
 
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "sve/fast/element_loops.h"
 #include "sve/fast/operations.h"
@@ -50,6 +51,15 @@ rc unpack(cpu_state* s, Z zd, Z zn, register_half half) {
   return write_units<Wide>(s->z[zd.num],
                            [=](std::size_t i) { return Wide{element<Narrow>(n, i)}; });
 }
+
+// Of each pair of elements of two groups the second: a group has whole pairs.
+constexpr auto odd_elements_in_turn = []<class Group>(Group a, Group b) {
+  constexpr std::size_t count = sizeof(Group) * 8 / element_bits<Group>;
+  return [&]<std::size_t... i>(std::index_sequence<i...>) {
+    return __builtin_shufflevector(a, b, (i % 2 == 0 ? i + 1 : count + i)...);
+  }
+  (std::make_index_sequence<count>());
+};
 
 // The value in element 0 of vd, 0 in all the rest.
 template <class T>
@@ -106,17 +116,13 @@ rc sve_zip2_zzz(cpu_state* s, Z zd, Z zn, Z zm) { return permute(s, zd, zn, zm, 
 rc sve_uzp1_zzz(cpu_state* s, Z zd, Z zn, Z zm) { return permute(s, zd, zn, zm, sve_uzp1); }
 
 rc sve_uzp2_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
-  return gather(s, zd, [=]<class T>(std::size_t i) {
-    constexpr std::size_t pairs = elements<T> / 2;
-    return i < pairs ? element<T>(s->z[zn.num], 2 * i + 1)
-                     : element<T>(s->z[zm.num], 2 * (i - pairs) + 1);
+  return permute(s, zd, zn, zm, [](char* out, char* a, char* b, element_size size) {
+    sve_uzp1(out, a + (1U << size), b + (1U << size), size);
   });
 }
 
 rc sve_trn2_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
-  return gather(s, zd, [=]<class T>(std::size_t i) {
-    return element<T>(s->z[i % 2 == 0 ? zn.num : zm.num], i | 1);
-  });
+  return compute_by_size(s, zd.size, zd, odd_elements_in_turn, zn, zm);
 }
 
 rc sve_tbl_zzz(cpu_state* s, Z zd, Z zn, Z zm) {

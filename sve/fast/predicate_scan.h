@@ -1,26 +1,57 @@
-// Scans over unpacked predicates, and the condition flags that follow from them.
+// Scans over unpacked predicates, and the condition flags that follow from them. They stop at their
+// first match and look at eight bytes at a time: most predicates begin active, and a compare that
+// finds nothing, as in the loop of a string search, should not take a branch for each element.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <type_traits>
 
 #include "sve/state/access.h"
 
 namespace sve::fast {
 
+// The predicate bits of the elements of type T that eight bytes of a predicate stand for.
+template <class T>
+inline constexpr std::uint64_t predicate_bits = ~std::uint64_t{0} /
+                                                std::numeric_limits<std::make_unsigned_t<T>>::max();
+
+template <class T>
+inline std::uint64_t active_bits(const unsigned char* predicate, std::size_t word) {
+  return element<std::uint64_t>(predicate, word) & predicate_bits<T>;
+}
+
 // The index of the first active element of type T from `i` on, elements<T> if there is none.
 template <class T>
 inline std::size_t next_active(const unsigned char* predicate, std::size_t i) {
-  while (i < elements<T> && !active<T>(predicate, i)) ++i;
-  return i;
+  std::uint64_t wanted = ~std::uint64_t{0} << (i * sizeof(T) % 8 * 8);
+  for (std::size_t word = i * sizeof(T) / 8; word < elements<std::uint64_t>; ++word) {
+    const std::uint64_t found = active_bits<T>(predicate, word) & wanted;
+    if (found != 0) return (word * 8 + std::countr_zero(found) / 8) / sizeof(T);
+    wanted = ~std::uint64_t{0};
+  }
+  return elements<T>;
 }
 
 // One past the index of the last active element of type T, 0 if there is none.
 template <class T>
 inline std::size_t end_of_active(const unsigned char* predicate) {
-  std::size_t end = elements<T>;
-  while (end > 0 && !active<T>(predicate, end - 1)) --end;
-  return end;
+  for (std::size_t word = elements<std::uint64_t>; word > 0; --word) {
+    const std::uint64_t found = active_bits<T>(predicate, word - 1);
+    if (found != 0) return (word * 8 - std::countl_zero(found) / 8 - 1) / sizeof(T) + 1;
+  }
+  return 0;
+}
+
+// Whether an element of type T is active in both predicates.
+template <class T>
+inline bool any_active(const unsigned char* a, const unsigned char* b) {
+  for (std::size_t word = 0; word < elements<std::uint64_t>; ++word) {
+    if ((active_bits<T>(a, word) & element<std::uint64_t>(b, word)) != 0) return true;
+  }
+  return false;
 }
 
 // The flags of a predicate result: whether its first active element, any, and its last active
@@ -33,7 +64,7 @@ inline void set_flags(cpu_state* state, bool first, bool any, bool last) {
 // The flags of a predicate result of which every element of type T counts as active.
 template <class T>
 inline void set_flags_all_active(cpu_state* state, const unsigned char* result) {
-  set_flags(state, active<T>(result, 0), next_active<T>(result, 0) < elements<T>,
+  set_flags(state, active<T>(result, 0), any_active<T>(result, result),
             active<T>(result, elements<T> - 1));
 }
 

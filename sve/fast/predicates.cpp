@@ -1,5 +1,5 @@
-// Predicates are short and most of what is done to them stops at a first match, so these are plain
-// loops over bytes or elements; only what has neither branch nor order works in groups.
+// What is done to each byte alone works in groups; scans and permutes are plain loops over bytes or
+// elements.
 #include "sve/fast/predicates.h"
 
 #include <utility>
@@ -26,20 +26,22 @@ byte* as_bytes(char* p) { return reinterpret_cast<byte*>(p); }
 const char* as_chars(const byte* p) { return reinterpret_cast<const char*>(p); }
 char* as_chars(byte* p) { return reinterpret_cast<char*>(p); }
 
+using bytes = group<byte>;
+
 // Byte by byte: op(pn, pm) where pg, else 0.
 template <class Op>
 rc logic(cpu_state* s, P pd, P pg, P pn, P pm, Op op) {
   const byte *g = s->p[pg.num], *n = s->p[pn.num], *m = s->p[pm.num];
-  return write_units<byte>(s->p[pd.num], [=](std::size_t k) {
-    return static_cast<byte>(active<byte>(g, k) ? op(n[k], m[k]) : 0);
+  return write_in_place<bytes>(s->p[pd.num], [=](std::size_t i) {
+    return (bytes)op(load_unit<bytes>(n, i), load_unit<bytes>(m, i)) & governing_mask<bytes>(g, i);
   });
 }
 
 // Operands count as true unless zero, so that these store nothing but 0 and 1.
-constexpr auto both = [](byte a, byte b) { return a != 0 && b != 0; };
-constexpr auto either = [](byte a, byte b) { return a != 0 || b != 0; };
-constexpr auto one = [](byte a, byte b) { return (a != 0) != (b != 0); };
-constexpr auto neither = [](byte a, byte b) { return a == 0 && b == 0; };
+constexpr auto both = [](bytes a, bytes b) { return ((a != 0) & (b != 0)) & 1; };
+constexpr auto either = [](bytes a, bytes b) { return ((a | b) != 0) & 1; };
+constexpr auto one = [](bytes a, bytes b) { return ((a != 0) ^ (b != 0)) & 1; };
+constexpr auto neither = [](bytes a, bytes b) { return ((a | b) == 0) & 1; };
 
 // The value of an active byte of a break, given what pn holds there and whether the break is still
 // to come, which it updates.
@@ -126,9 +128,8 @@ template <class T>
 void sve_ptest(cpu_state* state, const char* governing, const char* result) {
   const byte *g = as_bytes(governing), *r = as_bytes(result);
   const std::size_t first = next_active<T>(g, 0), end = end_of_active<T>(g);
-  bool any = false;
-  for (std::size_t i = first; i < end && !any; ++i) any = active<T>(g, i) && active<T>(r, i);
-  set_flags(state, end > 0 && active<T>(r, first), any, end > 0 && active<T>(r, end - 1));
+  set_flags(state, end > 0 && active<T>(r, first), any_active<T>(g, r),
+            end > 0 && active<T>(r, end - 1));
 }
 
 template void sve_ptest<signed char>(cpu_state*, const char*, const char*);
@@ -154,10 +155,10 @@ rc sve_bic_pppp(cpu_state* s, P pd, P pg, P pn, P pm) {
 rc sve_nor_pppp(cpu_state* s, P pd, P pg, P pn, P pm) { return logic(s, pd, pg, pn, pm, neither); }
 
 rc sve_sel_pppp(cpu_state* s, P pd, P pg, P pn, P pm) {
-  using bytes = group<byte>;
   const byte *g = s->p[pg.num], *n = s->p[pn.num], *m = s->p[pm.num];
-  return write_units<bytes>(s->p[pd.num], [=](std::size_t i) {
-    return governing<bytes>(g, i) ? element<bytes>(n, i) : element<bytes>(m, i);
+  return write_in_place<bytes>(s->p[pd.num], [=](std::size_t i) {
+    return where_governed<bytes>(
+        g, i, [=] { return load_unit<bytes>(n, i); }, [=] { return load_unit<bytes>(m, i); });
   });
 }
 
@@ -215,9 +216,8 @@ rc sve_rdffr_p(cpu_state* s, P pd) {
 }
 
 rc sve_rdffr_pp(cpu_state* s, P pd, P pg) {
-  using bytes = group<byte>;
-  return write_units<bytes>(s->p[pd.num], [=](std::size_t i) {
-    return element<bytes>(s->ffr, i) & element<bytes>(s->p[pg.num], i);
+  return write_in_place<bytes>(s->p[pd.num], [=](std::size_t i) {
+    return load_unit<bytes>(s->ffr, i) & load_unit<bytes>(s->p[pg.num], i);
   });
 }
 
