@@ -15,7 +15,6 @@
 #include "sve/state/operands.h"
 
 using u64 = std::uint64_t;
-using s64 = std::int64_t;
 using byte = unsigned char;
 
 inline constexpr std::array<const char*, 4> size_names{"B", "H", "S", "D"};
@@ -34,14 +33,9 @@ inline bool bit(const byte* predicate, std::size_t i, unsigned bytes) {
 inline u64 low_bits(u64 value, unsigned width) {
   return width < 64 ? value & ((u64{1} << width) - 1) : value;
 }
-inline s64 sign_extended(u64 value, unsigned width) {
-  const u64 sign = u64{1} << (width - 1);
-  return static_cast<s64>((low_bits(value, width) ^ sign) - sign);
-}
 
 // The records of a register that is only read or only written, and of one that is both.
 inline aarch64_z_reg z_one_way(unsigned num, unsigned size) { return {num, size, 5, 5}; }
-inline aarch64_z_reg z_both_ways(unsigned num, unsigned size) { return {num, 5, size, size}; }
 inline aarch64_p_reg predicate(unsigned num, unsigned size) { return {num, size, 7, 7}; }
 inline aarch64_i_reg x_one_way(unsigned num, unsigned size = 3) { return {num, size, 4, 4}; }
 inline aarch64_i_reg x_both_ways(unsigned num, unsigned size = 3) { return {num, 4, size, size}; }
