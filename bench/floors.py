@@ -10,7 +10,7 @@ SVE. A group takes
     1 for the store
 
 and a call takes CALL, SIZE_TEST, REGISTER for each register operand, what IMMEDIATES has for each
-immediate, and FLAGS where it sets the flags. LDP and STP move two groups in one instruction, which
+immediate, and FLAGS or COUNT where they apply. LDP and STP move two groups in one instruction, which
 the floor leaves out: a handler may stand below it.
 
 OPERATIONS, NO_FLOOR and MISSES go by the fast path and its size, as in sve_add_zpz.S; the first
@@ -25,6 +25,7 @@ SIZE_TEST = {"S": 2, "D": 4, "H": 6, "B": 6, "Q": 8}  # a compare and a branch e
 REGISTER = 6  # its field, the two halves of its record: 3, the address of its array: 2
 IMMEDIATE = 3  # its field, its extension, its broadcast
 IMMEDIATES = {"LogicalMask": 30, "SImmShifted": 6, "UImmShifted": 4}
+COUNT = 20  # of PTRUE and WHILE: the number of true elements, and the flags that it tells
 FLAGS = 40  # a call, three scans that end in their first eight bytes, the update of NZCV
 
 # Instructions of the operation for a group, and the loads of vectors where they differ from one for
@@ -55,6 +56,8 @@ OPERATIONS = [
     ("sve_ldr_zri.?", 0, 1),
     ("sve_str_zri.?", 0, 1),
     ("sve_rdffr_pp.?", 0, None),
+    ("sve_ptrue_*", 3, 0),  # the numbers of the elements, CMHS, AND
+    ("sve_while*", 3, 0),
     ("sve_bic_pppp.?", 1, None),
     ("sve_???_pppp.?", 3, None),  # two CMTST, and the operation
 ]
@@ -73,7 +76,7 @@ NO_FLOOR = [
     ("sve_*lastb_*", "a scan that ends at a match"),
     ("sve_tbl_*", "a loop over elements: each index may reach all of the table"),
     ("sve_ptest*", "scans that end at a match"),
-    ("sve_brk*", "a scan: each element depends on those before it"),
+    ("sve_brk*", "a scan that ends at a match"),
     ("sve_pnext*", "a scan that ends at a match"),
     ("sve_ldr_pri*", "the bits of memory become bytes"),
     ("sve_str_pri*", "the bytes become bits of memory"),
@@ -81,9 +84,7 @@ NO_FLOOR = [
     ("sve_ld1rd*", "one element is loaded, if any is active"),
     ("sve_ld[1234fn]*", BY_ELEMENT + ", as inactive memory must not be touched"),
     ("sve_st[1234n]*", BY_ELEMENT + ", as inactive memory must not be touched"),
-    ("sve_while*", "a loop that ends with the count"),
     ("sve_*_r*", "scalar arithmetic"),
-    ("sve_ptrue*", "a count that depends on the pattern"),
 ]
 
 PERMUTE = "a loop over elements, for which the compiler takes more shuffles than there need be"
@@ -129,6 +130,8 @@ def floor(path, size, operands, vector_bytes):
         call += SIZE_TEST.get(size, 0)
     if path.startswith("sve_cmp"):
         call += FLAGS
+    if path.startswith(("sve_while", "sve_ptrue")):
+        call += COUNT
     groups = vector_bytes // 16
     return call + round(groups * group_instructions(key, path, operands)), None
 

@@ -12,7 +12,6 @@ using sve::element;
 using sve::elements;
 using sve::pattern_count;
 using sve::read_x;
-using sve::set_active;
 using sve::vector_bytes;
 using sve::write_x;
 
@@ -52,12 +51,21 @@ std::int32_t times_vector_bytes(int imm) {
   return static_cast<std::int32_t>(static_cast<U32>(imm) * vector_bytes);
 }
 
+// How many times in turn, `most` at the most, holds(n, m) is true while n counts up and wraps.
+template <class Counter, class Compare>
+unsigned times_true(Counter n, Counter m, unsigned most, Compare holds) {
+  if (!holds(n, m)) return 0;
+  const bool equal_too = holds(m, m);
+  if (equal_too && holds(static_cast<Counter>(m + 1), m)) return most;  // m is the last value
+  const Counter distance = m - n;
+  return distance < most ? static_cast<unsigned>(distance) + equal_too : most;
+}
+
 template <class T, class Counter, class Compare>
 void while_elements(cpu_state* s, P pd, Counter n, Counter m, Compare holds) {
-  unsigned char result[vector_bytes] = {};
-  for (std::size_t i = 0; i < elements<T> && holds(n, m); ++i, ++n) set_active<T>(result, i, true);
-  set_flags_all_active<T>(s, result);
-  std::memcpy(s->p[pd.num], result, vector_bytes);
+  const unsigned count = times_true(n, m, elements<T>, holds);
+  set_first_elements<T>(s->p[pd.num], count);
+  set_flags(s, count > 0, count > 0, count == elements<T>);
 }
 
 template <class Compare>

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "sve/fast/forms.h"
 #include "sve/fast/group.h"
@@ -73,6 +74,22 @@ inline rc write_in_place(unsigned char* destination, Value value) {
     }
   }
   return aarch64_decode_ok;
+}
+
+// Writes value(i, series) as each group i of a register, in which the elements of all `series` are
+// start, start + step and so on.
+template <class T, class Value>
+inline rc write_series(unsigned char* destination, std::uint64_t start, std::uint64_t step,
+                       Value value) {
+  constexpr std::size_t lanes = group_bytes / sizeof(T);
+  group<T> series;
+  for (std::size_t lane = 0; lane < lanes; ++lane) {
+    series[lane] = static_cast<T>(start + lane * step);
+  }
+  const auto increment = broadcast<group<T>>(static_cast<T>(lanes * step));
+  return write_in_place<group<T>>(destination, [=](std::size_t i) mutable {
+    return value(i, std::exchange(series, series + increment));
+  });
 }
 
 // Writes value(i) as each unit i of a register, by way of the temporary.

@@ -1,8 +1,6 @@
 // Immediates arrive decoded and are broadcast at element width.
 #include "sve/fast/immediates_shifts_moves.h"
 
-#include <utility>
-
 #include "sve/fast/element_loops.h"
 #include "sve/fast/operations.h"
 
@@ -88,15 +86,8 @@ rc cpy(cpu_state* s, Z zd, P pg, Integer value, bool zeroing = false) {
 template <class Start, class Step>
 rc index(cpu_state* s, Z zd, Start start, Step step) {
   return by_size<single>(zd.size, [=]<class T>() {
-    group<T> values{};
-    constexpr unsigned lanes = elements<T> / elements<group<T>>;
-    for (unsigned lane = 0; lane < lanes; ++lane) {
-      values[lane] = static_cast<T>(static_cast<U64>(start) + lane * static_cast<U64>(step));
-    }
-    const auto increment = truncated<group<T>>(lanes * static_cast<U64>(step));
-    write_in_place<group<T>>(s->z[zd.num], [=](std::size_t) mutable {
-      return std::exchange(values, values + increment);
-    });
+    write_series<T>(s->z[zd.num], static_cast<U64>(start), static_cast<U64>(step),
+                    [](std::size_t, group<T> series) { return series; });
   });
 }
 

@@ -9,6 +9,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "sve/fast/element_loops.h"
 #include "sve/state/access.h"
 
 namespace sve::fast {
@@ -45,13 +46,38 @@ inline std::size_t end_of_active(const unsigned char* predicate) {
   return 0;
 }
 
-// Whether an element of type T is active in both predicates.
+// The index of the first element of type T that is active in both predicates, elements<T> if there
+// is none.
 template <class T>
-inline bool any_active(const unsigned char* a, const unsigned char* b) {
+inline std::size_t first_in_both(const unsigned char* a, const unsigned char* b) {
   for (std::size_t word = 0; word < elements<std::uint64_t>; ++word) {
-    if ((active_bits<T>(a, word) & element<std::uint64_t>(b, word)) != 0) return true;
+    const std::uint64_t found = active_bits<T>(a, word) & element<std::uint64_t>(b, word);
+    if (found != 0) return (word * 8 + std::countr_zero(found) / 8) / sizeof(T);
   }
-  return false;
+  return elements<T>;
+}
+
+template <class T>
+inline bool any_in_both(const unsigned char* a, const unsigned char* b) {
+  return first_in_both<T>(a, b) < elements<T>;
+}
+
+// Writes value(i, first) as each group i of a predicate, where `first` is 1 in the first `count`
+// elements of type T and 0 in all others. The last of them is compared, since the count of bytes
+// need not fit a byte.
+template <class T, class Value>
+inline void write_by_first(unsigned char* predicate, unsigned count, Value value) {
+  const auto last = broadcast<group<T>>(static_cast<T>(count - 1));
+  const T truth = count != 0 ? 1 : 0;
+  write_series<T>(predicate, 0, 1, [=](std::size_t i, group<T> series) {
+    return value(i, (group<T>)(series <= last) & truth);
+  });
+}
+
+// Makes the first `count` elements of type T true and all others false, in all their bytes.
+template <class T>
+inline void set_first_elements(unsigned char* predicate, unsigned count) {
+  write_by_first<T>(predicate, count, [](std::size_t, group<T> first) { return first; });
 }
 
 // The flags of a predicate result: whether its first active element, any, and its last active
@@ -64,7 +90,7 @@ inline void set_flags(cpu_state* state, bool first, bool any, bool last) {
 // The flags of a predicate result of which every element of type T counts as active.
 template <class T>
 inline void set_flags_all_active(cpu_state* state, const unsigned char* result) {
-  set_flags(state, active<T>(result, 0), any_active<T>(result, result),
+  set_flags(state, active<T>(result, 0), any_in_both<T>(result, result),
             active<T>(result, elements<T> - 1));
 }
 

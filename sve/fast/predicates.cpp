@@ -2,8 +2,6 @@
 // elements.
 #include "sve/fast/predicates.h"
 
-#include <utility>
-
 #include "sve/fast/element_loops.h"
 #include "sve/fast/operations.h"
 #include "sve/fast/predicate_scan.h"
@@ -43,35 +41,21 @@ constexpr auto either = [](bytes a, bytes b) { return ((a | b) != 0) & 1; };
 constexpr auto one = [](bytes a, bytes b) { return ((a != 0) ^ (b != 0)) & 1; };
 constexpr auto neither = [](bytes a, bytes b) { return ((a | b) == 0) & 1; };
 
-// The value of an active byte of a break, given what pn holds there and whether the break is still
-// to come, which it updates.
-constexpr auto break_after = [](bool breaks, bool& to_come) {
-  return std::exchange(to_come, to_come && !breaks);
-};
-constexpr auto break_before = [](bool breaks, bool& to_come) {
-  return to_come = to_come && !breaks;
-};
-
-// Where pg, the value of the break at the first active true byte of pn; else `inactive`, or 0 if
-// that is null.
-template <class Break>
-void make_break(byte* result, const byte* g, const byte* n, const byte* inactive, Break value) {
-  bool to_come = true;
-  for (std::size_t k = 0; k < vector_bytes; ++k) {
-    if (active<byte>(g, k)) {
-      result[k] = value(active<byte>(n, k), to_come);
-    } else {
-      result[k] = inactive != nullptr ? inactive[k] : 0;
-    }
-  }
+// The first `count` bytes are true where pg, the others false; bytes where pg is false become 0, or
+// keep their old value if `merge` is set.
+void keep_first(byte* result, const byte* g, unsigned count, bool merge = false) {
+  write_by_first<byte>(result, count, [=](std::size_t i, bytes first) {
+    return where_governed<bytes>(
+        g, i, [=] { return first; }, [=] { return merge ? load_unit<bytes>(result, i) : bytes{}; });
+  });
 }
 
-template <class Break>
-rc break_at(cpu_state* s, P pd, P pg, P pn, Break value) {
-  byte result[vector_bytes];
-  make_break(result, s->p[pg.num], s->p[pn.num], pg.size == sve::zeroing ? nullptr : s->p[pd.num],
-             value);
-  std::memcpy(s->p[pd.num], result, vector_bytes);
+// A break keeps what lies before the first active true byte of pn, and that byte too if `with_it`.
+rc break_at(cpu_state* s, P pd, P pg, P pn, bool with_it) {
+  const byte* g = s->p[pg.num];
+  const std::size_t first = first_in_both<byte>(g, s->p[pn.num]);
+  const unsigned kept = static_cast<unsigned>(first) + (with_it && first < vector_bytes);
+  keep_first(s->p[pd.num], g, kept, pg.size != sve::zeroing);
   return aarch64_decode_ok;
 }
 
@@ -128,7 +112,7 @@ template <class T>
 void sve_ptest(cpu_state* state, const char* governing, const char* result) {
   const byte *g = as_bytes(governing), *r = as_bytes(result);
   const std::size_t first = next_active<T>(g, 0), end = end_of_active<T>(g);
-  set_flags(state, end > 0 && active<T>(r, first), any_active<T>(g, r),
+  set_flags(state, end > 0 && active<T>(r, first), any_in_both<T>(g, r),
             end > 0 && active<T>(r, end - 1));
 }
 
@@ -164,8 +148,7 @@ rc sve_sel_pppp(cpu_state* s, P pd, P pg, P pn, P pm) {
 
 rc sve_ptrue_pi(cpu_state* s, P pd, unsigned pattern) {
   return by_size<single>(pd.size, [=]<class T>() {
-    const unsigned count = sve::pattern_count(pattern, elements<T>);
-    for (std::size_t i = 0; i < elements<T>; ++i) set_active<T>(s->p[pd.num], i, i < count);
+    set_first_elements<T>(s->p[pd.num], sve::pattern_count(pattern, elements<T>));
   });
 }
 
@@ -174,8 +157,8 @@ rc sve_pfalse_p(cpu_state* s, P pd) {
   return aarch64_decode_ok;
 }
 
-rc sve_brka_ppp(cpu_state* s, P pd, P pg, P pn) { return break_at(s, pd, pg, pn, break_after); }
-rc sve_brkb_ppp(cpu_state* s, P pd, P pg, P pn) { return break_at(s, pd, pg, pn, break_before); }
+rc sve_brka_ppp(cpu_state* s, P pd, P pg, P pn) { return break_at(s, pd, pg, pn, true); }
+rc sve_brkb_ppp(cpu_state* s, P pd, P pg, P pn) { return break_at(s, pd, pg, pn, false); }
 
 rc sve_brkn(cpu_state* s, P pdm, P pg, P pn, bool set_flags) {
   byte* dm = s->p[pdm.num];
@@ -189,10 +172,9 @@ rc sve_brkns_ppp(cpu_state* s, P pdm, P pg, P pn) { return sve_brkn(s, pdm, pg, 
 
 rc sve_brkpb(cpu_state* s, P pd, P pg, P pn, P pm, bool set_flags) {
   const byte* g = s->p[pg.num];
-  byte result[vector_bytes] = {};
-  if (true_at_last_active(g, s->p[pn.num])) {
-    make_break(result, g, s->p[pm.num], nullptr, break_before);
-  }
+  const bool kept = true_at_last_active(g, s->p[pn.num]);
+  byte result[vector_bytes];
+  keep_first(result, g, kept ? static_cast<unsigned>(first_in_both<byte>(g, s->p[pm.num])) : 0);
   if (set_flags) sve_ptest<signed char>(s, as_chars(g), as_chars(result));
   std::memcpy(s->p[pd.num], result, vector_bytes);
   return aarch64_decode_ok;
