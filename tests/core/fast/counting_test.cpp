@@ -1,5 +1,4 @@
-// Counting and loop control: where operands are few, cases at the limits stand in tables; the
-// predicates that are counted are random.
+// Counting and loop control at the limits of their counters.
 #include "sve/fast/counting.h"
 
 #include <algorithm>
@@ -73,25 +72,6 @@ TEST_F(Counting, VectorLengthArithmeticReachesSpButNotXzr) {
   const cpu_state expected = with_x(2, -2 * vl);
   expect("rdvl x2, #-2", expected, sve_rdvl_ri(&state, x_one_way(2), -2));
   expect("rdvl xzr, #1", expected, sve_rdvl_ri(&state, x_one_way(31), 1));
-}
-
-TEST_F(Counting, TrueElementsAreCountedAtTheirFirstByte) {
-  for (unsigned size = 0; size < 4; ++size) {
-    for (int round = 0; round < 50; ++round) {
-      randomize(state);
-      u64 active = 0, both = 0;
-      for (unsigned i = 0; i < vector_bytes >> size; ++i) {
-        active += bit(state.p[4], i, 1U << size);
-        both += bit(state.p[4], i, 1U << size) && bit(state.p[15], i, 1U << size);
-      }
-      const aarch64_p_reg p4 = predicate(4, size), p15 = predicate(15, sve::unqualified);
-      const cpu_state incremented = with_x(3, state.x[3] + active);
-      expect("incp", incremented, sve_incp_rp(&state, x_both_ways(3), p4));
-      expect("incp xzr", incremented, sve_incp_rp(&state, x_both_ways(31), p4));
-      const cpu_state counted = with_x(3, both);
-      expect("cntp", counted, sve_cntp_rpp(&state, x_one_way(3), p15, p4));
-    }
-  }
 }
 
 TEST_F(Counting, WhileAtTheLimitsOfItsCounter) {
