@@ -23,14 +23,7 @@ using sve::vector_bytes;
 using sve::write_guest;
 using sve::fast::register_offset;
 
-using namespace sve::integers;
-
-using RC = aarch64_decode_rc;
-using CPU = cpu_state;
-using Z = aarch64_z_reg;
-using P = aarch64_p_reg;
-using R = aarch64_i_rsp_reg;
-using X = aarch64_i_reg;
+using namespace sve::fast::memory;
 
 // Byte offset of a block transfer: registers times bytes, in 32 bits, sign-extended.
 U64 block_offset(int imm, unsigned bytes) {

@@ -18,14 +18,7 @@ using sve::set_active;
 using sve::set_element;
 using sve::vector_bytes;
 
-using namespace sve::integers;
-
-using RC = aarch64_decode_rc;
-using CPU = cpu_state;
-using Z = aarch64_z_reg;
-using P = aarch64_p_reg;
-using R = aarch64_i_rsp_reg;
-using X = aarch64_i_reg;
+using namespace sve::fast::memory;
 
 const S32 page_size = static_cast<S32>(sysconf(_SC_PAGESIZE));
 

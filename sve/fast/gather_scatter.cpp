@@ -10,13 +10,7 @@ using sve::element;
 using sve::elements;
 using sve::read_x;
 
-using namespace sve::integers;
-
-using RC = aarch64_decode_rc;
-using CPU = cpu_state;
-using Z = aarch64_z_reg;
-using P = aarch64_p_reg;
-using R = aarch64_i_rsp_reg;
+using namespace sve::fast::memory;
 
 // What of an offset element counts.
 constexpr auto whole = [](auto offset) { return U64{offset}; };

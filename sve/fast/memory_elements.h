@@ -13,6 +13,20 @@
 #include "sve/state/guest_memory.h"
 #include "sve/state/integers.h"
 
+// Short names for the definitions of the loads and stores, of which there is one to a line.
+namespace sve::fast::memory {
+
+using namespace integers;
+
+using RC = aarch64_decode_rc;
+using CPU = cpu_state;
+using Z = aarch64_z_reg;
+using P = aarch64_p_reg;
+using R = aarch64_i_rsp_reg;  // a base
+using X = aarch64_i_reg;      // an index
+
+}  // namespace sve::fast::memory
+
 namespace sve::fast {
 
 // Offset of the zpri forms in memory elements, for lists of N registers of elements T.
