@@ -1,23 +1,14 @@
 // Block rewriting: which blocks, which instructions, and the sequence word for word.
-#include <cstdio>
-#include <ostream>
 #include <utility>
 
+#include "host/assembler.h"
 #include "sve/client/emulate.h"
 #include "tests/client/client_fixture.h"
 
-// Compared as hexadecimal words.
-struct word {
-  std::uint32_t value;
-  bool operator==(const word&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, word w) {
-  char text[16];
-  std::snprintf(text, sizeof(text), "%08x", w.value);
-  return out << text;
-}
-
 namespace {
+
+using host::append;
+using host::words;
 
 constexpr std::uint32_t sve_add = 0x04a20020;    // add z0.s, z1.s, z2.s
 constexpr std::uint32_t sve_addvl = 0x043f503f;  // addvl sp, sp, #1
@@ -50,11 +41,11 @@ class application_block {
     EXPECT_EQ(host_script.module_records, records) << "looked-up modules are not freed";
   }
 
-  std::vector<word> encoded() const {
-    std::vector<word> words;
-    for (instr_t* i = first(); i != nullptr; i = instr_get_next(i)) words.push_back({0});
-    instrlist_encode(nullptr, list_, reinterpret_cast<byte*>(words.data()), false);
-    return words;
+  words encoded() const {
+    words code;
+    for (instr_t* i = first(); i != nullptr; i = instr_get_next(i)) code.push_back(0);
+    instrlist_encode(nullptr, list_, reinterpret_cast<byte*>(code.data()), false);
+    return code;
   }
 
   instr_t* first() const { return instrlist_first(list_); }
@@ -65,83 +56,69 @@ class application_block {
   instrlist_t* list_ = instrlist_create(nullptr);
 };
 
-void append(std::vector<word>& words, std::initializer_list<std::uint32_t> more) {
-  for (const std::uint32_t w : more) words.push_back({w});
-}
-
 // A load of a register or a pair differs from its store in one bit.
 constexpr std::uint32_t load = 1U << 22;
-constexpr std::uint32_t general_stores[] = {
-    0xa9000760,  // stp  x0, x1, [x27]
-    0xa9010f62,  // stp  x2, x3, [x27, #16]
-    0xa9021764,  // stp  x4, x5, [x27, #32]
-    0xa9031f66,  // stp  x6, x7, [x27, #48]
-    0xa9042768,  // stp  x8, x9, [x27, #64]
-    0xa9052f6a,  // stp  x10, x11, [x27, #80]
-    0xa906376c,  // stp  x12, x13, [x27, #96]
-    0xa9073f6e,  // stp  x14, x15, [x27, #112]
-    0xa9084770,  // stp  x16, x17, [x27, #128]
-    0xa9094f72,  // stp  x18, x19, [x27, #144]
-    0xa90a5774,  // stp  x20, x21, [x27, #160]
-    0xa90b5f76,  // stp  x22, x23, [x27, #176]
-    0xa90c6778,  // stp  x24, x25, [x27, #192]
-    0xa90efb7d,  // stp  x29, x30, [x27, #232]
-};
+
+// stp xn, xn+1, [x27, #8 * n] for all general registers but X26 to X28, or ldp.
+void append_pairs(words& code, std::uint32_t load_bit) {
+  for (const std::uint32_t n : {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 29}) {
+    code.push_back(load_bit | 0xa9000360 | n << 15 | (n + 1) << 10 | n);
+  }
+}
 
 // str qn, [x27, #z[n]] for all n, or ldr.
-void append_vectors(std::vector<word>& words, std::uint32_t load_bit) {
+void append_vectors(words& code, std::uint32_t load_bit) {
   constexpr std::uint32_t z_units = 288 / 16;                 // where z begins, in Q registers
   constexpr std::uint32_t z_stride = sve::vector_bytes / 16;  // and how far apart its vectors are
   for (std::uint32_t n = 0; n < 32; ++n) {
-    append(words, {load_bit | 0x3d800360 | (z_units + z_stride * n) << 10 | n});
+    code.push_back(load_bit | 0x3d800360 | (z_units + z_stride * n) << 10 | n);
   }
 }
 
 // The sequence, for a state at 0x0000aaaa12345670. Markers stand for what the host inserts.
-std::vector<word> expected_sequence() {
-  std::vector<word> words;
-  append(words, {
-                    0x0000101a,  // save x26 to slot 1
-                    0x0000111b,  // save x27 to slot 2
-                    0x0000301b,  // x27 = the application's x28
-                    0x0000121b,  // save x27 to slot 3
-                    0xd28ace1b,  // mov  x27, #0x5670
-                    0xf2a2469b,  // movk x27, #0x1234, lsl #16
-                    0xf2d5555b,  // movk x27, #0xaaaa, lsl #32
-                    0x910003fa,  // mov  x26, sp
-                    0xf9007f7a,  // str  x26, [x27, #248]
-                });
-  for (const std::uint32_t store : general_stores) append(words, {store});
-  append_vectors(words, 0);
-  append(words, {
-                    0xd53b421a,  // mrs  x26, nzcv
-                    0xf900877a,  // str  x26, [x27, #264]
-                    0xd53b443a,  // mrs  x26, fpsr
-                    0xb901137a,  // str  w26, [x27, #272]
-                    0xd53b441a,  // mrs  x26, fpcr
-                    0xb901177a,  // str  w26, [x27, #276]
-                    0x00005000,  // call emulate_instruction
-                    0xd28ace1b,  // mov  x27, #0x5670
-                    0xf2a2469b,  // movk x27, #0x1234, lsl #16
-                    0xf2d5555b,  // movk x27, #0xaaaa, lsl #32
-                    0xb941177a,  // ldr  w26, [x27, #276]
-                    0xd51b441a,  // msr  fpcr, x26
-                    0xb941137a,  // ldr  w26, [x27, #272]
-                    0xd51b443a,  // msr  fpsr, x26
-                    0xf940877a,  // ldr  x26, [x27, #264]
-                    0xd51b421a,  // msr  nzcv, x26
-                });
-  append_vectors(words, load);
-  for (const std::uint32_t store : general_stores) append(words, {store | load});
-  append(words, {
-                    0xf9407f7a,  // ldr  x26, [x27, #248]
-                    0x9100035f,  // mov  sp, x26
-                    0x0000221b,  // restore x27 from slot 3
-                    0x0000401b,  // the application's x28 = x27
-                    0x0000211b,  // restore x27 from slot 2
-                    0x0000201a,  // restore x26 from slot 1
-                });
-  return words;
+words expected_sequence() {
+  words code = {
+      0x0000101a,  // save x26 to slot 1
+      0x0000111b,  // save x27 to slot 2
+      0x0000301b,  // x27 = the application's x28
+      0x0000121b,  // save x27 to slot 3
+      0xd28ace1b,  // mov  x27, #0x5670
+      0xf2a2469b,  // movk x27, #0x1234, lsl #16
+      0xf2d5555b,  // movk x27, #0xaaaa, lsl #32
+      0x910003fa,  // mov  x26, sp
+      0xf9007f7a,  // str  x26, [x27, #248]
+  };
+  append_pairs(code, 0);
+  append_vectors(code, 0);
+  append(code, {
+                   0xd53b421a,  // mrs  x26, nzcv
+                   0xf900877a,  // str  x26, [x27, #264]
+                   0xd53b443a,  // mrs  x26, fpsr
+                   0xb901137a,  // str  w26, [x27, #272]
+                   0xd53b441a,  // mrs  x26, fpcr
+                   0xb901177a,  // str  w26, [x27, #276]
+                   0x00005000,  // call emulate_instruction
+                   0xd28ace1b,  // mov  x27, #0x5670
+                   0xf2a2469b,  // movk x27, #0x1234, lsl #16
+                   0xf2d5555b,  // movk x27, #0xaaaa, lsl #32
+                   0xb941177a,  // ldr  w26, [x27, #276]
+                   0xd51b441a,  // msr  fpcr, x26
+                   0xb941137a,  // ldr  w26, [x27, #272]
+                   0xd51b443a,  // msr  fpsr, x26
+                   0xf940877a,  // ldr  x26, [x27, #264]
+                   0xd51b421a,  // msr  nzcv, x26
+               });
+  append_vectors(code, load);
+  append_pairs(code, load);
+  append(code, {
+                   0xf9407f7a,  // ldr  x26, [x27, #248]
+                   0x9100035f,  // mov  sp, x26
+                   0x0000221b,  // restore x27 from slot 3
+                   0x0000401b,  // the application's x28 = x27
+                   0x0000211b,  // restore x27 from slot 2
+                   0x0000201a,  // restore x26 from slot 1
+               });
+  return code;
 }
 
 TEST_F(BlockTest, ReplacesAnSveInstructionByTheSequence) {
@@ -174,10 +151,9 @@ TEST_F(BlockTest, KeepsOtherInstructionsInOrder) {
   start();
   application_block block({mov_x0, sve_add, sve_addvl, neon_add, ret});
   block.rewrite(0x10000);
-  std::vector<word> expected = {{mov_x0}};
-  for (int i = 0; i < 2; ++i) {
-    for (const word w : expected_sequence()) expected.push_back(w);
-  }
+  words expected = {mov_x0};
+  append(expected, expected_sequence());
+  append(expected, expected_sequence());
   append(expected, {neon_add, ret});
   EXPECT_EQ(block.encoded(), expected);
   ASSERT_EQ(host_script.inserted_calls.size(), 2U);
@@ -192,11 +168,19 @@ TEST_F(BlockTest, LeavesABlockWithoutSveUnchanged) {
   start();
   application_block block({mov_x0, udf, saddlb, ret});
   block.rewrite(0x10000);
-  EXPECT_EQ(block.encoded(), (std::vector<word>{{mov_x0}, {udf}, {saddlb}, {ret}}));
+  EXPECT_EQ(block.encoded(), (words{mov_x0, udf, saddlb, ret}));
   application_block empty({});
   empty.rewrite(0x10000);
   EXPECT_TRUE(empty.encoded().empty());
   EXPECT_NE(exit_report().find("prog: 4 Non-SVE"), std::string::npos);
+}
+
+TEST_F(BlockTest, NeedsX28AsTheStolenRegister) {
+  start();
+  host_script.stolen_register = DR_REG_X27;
+  application_block block({sve_add});
+  EXPECT_EXIT(block.rewrite(0x10000), testing::ExitedWithCode(aborted_status),
+              assertion_message("dr_get_stolen_reg\\(\\) == DR_REG_X28"));
 }
 
 struct place {

@@ -27,9 +27,6 @@ class EmulateTest : public ClientTest {
     start();
     host_script.current = &thread_;
     host_script.thread_init_event(&thread_);
-    thread_.slots[SPILL_SLOT_1] = 26;
-    thread_.slots[SPILL_SLOT_2] = 27;
-    thread_.slots[SPILL_SLOT_3] = 28;
   }
   void TearDown() override { host_script.thread_exit_event(&thread_); }
 
