@@ -38,22 +38,26 @@ class EmulateTest : public ClientTest {
     return testing::internal::GetCapturedStderr();
   }
 
+  static std::string dumped_stats() {
+    testing::internal::CaptureStderr();
+    dump_sve_stats();
+    return testing::internal::GetCapturedStderr();
+  }
+
   scripted_thread thread_;
   std::uint32_t code_[2] = {0x04a20020, 0x04a20020};
 };
 
 TEST_F(EmulateTest, PassesX26ToX28ThroughTheSlots) {
   for (const aarch64_decode_rc result : {aarch64_decode_ok, aarch64_decode_unimplemented}) {
-    thread_.slots[SPILL_SLOT_1] = 26;
-    thread_.slots[SPILL_SLOT_2] = 27;
-    thread_.slots[SPILL_SLOT_3] = 28;
+    for (unsigned k = 0; k < 3; ++k) thread_.slots[SPILL_SLOT_1 + k] = 26 + k;
     emulate(0, 0x04a20020, result);
     EXPECT_EQ(seen_word, 0x04a20020U);
     EXPECT_EQ(seen.pc, &code_[0]);
-    for (unsigned n = 26; n <= 28; ++n) EXPECT_EQ(seen.x[n], n);
-    EXPECT_EQ(thread_.slots[SPILL_SLOT_1], 126U);
-    EXPECT_EQ(thread_.slots[SPILL_SLOT_2], 127U);
-    EXPECT_EQ(thread_.slots[SPILL_SLOT_3], 128U);
+    for (unsigned k = 0; k < 3; ++k) {
+      EXPECT_EQ(seen.x[26 + k], 26 + k);
+      EXPECT_EQ(thread_.slots[SPILL_SLOT_1 + k], 126 + k);
+    }
   }
 }
 
@@ -66,9 +70,7 @@ TEST_F(EmulateTest, CountsSuccessesByAddress) {
   char expected[100];
   std::snprintf(expected, sizeof(expected), "%p: 0x04a20020 3\n%p: 0x04a20020 2\n",
                 static_cast<void*>(&code_[0]), static_cast<void*>(&code_[1]));
-  testing::internal::CaptureStderr();
-  dump_sve_stats();
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
+  EXPECT_EQ(dumped_stats(), expected);
 }
 
 TEST_F(EmulateTest, ReportsFailuresWithTheWordInMemory) {
@@ -81,9 +83,7 @@ TEST_F(EmulateTest, ReportsFailuresWithTheWordInMemory) {
   EXPECT_EQ(seen_word, 0x04a20020U);
   EXPECT_EQ(sve_instr_count, 0U);
   EXPECT_TRUE(icounts.empty());
-  testing::internal::CaptureStderr();
-  dump_sve_stats();
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(dumped_stats(), "");
 }
 
 }  // namespace

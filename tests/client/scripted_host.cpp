@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "host/fatal.h"
+#include "host/instruction_list.h"
 
 scripted_host host_script;
 
@@ -15,14 +16,10 @@ namespace {
 
 scripted_thread* thread_of(void* drcontext) { return static_cast<scripted_thread*>(drcontext); }
 
-void insert_marker(instrlist_t* list, instr_t* where, std::uint32_t word) {
-  std::uint32_t& stored = host_script.markers.emplace_back(word);
-  instrlist_meta_preinsert(list, where,
-                           instr_create_app(nullptr, reinterpret_cast<byte*>(&stored), nullptr));
-}
-
-std::uint32_t register_and_slot(reg_id_t reg, int slot) {
-  return static_cast<std::uint32_t>((slot << 8) | (reg - DR_REG_X0));
+void insert_marker(instrlist_t* list, instr_t* where, std::uint32_t word, int reg = DR_REG_X0,
+                   int slot = 0) {
+  word |= static_cast<std::uint32_t>(slot << 8 | (reg - DR_REG_X0));
+  host::insert_word(*list, where, OP_UNDECODED, word, true);
 }
 
 module_data_t* hand_out(const scripted_module& module) {
@@ -157,20 +154,20 @@ reg_id_t dr_get_stolen_reg() { return host_script.stolen_register; }
 
 void dr_save_reg(void* /*drcontext*/, instrlist_t* ilist, instr_t* where, reg_id_t reg,
                  dr_spill_slot_t slot) {
-  insert_marker(ilist, where, marker::save | register_and_slot(reg, slot));
+  insert_marker(ilist, where, marker::save, reg, slot);
 }
 void dr_restore_reg(void* /*drcontext*/, instrlist_t* ilist, instr_t* where, reg_id_t reg,
                     dr_spill_slot_t slot) {
-  insert_marker(ilist, where, marker::restore | register_and_slot(reg, slot));
+  insert_marker(ilist, where, marker::restore, reg, slot);
 }
 bool dr_insert_get_stolen_reg_value(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
                                     reg_id_t reg) {
-  insert_marker(ilist, where, marker::get_stolen | register_and_slot(reg, 0));
+  insert_marker(ilist, where, marker::get_stolen, reg);
   return true;
 }
 bool dr_insert_set_stolen_reg_value(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
                                     reg_id_t reg) {
-  insert_marker(ilist, where, marker::set_stolen | register_and_slot(reg, 0));
+  insert_marker(ilist, where, marker::set_stolen, reg);
   return true;
 }
 

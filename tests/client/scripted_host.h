@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -51,7 +50,6 @@ struct scripted_host {
 
   // The record.
   std::vector<std::string> calls;  // those of the client's life cycle
-  std::deque<std::uint32_t> markers;
   std::vector<scripted_call> inserted_calls;
   int module_records = 0;  // handed out and not freed
   int thread_records = 0;
