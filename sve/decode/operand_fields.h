@@ -23,23 +23,29 @@ struct reads {
   static constexpr std::uint32_t field_mask = (Pattern.mask_of(Letters) | ...);
 };
 
-// A vector register that is only read or only written.
-template <char Letter, element_size Size>
-struct z_operand : reads<Letter> {
+// A register that is only read or only written, and one that is both source and destination, as a
+// record of the given type, whose none-code is None.
+template <class Record, unsigned None, char Letter, unsigned Code>
+struct one_way : reads<Letter> {
   template <word_pattern Pattern>
-  static constexpr aarch64_z_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), Size, z_none, z_none};
+  static constexpr Record take(unsigned word) {
+    return {field<Pattern, Letter>(word), Code, None, None};
   }
 };
 
-// A vector register that is both source and destination.
-template <char Letter, element_size Size>
-struct z_destructive : reads<Letter> {
+template <class Record, unsigned None, char Letter, unsigned Code>
+struct destructive : reads<Letter> {
   template <word_pattern Pattern>
-  static constexpr aarch64_z_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), z_none, Size, Size};
+  static constexpr Record take(unsigned word) {
+    return {field<Pattern, Letter>(word), None, Code, Code};
   }
 };
+
+// A vector register.
+template <char Letter, element_size Size>
+using z_operand = one_way<aarch64_z_reg, z_none, Letter, Size>;
+template <char Letter, element_size Size>
+using z_destructive = destructive<aarch64_z_reg, z_none, Letter, Size>;
 
 template <element_size Size>
 using Zd = z_operand<'d', Size>;
@@ -58,20 +64,9 @@ using Zda = z_destructive<'d', Size>;
 
 // A predicate with its element size or, for a governing one, its qualifier.
 template <char Letter, unsigned Code>
-struct p_operand : reads<Letter> {
-  template <word_pattern Pattern>
-  static constexpr aarch64_p_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), Code, p_none, p_none};
-  }
-};
-
+using p_operand = one_way<aarch64_p_reg, p_none, Letter, Code>;
 template <char Letter, unsigned Code>
-struct p_destructive : reads<Letter> {
-  template <word_pattern Pattern>
-  static constexpr aarch64_p_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), p_none, Code, Code};
-  }
-};
+using p_destructive = destructive<aarch64_p_reg, p_none, Letter, Code>;
 
 using PgM = p_operand<'g', merging>;
 using PgZ = p_operand<'g', zeroing>;
@@ -89,20 +84,9 @@ using Pdn = p_destructive<'d', Size>;
 
 // A general register of which number 31 is the zero register; S is a W register, D an X register.
 template <char Letter, element_size Size>
-struct r_operand : reads<Letter> {
-  template <word_pattern Pattern>
-  static constexpr aarch64_i_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), Size, i_none, i_none};
-  }
-};
-
+using r_operand = one_way<aarch64_i_reg, i_none, Letter, Size>;
 template <char Letter, element_size Size>
-struct r_destructive : reads<Letter> {
-  template <word_pattern Pattern>
-  static constexpr aarch64_i_reg take(unsigned word) {
-    return {field<Pattern, Letter>(word), i_none, Size, Size};
-  }
-};
+using r_destructive = destructive<aarch64_i_reg, i_none, Letter, Size>;
 
 template <element_size Size>
 using Rd = r_operand<'d', Size>;

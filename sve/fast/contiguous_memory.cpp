@@ -17,11 +17,12 @@ namespace {
 
 using sve::elements;
 using sve::predicate_bytes;
-using sve::read_guest;
 using sve::read_x;
 using sve::vector_bytes;
-using sve::write_guest;
+using sve::fast::consecutive;
+using sve::fast::load_elements;
 using sve::fast::register_offset;
+using sve::fast::store_elements;
 
 using namespace sve::fast::memory;
 
@@ -33,25 +34,13 @@ U64 block_offset(int imm, unsigned bytes) {
 // M is the memory element, whose sign is extended where it is signed; T the register element.
 template <class M, class T, int N>
 RC load(CPU* cpu, Z zt, P pg, U64 address) {
-  for (unsigned i = 0; i < elements<T>; ++i, address += N * sizeof(M)) {
-    const bool active = sve::active<T>(cpu->p[pg.num], i);
-    for (unsigned r = 0; r < N; ++r) {
-      const T value = active ? static_cast<T>(read_guest<M>(address + r * sizeof(M))) : T{0};
-      sve::set_element<T>(cpu->z[(zt.num + r) & 31], i, value);
-    }
-  }
+  load_elements<M, T, N>(cpu, zt, pg, elements<T>, consecutive<M, N>(address));
   return aarch64_decode_ok;
 }
 
 template <class M, class T, int N>
 RC store(CPU* cpu, Z zt, P pg, U64 address) {
-  for (unsigned i = 0; i < elements<T>; ++i, address += N * sizeof(M)) {
-    if (!sve::active<T>(cpu->p[pg.num], i)) continue;
-    for (unsigned r = 0; r < N; ++r) {
-      const T value = sve::element<T>(cpu->z[(zt.num + r) & 31], i);
-      write_guest<M>(address + r * sizeof(M), static_cast<M>(value));
-    }
-  }
+  store_elements<M, T, N>(cpu, zt, pg, consecutive<M, N>(address));
   return aarch64_decode_ok;
 }
 
@@ -89,8 +78,7 @@ RC ldN(CPU* cpu, Z zt, P pg, R rn, X rm) {
 template <class M, class T = M>
 RC ld1r(CPU* cpu, Z zt, P pg, R rn, unsigned imm) {
   const U64 address = read_x(cpu, rn) + U64{imm} * sizeof(M);
-  sve::fast::load_elements<M, T>(cpu->z[zt.num], cpu->p[pg.num], elements<T>,
-                                 [=](unsigned) { return address; });
+  load_elements<M, T>(cpu, zt, pg, elements<T>, [=](unsigned) { return address; });
   return aarch64_decode_ok;
 }
 

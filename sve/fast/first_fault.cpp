@@ -54,8 +54,7 @@ RC ldff1(CPU* cpu, Z zt, P pg, R rn, X rm) {
   const U64 address = read_x(cpu, rn) + read_x(cpu, rm) * sizeof(M);
   unsigned count = bytes_in_readable_pages(address) / sizeof(T);
   if (count == 0) count = through_first_active<T>(cpu->p[pg.num]);
-  sve::fast::load_elements<M, T>(cpu->z[zt.num], cpu->p[pg.num], count,
-                                 [=](unsigned i) { return address + i * sizeof(M); });
+  sve::fast::load_elements<M, T>(cpu, zt, pg, count, sve::fast::consecutive<M>(address));
   std::fill(cpu->ffr + count * sizeof(T), cpu->ffr + vector_bytes, 0);
   return aarch64_decode_ok;
 }

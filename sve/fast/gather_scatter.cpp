@@ -41,14 +41,13 @@ auto addresses(const CPU* cpu, R rn, Z zm, Extend extend = {}) {
 
 template <class M, class T = U64, class... Form>
 RC ld(CPU* cpu, Z zt, P pg, Form... form) {
-  const auto address = addresses<M, T>(cpu, form...);
-  sve::fast::load_elements<M, T>(cpu->z[zt.num], cpu->p[pg.num], elements<T>, address);
+  sve::fast::load_elements<M, T>(cpu, zt, pg, elements<T>, addresses<M, T>(cpu, form...));
   return aarch64_decode_ok;
 }
 
 template <class M, class T = U64, class... Form>
 RC st(CPU* cpu, Z zt, P pg, Form... form) {
-  sve::fast::store_elements<M, T>(cpu->z[zt.num], cpu->p[pg.num], addresses<M, T>(cpu, form...));
+  sve::fast::store_elements<M, T>(cpu, zt, pg, addresses<M, T>(cpu, form...));
   return aarch64_decode_ok;
 }
 

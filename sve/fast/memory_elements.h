@@ -1,10 +1,11 @@
-// The element loops between a register and guest memory, for all loads and stores of single
-// registers: contiguous, gathered and scattered ones differ only in the address of element i.
+// The element loops between registers and guest memory, for all loads and stores of elements: the
+// forms differ only in the address of element i.
 //
 // One element after the other, each by one access of its width in memory: a wider access would
 // touch the memory of inactive elements, which may be unmapped or belong to somebody else.
 // `address(i)` is called for active elements only, before element i of the register is written;
-// so the offsets may come from the register that is loaded.
+// so the offsets may come from the register that is loaded. Of a list of N registers, which wraps
+// from Z31 to Z0, element i of each lies behind that of the register before.
 #pragma once
 
 #include <cstdint>
@@ -35,22 +36,37 @@ inline long register_offset(int imm) {
   return static_cast<long>(imm) * elements<T> * N;
 }
 
-// The first `count` elements T of zt: memory element M, extended as its type says, where pg, else
-// 0.
-template <class M, class T, class Address>
-inline void load_elements(unsigned char* zt, const unsigned char* pg, unsigned count,
+// The addresses of a run of elements, or of groups of N.
+template <class M, int N = 1>
+inline auto consecutive(std::uint64_t first) {
+  return [first](unsigned i) { return first + std::uint64_t{i} * N * sizeof(M); };
+}
+
+// The first `count` elements T of each register: memory element M, extended as its type says, where
+// pg, else 0.
+template <class M, class T, int N = 1, class Address>
+inline void load_elements(cpu_state* cpu, aarch64_z_reg zt, aarch64_p_reg pg, unsigned count,
                           Address address) {
   for (unsigned i = 0; i < count; ++i) {
-    set_element<T>(zt, i, active<T>(pg, i) ? static_cast<T>(read_guest<M>(address(i))) : T{0});
+    const bool is_active = active<T>(cpu->p[pg.num], i);
+    for (unsigned r = 0; r < N; ++r) {
+      const T value = is_active ? static_cast<T>(read_guest<M>(address(i) + r * sizeof(M))) : T{0};
+      set_element<T>(cpu->z[(zt.num + r) & 31], i, value);
+    }
   }
 }
 
-// The low bytes of the active elements T of zt, in ascending order: where two of them go to the
-// same address, the higher element's stay.
-template <class M, class T, class Address>
-inline void store_elements(const unsigned char* zt, const unsigned char* pg, Address address) {
+// The low bytes of the active elements T, in ascending order: where two of them go to the same
+// address, the higher element's stay.
+template <class M, class T, int N = 1, class Address>
+inline void store_elements(const cpu_state* cpu, aarch64_z_reg zt, aarch64_p_reg pg,
+                           Address address) {
   for (unsigned i = 0; i < elements<T>; ++i) {
-    if (active<T>(pg, i)) write_guest<M>(address(i), static_cast<M>(element<T>(zt, i)));
+    if (!active<T>(cpu->p[pg.num], i)) continue;
+    for (unsigned r = 0; r < N; ++r) {
+      const T value = element<T>(cpu->z[(zt.num + r) & 31], i);
+      write_guest<M>(address(i) + r * sizeof(M), static_cast<M>(value));
+    }
   }
 }
 
