@@ -10,5 +10,5 @@ word=$(printf '%08x' $((2#${pattern//[a-z]/0})))
 
 message="Error: failed to emulate SVE instruction 0x$word at PC 0x[0-9a-f]+"
 count="program_run_word: 0 SVE instructions executed"
-bash "${BASH_SOURCE%/*}/expect.sh" 0 "$message;$count;[^;]*;" "$@" "$run_word" "$word" |
+bash "${BASH_SOURCE%/*}/../expect.sh" 0 "$message;$count;[^;]*;" "$@" "$run_word" "$word" |
   grep -qx "x0 is 0"

@@ -10,6 +10,6 @@ if [ $status != "$expected_status" ]; then
   echo "status $status instead of $expected_status: $stderr" >&2
   exit 1
 fi
-tr '\n' ';' <<<"$stderr" | grep -Eqx "$expected" && exit 0
+grep -Eqx "$expected" <<<"${stderr:+${stderr//$'\n'/;};}" && exit 0
 printf 'standard error is\n%s\ninstead of\n%s\n' "$stderr" "${expected//;/$'\n'}" >&2
 exit 1
