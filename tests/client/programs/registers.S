@@ -135,6 +135,10 @@ _start:
         mov     x27, #0
         ld1b    z5.b, p0/z, [sp, x27]
         element 17, w21, v5.b[0], #2
+        movi    v5.16b, #3
+        str     z5, [sp]
+        ldrb    w21, [sp, #15]
+        check   20, x21, #3
 
 // Flags: the first element is active.
         whilelt p1.b, x27, x20

@@ -24,13 +24,15 @@ static void store_registers(struct registers* out) {
       : "memory");
 }
 
-// All elements to `value`; of every `value` bits of the predicates the first.
+// All elements to `value`, but for those that NEON code writes behind it; of every `value` bits of
+// the predicates the first.
 static void write_registers(unsigned value) {
   if (value == 1) {
     __asm__ volatile("dup z31.b, #1\n ptrue p15.b\n setffr\n");
   } else {
     __asm__ volatile("dup z31.b, #2\n ptrue p15.h\n wrffr p15.b\n");
   }
+  __asm__ volatile("movi v31.16b, #0xaa\n");
 }
 
 // Compares what C code between leaves alone: bytes of Z above the lowest 16.

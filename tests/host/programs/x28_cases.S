@@ -126,6 +126,7 @@ x28_cases:
   address str x1, [x28, x1]
   value strb w1, [x27, w28, uxtw]
   address ldr x1, [x28, x1, lsl #3]
+  value str x28, [x27, x2]
   value ldr x28, [x27, x28, lsl #3]
   value ldset x28, x28, [x27]
   address ldapr x28, [x28]
