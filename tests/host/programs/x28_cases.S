@@ -4,17 +4,20 @@
 //
 // value: X28 holds 24 before the instruction. address: X28 holds the address of memory. In both,
 // X27 holds another address, X1 holds 8, X2 holds 3, and all other registers hold arbitrary values.
+//
+// For SVE the emulating client works in X26 and X27 as well, and hands SP on by a way of its own.
 
-  .arch armv8.5-a+memtag+crypto+sha3+crc+lse
+  .arch armv8.5-a+memtag+crypto+sha3+crc+lse+sve
   .arch_extension fp16
 
-  .macro case kind, before, instruction:vararg
+  .macro case kind, before, after, instruction:vararg
   .text
   .balign 8
   .long 0xe7f000f0 // not executed
   .long 0xe7f000f0
 1: \before
   \instruction
+  \after
   ret
   .section .rodata.texts, "a"
 2: .asciz "\instruction"
@@ -23,16 +26,24 @@
   .endm
 
   .macro value instruction:vararg
-  case 0, nop, \instruction
+  case 0, nop, nop, \instruction
   .endm
   .macro address instruction:vararg
-  case 1, nop, \instruction
+  case 1, nop, nop, \instruction
   .endm
   .macro exclusive instruction:vararg
-  case 0, "ldxr x7, [x27]", \instruction
+  case 0, "ldxr x7, [x27]", nop, \instruction
   .endm
   .macro exclusive_pair instruction:vararg
-  case 0, "ldxp x7, x8, [x27]", \instruction
+  case 0, "ldxp x7, x8, [x27]", nop, \instruction
+  .endm
+
+  .macro sve kind, instruction:vararg
+  case \kind, "ptrue p0.b; dup z2.b, #5", nop, \instruction
+  .endm
+// SP holds what X27 held, and X27 receives it.
+  .macro sve_of_sp instruction:vararg
+  case 0, "ptrue p0.b; dup z2.b, #5; mov x0, sp; mov sp, x27", "mov x27, sp; mov sp, x0; mov x0, #0", \instruction
   .endm
 
   .section .data.rel.ro.cases, "aw"
@@ -176,12 +187,35 @@ x28_cases:
   value add d28, d28, d28
   value sha512su0 v28.2d, v28.2d
 
+// SVE
+  value cntb x26
+  value rdvl x27, #1
+  sve_of_sp addvl x28, sp, #1
+  sve_of_sp addvl sp, sp, #-2
+  .irp n, 26, 27, 28
+  value incb x\n
+  .endr
+  value index z0.d, x26, x27
+  value dup z1.d, x28
+  value whilelt p0.b, x26, x28
+  value whilelt p0.b, x28, x27
+  case 0, "whilelt p0.b, x2, x28", nop, cntp x26, p0, p0.b
+  sve 0, ld1b {z3.b}, p0/z, [x27]
+  sve 1, st1b {z2.b}, p0, [x28]
+  sve 0, st1b {z2.b}, p0, [x27, x28]
+  case 1, "add x26, x28, #16", nop, ldr z4, [x26]
+  sve 1, str z2, [x28]
+  sve_of_sp ld1b {z5.b}, p0/z, [sp, x28]
+  sve_of_sp st1b {z2.b}, p0, [sp]
+  value add z3.b, z4.b, z5.b
+  value ptrue p5.h
+
   .section .data.rel.ro.cases, "aw"
 x28_cases_end:
   .quad 0
 
-// void run_case(const void* code, machine* state): loads X0 to X29, NZCV and V0 to V31 from the
-// state, calls the code, and stores them back. X30 is the way in and out. TPIDR_EL0 goes the same
+// void run_case(const void* code, machine* state): loads X0 to X29, NZCV, FPSR, FPCR and V0 to
+// V31 from the state, calls the code, and stores them back. X30 is the way in and out. TPIDR_EL0 goes the same
 // way through its own field, and the caller's is put back.
   .macro transfer_vectors op
   .irp n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31
@@ -216,9 +250,11 @@ run_case:
   mov x29, x1
   add x9, x29, #256
   transfer_vectors ldr
-  ldr x9, [x29, #240]
+  ldp x9, x10, [x29, #240]
   msr nzcv, x9
-  msr fpsr, xzr
+  msr fpsr, x10
+  ldr x9, [x29, #768]
+  msr fpcr, x9
   transfer_registers ldr, x29
   ldp x28, x29, [x29, #224]
   blr x30
@@ -230,8 +266,8 @@ run_case:
   stp x9, x10, [x30, #240]
   add x9, x30, #256
   transfer_vectors str
-  mrs x10, tpidr_el0
-  mrs x11, fpcr
+  mrs x10, fpcr
+  mrs x11, tpidr_el0
   stp x10, x11, [x9]
   ldr x9, [sp, #168]
   msr tpidr_el0, x9
