@@ -61,16 +61,12 @@ void on_fault(int signal, siginfo_t*, void*) {
 
 void emulate_instruction(unsigned word, unsigned char* pc, decode_handler constant) {
   const reg_t modes = fpcr_and_fpsr();
-  void* const drcontext = dr_get_current_drcontext();
-  for (const auto slot : {SPILL_SLOT_1, SPILL_SLOT_2, SPILL_SLOT_3}) {
-    dr_write_saved_reg(drcontext, slot, dr_read_saved_reg(drcontext, slot) + word % 16);
-  }
   errno = 5;  // the host's own, not the application's
   state.x[0] = modes;
   state.x[1] = reinterpret_cast<reg_t>(pc);
   state.x[2] = reinterpret_cast<reg_t>(constant);
-  if (word % 16 == 2) recover_from_fault();
-  if (word % 16 == 3) *unmapped = 1;
+  if (word % 16 == 1) recover_from_fault();
+  if (word % 16 == 2) *unmapped = 1;
 }
 
 DR_EXPORT int _USES_DR_VERSION_;
