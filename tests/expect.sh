@@ -1,6 +1,7 @@
 #!/bin/bash
-# expect.sh STATUS STDERR COMMAND...: fails unless the command ends with the status, and the extended
-# regular expression STDERR is all of what it prints on standard error, with ; for ends of lines.
+# expect.sh STATUS STDERR COMMAND...: fails unless the command ends with the status, and the
+# extended regular expression STDERR is all of what it prints on standard error, with ; for ends of
+# lines.
 # Status 128 + n is that of a shell for signal n.
 set -u
 expected_status=$1 expected=$2

@@ -50,8 +50,8 @@ TEST_F(ClientTest, ReportsCountsFromZeroByTheNameOfTheMainModule) {
     sve_instr_count = 17;
     host_script.has_main_module = name == "prog";
     start();
-    EXPECT_EQ(exit_report(), name + ": 0 SVE instructions executed\n" + name +
-                                 ": 0 Non-SVE AArch64 instructions executed\n");
+    const std::string first_line = name + ": 0 SVE instructions executed\n";
+    EXPECT_EQ(exit_report(), first_line + name + ": 0 Non-SVE AArch64 instructions executed\n");
   }
 }
 

@@ -277,7 +277,9 @@ TEST(mov_constant, loads_the_value_in_as_few_words_as_it_has_parts) {
       {0x1234'5678'9abc'def0,
        {movz(7, 0xdef0, 0), movk(7, 0x9abc, 1), movk(7, 0x5678, 2), movk(7, 0x1234, 3)}},
   };
-  for (const auto& c : cases) EXPECT_EQ(a64::mov_constant(7, c.value), c.code) << std::hex << c.value;
+  for (const auto& c : cases) {
+    EXPECT_EQ(a64::mov_constant(7, c.value), c.code) << std::hex << c.value;
+  }
 }
 
 }  // namespace

@@ -38,12 +38,16 @@
   case 0, "ldxp x7, x8, [x27]", nop, \instruction
   .endm
 
+  .macro all_active
+  ptrue p0.b
+  dup z2.b, #5
+  .endm
   .macro sve kind, instruction:vararg
-  case \kind, "ptrue p0.b; dup z2.b, #5", nop, \instruction
+  case \kind, all_active, nop, \instruction
   .endm
 // SP holds what X27 held, and X27 receives it.
   .macro sve_of_sp instruction:vararg
-  case 0, "ptrue p0.b; dup z2.b, #5; mov x0, sp; mov sp, x27", "mov x27, sp; mov sp, x0; mov x0, #0", \instruction
+  case 0, "all_active; mov x0, sp; mov sp, x27", "mov x27, sp; mov sp, x0; mov x0, #0", \instruction
   .endm
 
   .section .data.rel.ro.cases, "aw"
