@@ -1,0 +1,90 @@
+// What no processor and no reference function shows of the fast paths: predicates whose bytes are
+// not only 0 and 1, where a fast path looks at whole bytes, and other vector lengths. All else is
+// compared with the processor by the conformance test and with the references by agreement_test.
+#include "sve/fast/immediates_shifts_moves.h"
+#include "sve/fast/predicates.h"
+#include "sve/state/predicate_pattern.h"
+#include "tests/core/fast/machine.h"
+
+namespace {
+
+using sve::vector_bytes;
+
+class FastPaths : public RandomMachine {
+ protected:
+  cpu_state odd_, plain_;
+};
+
+// Operands count as true unless zero, but governing predicates, and the breaks' last operand, by
+// their lowest bits.
+TEST_F(FastPaths, LookAtWholePredicateBytes) {
+  constexpr aarch64_p_reg d = predicate(0, 0), g = predicate(1, sve::zeroing), n = predicate(2, 0),
+                          m = predicate(3, 0);
+  const struct {
+    const char* name;
+    sve::form::pppp* fast_path;
+    bool all_of_m;
+  } cases[] = {
+      {"and", sve_and_pppp, true},
+      {"orr", sve_orr_pppp, true},
+      {"eor", sve_eor_pppp, true},
+      {"nor", sve_nor_pppp, true},
+      {"brkns", [](auto* s, auto d, auto g, auto n, auto) { return sve_brkns_ppp(s, d, g, n); },
+       false},
+      {"brkpbs", sve_brkpbs_pppp, false},
+  };
+  for (const auto& c : cases) {
+    std::string differs;
+    for (int round = 0; round < 200 && differs.empty(); ++round) {
+      randomize(odd_);
+      plain_ = odd_;
+      for (unsigned k = 0; k < vector_bytes; ++k) {
+        plain_.p[g.num][k] &= 1;
+        plain_.p[n.num][k] = plain_.p[n.num][k] != 0;
+        plain_.p[m.num][k] = c.all_of_m ? plain_.p[m.num][k] != 0 : plain_.p[m.num][k] & 1;
+      }
+      const cpu_state before = odd_;
+      c.fast_path(&odd_, d, g, n, m);
+      c.fast_path(&plain_, d, g, n, m);
+      std::memcpy(plain_.p[g.num], before.p[g.num], 3 * vector_bytes);
+      differs = difference(plain_, odd_);
+    }
+    EXPECT_EQ(differs, "") << c.name;
+  }
+}
+
+TEST_F(FastPaths, BrknsKeepsTheBytesOfItsDestination) {
+  randomize(plain_);
+  std::memset(plain_.p[1], 1, vector_bytes);
+  odd_ = plain_;
+  sve_brkns_ppp(&odd_, predicate(0, 0), predicate(1, sve::zeroing), predicate(1, 0));
+  EXPECT_EQ(std::memcmp(odd_.p[0], plain_.p[0], vector_bytes), 0);
+}
+
+TEST_F(FastPaths, DupOfAnElementBeyondTheVectorGivesZeros) {
+  constexpr unsigned quadwords = vector_bytes / 16;
+  for (const unsigned index : {0U, quadwords - 1, quadwords}) {
+    randomize(odd_);
+    byte value[16] = {};
+    if (index < quadwords) std::memcpy(value, odd_.z[3] + std::size_t{16} * index, 16);
+    sve_dup_zzi(&odd_, {3, 4, 5, 5}, {3, 4, 5, 5}, index);
+    for (std::size_t i = 0; i < quadwords; ++i) {
+      EXPECT_EQ(std::memcmp(odd_.z[3] + 16 * i, value, 16), 0) << index << " in " << i;
+    }
+  }
+}
+
+TEST(PredicatePattern, CountsAtManyLengths) {
+  constexpr struct {
+    unsigned pattern, n, count;
+  } cases[] = {{0, 240, 128}, {0, 30, 16},  {0, 2, 2},      {1, 2, 1},    {8, 8, 8},
+               {8, 6, 0},     {9, 16, 16},  {9, 15, 0},     {10, 30, 0},  {12, 240, 128},
+               {12, 120, 0},  {13, 240, 0}, {13, 256, 256}, {14, 240, 0}, {28, 240, 0},
+               {29, 30, 28},  {29, 2, 0},   {30, 32, 30},   {30, 2, 0},   {31, 30, 30},
+               {11, 60, 0},   {31, 1, 1},   {0, 1, 1},      {28, 60, 0}};
+  for (const auto& [pattern, n, count] : cases) {
+    EXPECT_EQ(sve::pattern_count(pattern, n), count) << pattern << " of " << n;
+  }
+}
+
+}  // namespace
