@@ -53,22 +53,31 @@
     \instruction x\n, x\next, [x0, #8 * \n]
     .endm
 
+    .macro callee_saved instruction
+    \instruction x19, x20, [sp, #16]
+    \instruction x21, x22, [sp, #32]
+    \instruction x23, x24, [sp, #48]
+    \instruction x25, x26, [sp, #64]
+    \instruction x27, x28, [sp, #80]
+    \instruction d8, d9, [sp, #96]
+    \instruction d10, d11, [sp, #112]
+    \instruction d12, d13, [sp, #128]
+    \instruction d14, d15, [sp, #144]
+    .endm
+
+    // reg = address of native_context
+    .macro context_address reg
+    adrp \reg, native_context
+    add \reg, \reg, :lo12:native_context
+    .endm
+
 // void run_natively(const machine_image* before, machine_image* after, const void* stub)
     .global run_natively
     .type run_natively, %function
 run_natively:
     stp x29, x30, [sp, #-160]!
-    stp x19, x20, [sp, #16]
-    stp x21, x22, [sp, #32]
-    stp x23, x24, [sp, #48]
-    stp x25, x26, [sp, #64]
-    stp x27, x28, [sp, #80]
-    stp d8, d9, [sp, #96]
-    stp d10, d11, [sp, #112]
-    stp d12, d13, [sp, #128]
-    stp d14, d15, [sp, #144]
-    adrp x3, native_context
-    add x3, x3, :lo12:native_context
+    callee_saved stp
+    context_address x3
     mov x4, sp
     str x4, [x3, #context_sp]
     mrs x4, tpidr_el0
@@ -99,8 +108,7 @@ run_natively:
     .global native_return
 native_return:
     msr tpidr_el0, x0
-    adrp x0, native_context
-    add x0, x0, :lo12:native_context
+    context_address x0
     ldr x0, [x0, #context_after]
     str x1, [x0, #8]
     pairs stp
@@ -125,23 +133,14 @@ native_return:
 // The way out, and where the signal handler sends an instruction that raised a signal.
     .global native_leave
 native_leave:
-    adrp x3, native_context
-    add x3, x3, :lo12:native_context
+    context_address x3
     ldr x4, [x3, #context_sp]
     mov sp, x4
     ldr x4, [x3, #context_tpidr]
     msr tpidr_el0, x4
     ldr x4, [x3, #context_fpcr]
     msr fpcr, x4
-    ldp x19, x20, [sp, #16]
-    ldp x21, x22, [sp, #32]
-    ldp x23, x24, [sp, #48]
-    ldp x25, x26, [sp, #64]
-    ldp x27, x28, [sp, #80]
-    ldp d8, d9, [sp, #96]
-    ldp d10, d11, [sp, #112]
-    ldp d12, d13, [sp, #128]
-    ldp d14, d15, [sp, #144]
+    callee_saved ldp
     ldp x29, x30, [sp], #160
     ret
     .size run_natively, . - run_natively

@@ -26,61 +26,45 @@ void flip_bit(T& value, unsigned low, unsigned high, random_source& random) {
   value ^= T{1} << random.between(low, high);
 }
 
+using O = emulated_outcome&;
+using R = random_source&;
+
+unsigned char& any_predicate_byte(R random) {
+  return emulated.p[random.below(16)][random.below(sve::vector_bytes)];
+}
+
 // One thing to change, and how the difference that tells of it begins.
 struct corruption {
   const char* name;
   const char* place;
-  void (*apply)(emulated_outcome& outcome, random_source& random);
+  void (*apply)(O outcome, R random);
 };
 
 constexpr std::array corruptions{
     corruption{"general register", "x",
-               [](emulated_outcome&, random_source& random) {
-                 flip_bit(emulated.x[random.below(31)], 0, 63, random);
-               }},
-    corruption{
-        "SP", "sp",
-        [](emulated_outcome&, random_source& random) { flip_bit(emulated.sp, 0, 63, random); }},
-    corruption{
-        "condition flag", "nzcv",
-        [](emulated_outcome&, random_source& random) { flip_bit(emulated.nzcv, 28, 31, random); }},
-    corruption{
-        "NZCV above bit 31", "nzcv",
-        [](emulated_outcome&, random_source& random) { flip_bit(emulated.nzcv, 32, 63, random); }},
-    corruption{
-        "FPSR", "fpsr",
-        [](emulated_outcome&, random_source& random) { flip_bit(emulated.fpsr, 0, 31, random); }},
-    corruption{
-        "FPCR", "fpcr",
-        [](emulated_outcome&, random_source& random) { flip_bit(emulated.fpcr, 0, 31, random); }},
+               [](O, R random) { flip_bit(emulated.x[random.below(31)], 0, 63, random); }},
+    corruption{"SP", "sp", [](O, R random) { flip_bit(emulated.sp, 0, 63, random); }},
+    corruption{"condition flag", "nzcv",
+               [](O, R random) { flip_bit(emulated.nzcv, 28, 31, random); }},
+    corruption{"NZCV above bit 31", "nzcv",
+               [](O, R random) { flip_bit(emulated.nzcv, 32, 63, random); }},
+    corruption{"FPSR", "fpsr", [](O, R random) { flip_bit(emulated.fpsr, 0, 31, random); }},
+    corruption{"FPCR", "fpcr", [](O, R random) { flip_bit(emulated.fpcr, 0, 31, random); }},
     corruption{"vector byte", "z",
-               [](emulated_outcome&, random_source& random) {
+               [](O, R random) {
                  flip_bit(emulated.z[random.below(32)][random.below(sve::vector_bytes)], random);
                }},
-    corruption{"predicate bit", "p",
-               [](emulated_outcome&, random_source& random) {
-                 emulated.p[random.below(16)][random.below(sve::vector_bytes)] ^= 1;
-               }},
+    corruption{"predicate bit", "p", [](O, R random) { any_predicate_byte(random) ^= 1; }},
     corruption{"predicate byte that is not 0 or 1", "p",
-               [](emulated_outcome&, random_source& random) {
-                 emulated.p[random.below(16)][random.below(sve::vector_bytes)] ^= 0x80;
-               }},
+               [](O, R random) { any_predicate_byte(random) ^= 0x80; }},
     corruption{"FFR bit", "ffr",
-               [](emulated_outcome&, random_source& random) {
-                 emulated.ffr[random.below(sve::vector_bytes)] ^= 1;
-               }},
+               [](O, R random) { emulated.ffr[random.below(sve::vector_bytes)] ^= 1; }},
     corruption{"memory byte", "memory",
-               [](emulated_outcome&, random_source& random) {
-                 flip_bit(arena()[random.below(arena_bytes)], random);
-               }},
+               [](O, R random) { flip_bit(arena()[random.below(arena_bytes)], random); }},
     corruption{"result code", "result code",
-               [](emulated_outcome& outcome, random_source&) {
-                 outcome.rc = aarch64_decode_unimplemented;
-               }},
-    corruption{"pc", "pc advance",
-               [](emulated_outcome& outcome, random_source&) { outcome.pc_advance = 0; }},
-    corruption{"signal", "signal",
-               [](emulated_outcome& outcome, random_source&) { outcome.signal = SIGSEGV; }},
+               [](O outcome, R) { outcome.rc = aarch64_decode_unimplemented; }},
+    corruption{"pc", "pc advance", [](O outcome, R) { outcome.pc_advance = 0; }},
+    corruption{"signal", "signal", [](O outcome, R) { outcome.signal = SIGSEGV; }},
 };
 
 bool applies(const corruption& change) {
