@@ -46,7 +46,9 @@ TEST_F(FastPaths, LookAtWholePredicateBytes) {
       const cpu_state before = odd_;
       c.fast_path(&odd_, d, g, n, m);
       c.fast_path(&plain_, d, g, n, m);
-      std::memcpy(plain_.p[g.num], before.p[g.num], 3 * vector_bytes);
+      for (const auto& operand : {g, n, m}) {
+        std::memcpy(plain_.p[operand.num], before.p[operand.num], vector_bytes);
+      }
       differs = difference(plain_, odd_);
     }
     EXPECT_EQ(differs, "") << c.name;
