@@ -128,6 +128,7 @@ struct v_operand : reads<Letter> {
 
 using Vd = v_operand<'d'>;
 using Vn = v_operand<'n'>;
+using Vm = v_operand<'m'>;
 
 // The field of a letter as it stands, and sign-extended.
 template <char Letter>

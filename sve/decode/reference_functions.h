@@ -4,4 +4,6 @@
 #include "sve/semantics/compares.h"
 #include "sve/semantics/counts.h"
 #include "sve/semantics/integer.h"
+#include "sve/semantics/memory.h"
+#include "sve/semantics/permutes.h"
 #include "sve/semantics/predicates.h"

@@ -3,6 +3,8 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/counts.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer_helpers.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/memory.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory_access.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/permutes.cpp
   ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp
   ${CMAKE_CURRENT_LIST_DIR}/probe_${CMAKE_SYSTEM_PROCESSOR}.cpp)

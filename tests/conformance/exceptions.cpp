@@ -19,6 +19,9 @@ std::uint32_t plain_for_first_fault(std::uint32_t word) {
   return (word & ~0x001fe000U) | 0xa000U;
 }
 
+// LDFF1 (gather) to LD1.
+std::uint32_t plain_for_first_fault_gather(std::uint32_t word) { return word & ~0x2000U; }
+
 // LDNF1 (scalar plus immediate) to LD1.
 std::uint32_t plain_for_non_fault(std::uint32_t word) { return word & ~0x00100000U; }
 
@@ -74,6 +77,10 @@ constexpr std::array exceptions{
               plain_for_first_fault, nullptr},
     exception{"Vec*CLoadNF*SIZ", "QEMU 7.2: LDNF1, as the contiguous LDFF1", plain_for_non_fault,
               nullptr},
+    exception{"Vec[US][36][24]LoadFF*V*Z",
+              "QEMU 7.2: a gathering LDFF1 gives up at an element that lies in two pages, though "
+              "both are readable",
+              plain_for_first_fault_gather, nullptr},
     exception{"Vec[US]*CondXASV",
               "meant: CLASTA to a general register without an active element keeps the old "
               "register's W part whole; the architecture cuts it to the element",

@@ -14,6 +14,7 @@
 #include "guarded_memory.h"
 #include "sve/fast/contiguous_memory.h"
 #include "sve/fast/gather_scatter.h"
+#include "sve/semantics/memory.h"
 #include "sve/state/guest_memory.h"
 
 namespace {
@@ -204,6 +205,10 @@ TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
   s->x[0] = memory.end() - 5;
   s->z[1][1] = 1;  // offset element 0 is 256
   const std::uint64_t bus = page_without_memory();
+  ctx.vl = 2;
+  const PredV all{{~std::uint64_t{0}}};
+  VecV last_bytes;
+  for (unsigned e = 0; e < 2; ++e) last_bytes.set<std::uint64_t>(e, memory.end() - 1);
   const struct {
     const char* what;
     int signal;
@@ -238,6 +243,10 @@ TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {
       {"probe of a page without memory", SIGBUS, [&] { probe(bus); }},
       {"gather", SIGSEGV, [&] { sve_ld1sb_d_sxtw_zpzr(s, z, p, z1, x); }},
       {"scatter", SIGSEGV, [&] { sve_st1d_scaled_zprz(s, z, p, x, z1); }},
+      {"reference gather", SIGSEGV, [&] { VecU64Load2VIZ(all, last_bytes, 0, &ctx); }},
+      {"reference scatter", SIGSEGV, [&] { VecU64Store8YVSZ(all, {}, s->x[0], {}, &ctx); }},
+      {"replicating load of a quadword", SIGSEGV,
+       [&] { VecU8LoadDup1QSIZ(all, s->x[0], 0, &ctx); }},
       {"after a guarded fault", SIGSEGV,
        [&] {
          bool fault = false;

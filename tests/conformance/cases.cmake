@@ -1,0 +1,12 @@
+# How instruction words and machine states are made: for the conformance test, for the comparison of
+# fast paths with reference functions, and for the fuzzer.
+add_library(conformance_cases STATIC)
+foreach(source addresses arena machine_image row_shape states values words)
+  target_sources(conformance_cases PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${source}.cpp)
+endforeach()
+target_link_libraries(conformance_cases PUBLIC sve)
+if(TESSALY_SANITIZE)
+  # GCC 12 raises a false alarm within std::regex.
+  set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/row_shape.cpp PROPERTIES
+    COMPILE_OPTIONS -Wno-maybe-uninitialized)
+endif()
