@@ -75,7 +75,7 @@ void clear_ffr(Ctx ctx, unsigned e) {
 }
 
 template <class T, class M, class... Form>
-VecV load_first_fault(P g, Ctx ctx, const Form&... form) {
+VecV first_fault(P g, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   bool fault = false;
   int later = 0;
@@ -173,156 +173,76 @@ VecV VecU64Load4YSVZ(P g, U64 s, V v, Ctx c) { return load<U64, U32>(g, c, s, v,
 VecV VecS64Load4YSVZ(P g, U64 s, V v, Ctx c) { return load<S64, S32>(g, c, s, v, uxtw); }
 VecV VecU64Load8YSVZ(P g, U64 s, V v, Ctx c) { return load<U64, U64>(g, c, s, v, uxtw); }
 
-VecV VecU32LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return load_first_fault<U32, U8>(g, c, v, i); }
-VecV VecS32LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return load_first_fault<S32, S8>(g, c, v, i); }
-VecV VecU64LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return load_first_fault<U64, U8>(g, c, v, i); }
-VecV VecS64LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return load_first_fault<S64, S8>(g, c, v, i); }
-VecV VecU32LoadFF2VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<U32, U16>(g, c, v, i);
-}
-VecV VecS32LoadFF2VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<S32, S16>(g, c, v, i);
-}
-VecV VecU64LoadFF2VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<U64, U16>(g, c, v, i);
-}
-VecV VecS64LoadFF2VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<S64, S16>(g, c, v, i);
-}
-VecV VecU32LoadFF4VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<U32, U32>(g, c, v, i);
-}
-VecV VecU64LoadFF4VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<U64, U32>(g, c, v, i);
-}
-VecV VecS64LoadFF4VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<S64, S32>(g, c, v, i);
-}
-VecV VecU64LoadFF8VIZ(P g, V v, unsigned i, Ctx c) {
-  return load_first_fault<U64, U64>(g, c, v, i);
-}
+VecV VecU32LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U32, U8>(g, c, v, i); }
+VecV VecS32LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<S32, S8>(g, c, v, i); }
+VecV VecU64LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U64, U8>(g, c, v, i); }
+VecV VecS64LoadFF1VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<S64, S8>(g, c, v, i); }
+VecV VecU32LoadFF2VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U32, U16>(g, c, v, i); }
+VecV VecS32LoadFF2VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<S32, S16>(g, c, v, i); }
+VecV VecU64LoadFF2VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U64, U16>(g, c, v, i); }
+VecV VecS64LoadFF2VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<S64, S16>(g, c, v, i); }
+VecV VecU32LoadFF4VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U32, U32>(g, c, v, i); }
+VecV VecU64LoadFF4VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U64, U32>(g, c, v, i); }
+VecV VecS64LoadFF4VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<S64, S32>(g, c, v, i); }
+VecV VecU64LoadFF8VIZ(P g, V v, unsigned i, Ctx c) { return first_fault<U64, U64>(g, c, v, i); }
 
-VecV VecU32LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U32, U8>(g, c, v, s); }
-VecV VecS32LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<S32, S8>(g, c, v, s); }
-VecV VecU64LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U64, U8>(g, c, v, s); }
-VecV VecS64LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<S64, S8>(g, c, v, s); }
-VecV VecU32LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U32, U16>(g, c, v, s); }
-VecV VecS32LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<S32, S16>(g, c, v, s); }
-VecV VecU64LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U64, U16>(g, c, v, s); }
-VecV VecS64LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<S64, S16>(g, c, v, s); }
-VecV VecU32LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U32, U32>(g, c, v, s); }
-VecV VecU64LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U64, U32>(g, c, v, s); }
-VecV VecS64LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<S64, S32>(g, c, v, s); }
-VecV VecU64LoadFF8VSZ(P g, V v, U64 s, Ctx c) { return load_first_fault<U64, U64>(g, c, v, s); }
+VecV VecU32LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U8>(g, c, v, s); }
+VecV VecS32LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return first_fault<S32, S8>(g, c, v, s); }
+VecV VecU64LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U8>(g, c, v, s); }
+VecV VecS64LoadFF1VSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S8>(g, c, v, s); }
+VecV VecU32LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U16>(g, c, v, s); }
+VecV VecS32LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return first_fault<S32, S16>(g, c, v, s); }
+VecV VecU64LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U16>(g, c, v, s); }
+VecV VecS64LoadFF2VSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S16>(g, c, v, s); }
+VecV VecU32LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U32>(g, c, v, s); }
+VecV VecU64LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U32>(g, c, v, s); }
+VecV VecS64LoadFF4VSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S32>(g, c, v, s); }
+VecV VecU64LoadFF8VSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U64>(g, c, v, s); }
 
-VecV VecU32LoadFF1XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U32, U8>(g, c, v, s, sxtw);
-}
-VecV VecS32LoadFF1XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S32, S8>(g, c, v, s, sxtw);
-}
-VecV VecU64LoadFF1XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U8>(g, c, v, s, sxtw);
-}
-VecV VecS64LoadFF1XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S8>(g, c, v, s, sxtw);
-}
-VecV VecU32LoadFF2XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U32, U16>(g, c, v, s, sxtw);
-}
-VecV VecS32LoadFF2XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S32, S16>(g, c, v, s, sxtw);
-}
-VecV VecU64LoadFF2XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U16>(g, c, v, s, sxtw);
-}
-VecV VecS64LoadFF2XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S16>(g, c, v, s, sxtw);
-}
-VecV VecU32LoadFF4XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U32, U32>(g, c, v, s, sxtw);
-}
-VecV VecU64LoadFF4XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U32>(g, c, v, s, sxtw);
-}
-VecV VecS64LoadFF4XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S32>(g, c, v, s, sxtw);
-}
-VecV VecU64LoadFF8XVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U64>(g, c, v, s, sxtw);
-}
+VecV VecU32LoadFF1XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U8>(g, c, v, s, sxtw); }
+VecV VecS32LoadFF1XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S32, S8>(g, c, v, s, sxtw); }
+VecV VecU64LoadFF1XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U8>(g, c, v, s, sxtw); }
+VecV VecS64LoadFF1XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S8>(g, c, v, s, sxtw); }
+VecV VecU32LoadFF2XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U16>(g, c, v, s, sxtw); }
+VecV VecS32LoadFF2XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S32, S16>(g, c, v, s, sxtw); }
+VecV VecU64LoadFF2XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U16>(g, c, v, s, sxtw); }
+VecV VecS64LoadFF2XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S16>(g, c, v, s, sxtw); }
+VecV VecU32LoadFF4XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U32, U32>(g, c, v, s, sxtw); }
+VecV VecU64LoadFF4XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U32>(g, c, v, s, sxtw); }
+VecV VecS64LoadFF4XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S32>(g, c, v, s, sxtw); }
+VecV VecU64LoadFF8XVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U64>(g, c, v, s, sxtw); }
 
-VecV VecU64LoadFF1YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U8>(g, c, v, s, uxtw);
-}
-VecV VecS64LoadFF1YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S8>(g, c, v, s, uxtw);
-}
-VecV VecU64LoadFF2YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U16>(g, c, v, s, uxtw);
-}
-VecV VecS64LoadFF2YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S16>(g, c, v, s, uxtw);
-}
-VecV VecU64LoadFF4YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U32>(g, c, v, s, uxtw);
-}
-VecV VecS64LoadFF4YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<S64, S32>(g, c, v, s, uxtw);
-}
-VecV VecU64LoadFF8YVSZ(P g, V v, U64 s, Ctx c) {
-  return load_first_fault<U64, U64>(g, c, v, s, uxtw);
-}
+VecV VecU64LoadFF1YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U8>(g, c, v, s, uxtw); }
+VecV VecS64LoadFF1YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S8>(g, c, v, s, uxtw); }
+VecV VecU64LoadFF2YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U16>(g, c, v, s, uxtw); }
+VecV VecS64LoadFF2YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S16>(g, c, v, s, uxtw); }
+VecV VecU64LoadFF4YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U32>(g, c, v, s, uxtw); }
+VecV VecS64LoadFF4YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<S64, S32>(g, c, v, s, uxtw); }
+VecV VecU64LoadFF8YVSZ(P g, V v, U64 s, Ctx c) { return first_fault<U64, U64>(g, c, v, s, uxtw); }
 
-VecV VecU32LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<U32, U16>(g, c, s, v); }
-VecV VecS32LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<S32, S16>(g, c, s, v); }
-VecV VecU64LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<U64, U16>(g, c, s, v); }
-VecV VecS64LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<S64, S16>(g, c, s, v); }
-VecV VecU32LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<U32, U32>(g, c, s, v); }
-VecV VecU64LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<U64, U32>(g, c, s, v); }
-VecV VecS64LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<S64, S32>(g, c, s, v); }
-VecV VecU64LoadFF8SVZ(P g, U64 s, V v, Ctx c) { return load_first_fault<U64, U64>(g, c, s, v); }
+VecV VecU32LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return first_fault<U32, U16>(g, c, s, v); }
+VecV VecS32LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return first_fault<S32, S16>(g, c, s, v); }
+VecV VecU64LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U16>(g, c, s, v); }
+VecV VecS64LoadFF2SVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S16>(g, c, s, v); }
+VecV VecU32LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return first_fault<U32, U32>(g, c, s, v); }
+VecV VecU64LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U32>(g, c, s, v); }
+VecV VecS64LoadFF4SVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S32>(g, c, s, v); }
+VecV VecU64LoadFF8SVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U64>(g, c, s, v); }
 
-VecV VecU32LoadFF2XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U32, U16>(g, c, s, v, sxtw);
-}
-VecV VecS32LoadFF2XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<S32, S16>(g, c, s, v, sxtw);
-}
-VecV VecU64LoadFF2XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U16>(g, c, s, v, sxtw);
-}
-VecV VecS64LoadFF2XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<S64, S16>(g, c, s, v, sxtw);
-}
-VecV VecU32LoadFF4XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U32, U32>(g, c, s, v, sxtw);
-}
-VecV VecU64LoadFF4XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U32>(g, c, s, v, sxtw);
-}
-VecV VecS64LoadFF4XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<S64, S32>(g, c, s, v, sxtw);
-}
-VecV VecU64LoadFF8XSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U64>(g, c, s, v, sxtw);
-}
+VecV VecU32LoadFF2XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U32, U16>(g, c, s, v, sxtw); }
+VecV VecS32LoadFF2XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<S32, S16>(g, c, s, v, sxtw); }
+VecV VecU64LoadFF2XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U16>(g, c, s, v, sxtw); }
+VecV VecS64LoadFF2XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S16>(g, c, s, v, sxtw); }
+VecV VecU32LoadFF4XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U32, U32>(g, c, s, v, sxtw); }
+VecV VecU64LoadFF4XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U32>(g, c, s, v, sxtw); }
+VecV VecS64LoadFF4XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S32>(g, c, s, v, sxtw); }
+VecV VecU64LoadFF8XSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U64>(g, c, s, v, sxtw); }
 
-VecV VecU64LoadFF2YSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U16>(g, c, s, v, uxtw);
-}
-VecV VecS64LoadFF2YSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<S64, S16>(g, c, s, v, uxtw);
-}
-VecV VecU64LoadFF4YSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U32>(g, c, s, v, uxtw);
-}
-VecV VecS64LoadFF4YSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<S64, S32>(g, c, s, v, uxtw);
-}
-VecV VecU64LoadFF8YSVZ(P g, U64 s, V v, Ctx c) {
-  return load_first_fault<U64, U64>(g, c, s, v, uxtw);
-}
+VecV VecU64LoadFF2YSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U16>(g, c, s, v, uxtw); }
+VecV VecS64LoadFF2YSVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S16>(g, c, s, v, uxtw); }
+VecV VecU64LoadFF4YSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U32>(g, c, s, v, uxtw); }
+VecV VecS64LoadFF4YSVZ(P g, U64 s, V v, Ctx c) { return first_fault<S64, S32>(g, c, s, v, uxtw); }
+VecV VecU64LoadFF8YSVZ(P g, U64 s, V v, Ctx c) { return first_fault<U64, U64>(g, c, s, v, uxtw); }
 
 void VecU32Store1VIZ(P g, V v, unsigned i, V d, Ctx c) { store<U32, U8>(g, d, c, v, i); }
 void VecU64Store1VIZ(P g, V v, unsigned i, V d, Ctx c) { store<U64, U8>(g, d, c, v, i); }
@@ -369,22 +289,22 @@ void VecU64Store2YSVZ(P g, U64 s, V v, V d, Ctx c) { store<U64, U16>(g, d, c, s,
 void VecU64Store4YSVZ(P g, U64 s, V v, V d, Ctx c) { store<U64, U32>(g, d, c, s, v, uxtw); }
 void VecU64Store8YSVZ(P g, U64 s, V v, V d, Ctx c) { store<U64, U64>(g, d, c, s, v, uxtw); }
 
-VecV VecU8CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U8, U8>(g, c, s, i); }
-VecV VecU16CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U16, U8>(g, c, s, i); }
-VecV VecS16CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S16, S8>(g, c, s, i); }
-VecV VecU32CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U32, U8>(g, c, s, i); }
-VecV VecS32CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S32, S8>(g, c, s, i); }
-VecV VecU64CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U64, U8>(g, c, s, i); }
-VecV VecS64CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S64, S8>(g, c, s, i); }
-VecV VecU16CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U16, U16>(g, c, s, i); }
-VecV VecU32CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U32, U16>(g, c, s, i); }
-VecV VecS32CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S32, S16>(g, c, s, i); }
-VecV VecU64CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U64, U16>(g, c, s, i); }
-VecV VecS64CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S64, S16>(g, c, s, i); }
-VecV VecU32CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U32, U32>(g, c, s, i); }
-VecV VecU64CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U64, U32>(g, c, s, i); }
-VecV VecS64CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<S64, S32>(g, c, s, i); }
-VecV VecU64CLoadFF8LSSZ(P g, U64 s, U64 i, Ctx c) { return load_first_fault<U64, U64>(g, c, s, i); }
+VecV VecU8CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U8, U8>(g, c, s, i); }
+VecV VecU16CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U16, U8>(g, c, s, i); }
+VecV VecS16CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S16, S8>(g, c, s, i); }
+VecV VecU32CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U32, U8>(g, c, s, i); }
+VecV VecS32CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S32, S8>(g, c, s, i); }
+VecV VecU64CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U64, U8>(g, c, s, i); }
+VecV VecS64CLoadFF1LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S64, S8>(g, c, s, i); }
+VecV VecU16CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U16, U16>(g, c, s, i); }
+VecV VecU32CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U32, U16>(g, c, s, i); }
+VecV VecS32CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S32, S16>(g, c, s, i); }
+VecV VecU64CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U64, U16>(g, c, s, i); }
+VecV VecS64CLoadFF2LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S64, S16>(g, c, s, i); }
+VecV VecU32CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U32, U32>(g, c, s, i); }
+VecV VecU64CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U64, U32>(g, c, s, i); }
+VecV VecS64CLoadFF4LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<S64, S32>(g, c, s, i); }
+VecV VecU64CLoadFF8LSSZ(P g, U64 s, U64 i, Ctx c) { return first_fault<U64, U64>(g, c, s, i); }
 
 VecV VecU8LoadDup1QSIZ(P g, U64 s, int i, Ctx c) {
   return replicate_quadword<U8>(g, s + 16 * static_cast<U64>(i), c);

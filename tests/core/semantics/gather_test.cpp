@@ -31,42 +31,32 @@ VecV vector_of(const Addresses& addresses, U64 base, unsigned unit, U64 unused) 
   return v;
 }
 
+template <class T, class M, class Load>
+Form form(const char* name, bool byte_offsets, Load load) {
+  return {name, sizeof(T), sizeof(M), std::is_signed_v<M>, byte_offsets, load};
+}
+
 template <class T, class M>
 Form bases(const char* name, VecV (*load)(const PredV&, const VecV&, unsigned, CpuContext*)) {
-  return {name,
-          sizeof(T),
-          sizeof(M),
-          std::is_signed_v<M>,
-          true,
-          [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
-            return load(g, vector_of<T>(at, 3 * sizeof(M), 1, 0), 3, ctx);
-          }};
+  return form<T, M>(name, true, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
+    return load(g, vector_of<T>(at, 3 * sizeof(M), 1, 0), 3, ctx);
+  });
 }
 
 template <class T, class M>
 Form offsets(const char* name, VecV (*load)(const PredV&, const VecV&, U64, CpuContext*), U64 base,
              U64 unused = 0) {
-  return {name,
-          sizeof(T),
-          sizeof(M),
-          std::is_signed_v<M>,
-          true,
-          [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
-            return load(g, vector_of<T>(at, base, 1, unused), base, ctx);
-          }};
+  return form<T, M>(name, true, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
+    return load(g, vector_of<T>(at, base, 1, unused), base, ctx);
+  });
 }
 
 template <class T, class M>
 Form scaled(const char* name, VecV (*load)(const PredV&, U64, const VecV&, CpuContext*), U64 base,
             U64 unused = 0) {
-  return {name,
-          sizeof(T),
-          sizeof(M),
-          std::is_signed_v<M>,
-          false,
-          [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
-            return load(g, base, vector_of<T>(at, base, sizeof(M), unused), ctx);
-          }};
+  return form<T, M>(name, false, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
+    return load(g, base, vector_of<T>(at, base, sizeof(M), unused), ctx);
+  });
 }
 
 class Gather : public testing::TestWithParam<unsigned> {
