@@ -86,7 +86,7 @@ VecV first_fault(P g, Ctx ctx, const Form&... form) {
       later = 1;
     }
     if (fault) clear_ffr<T>(ctx, e);
-    return fault ? T{0} : value;
+    return value;
   });
 }
 
