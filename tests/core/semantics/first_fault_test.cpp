@@ -1,16 +1,45 @@
 // First-fault and non-fault loads where real pages end, at every distance from the boundary.
 #include "sve/fast/first_fault.h"
 
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
 #include <optional>
+#include <random>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 
-#include "memory_fixture.h"
+#include "guarded_memory.h"
 #include "sve/semantics/memory_access.h"
+#include "sve/state/vector_length.h"
 
 namespace {
 
 using sve::vector_bytes;
+
+constexpr aarch64_z_reg zt{30, 0, 0, 0};
+constexpr aarch64_p_reg pg{3, sve::zeroing, 0, 0};
+
+// What a name says after the 1: s where the sign is extended, the memory element, and the register
+// element where it is wider.
+struct Shape {
+  explicit constexpr Shape(std::string_view name) {
+    std::size_t at = name.find('1') + 1;
+    sign = name[at] == 's';
+    if (sign) ++at;
+    memory_bytes = bytes_of(name[at++]);
+    element_bytes = at < name.size() ? bytes_of(name[at + 1]) : memory_bytes;
+  }
+  static constexpr std::size_t bytes_of(char letter) {
+    return letter == 'b' ? 1 : letter == 'h' ? 2 : letter == 'd' ? 8 : 4;
+  }
+  std::size_t elements() const { return vector_bytes / element_bytes; }
+
+  std::size_t memory_bytes, element_bytes;
+  bool sign;
+};
 
 template <class Function>
 struct Form : Shape {
@@ -33,11 +62,14 @@ const Form<sve::contiguous_zpri> non_fault_loads[] = {
     NON_FAULT(ldnf1h_s),  NON_FAULT(ldnf1h_d),  NON_FAULT(ldnf1sh_s), NON_FAULT(ldnf1sh_d),
     NON_FAULT(ldnf1w),    NON_FAULT(ldnf1w_d),  NON_FAULT(ldnf1sw_d), NON_FAULT(ldnf1d)};
 
-class FirstFault : public MemoryTest {
+class FirstFault : public testing::Test {
  protected:
-  FirstFault() : MemoryTest(2) {
+  // Random bytes everywhere: predicate bytes are true by bit 0 alone, with the other bits set too.
+  FirstFault() {
     SVEInitialize();
-    randomise_memory();
+    auto* bytes = reinterpret_cast<unsigned char*>(state.get());
+    std::generate_n(bytes, sizeof(cpu_state), [this] { return byte(); });
+    std::generate_n(memory.data(), memory.size(), [this] { return byte(); });
   }
 
   void call(const Form<sve::contiguous_scaled_zprr>& form, std::uint64_t address) {
@@ -77,6 +109,47 @@ class FirstFault : public MemoryTest {
     }
     return 0;
   }
+
+  unsigned char byte() { return static_cast<unsigned char>(random()); }
+
+  bool active(const Shape& form, std::size_t e) const {
+    return (state->p[pg.num][e * form.element_bytes] & 1) != 0;
+  }
+
+  // Governing predicates: all, none, one element, and random ones with many and few gaps.
+  void choose_predicate(const Shape& form, unsigned choice) {
+    const std::size_t lone = random() % form.elements();
+    for (std::size_t e = 0; e < form.elements(); ++e) {
+      const bool truths[] = {true, false, e == lone, random() % 2 != 0, random() % 8 == 0};
+      unsigned char& first = state->p[pg.num][e * form.element_bytes];
+      first = static_cast<unsigned char>((byte() & 0xfe) | (truths[choice] ? 1 : 0));
+    }
+  }
+
+  // The element as it arrives in a register: extended to 8 bytes.
+  std::int64_t loaded(const Shape& form, std::uint64_t address) const {
+    std::int64_t value = 0;
+    std::memcpy(&value, memory.data() + (address - memory.begin()), form.memory_bytes);
+    const int shift = 64 - 8 * static_cast<int>(form.memory_bytes);
+    return form.sign
+               ? static_cast<std::int64_t>(static_cast<std::uint64_t>(value) << shift) >> shift
+               : value;
+  }
+
+  // The state after the call is the one from before with the changes that the test made to it.
+  void expect_state_as_before(const char* what, unsigned choice) {
+    const auto* expected = reinterpret_cast<const unsigned char*>(before.get());
+    const auto* got = reinterpret_cast<const unsigned char*>(state.get());
+    const auto differs = std::mismatch(got, got + sizeof(cpu_state), expected).first - got;
+    EXPECT_EQ(differs, static_cast<std::ptrdiff_t>(sizeof(cpu_state)))
+        << what << ", choice " << choice << ": first difference in byte "
+        << differs - static_cast<std::ptrdiff_t>(offsetof(cpu_state, z)) << " from Z0";
+  }
+
+  std::mt19937_64 random{1};
+  std::unique_ptr<cpu_state> state = std::make_unique<cpu_state>();
+  std::unique_ptr<cpu_state> before = std::make_unique<cpu_state>();
+  GuardedMemory memory{2};
 };
 
 TEST_F(FirstFault, HandlesTheElementsBeforeAnUnreadablePage) {
