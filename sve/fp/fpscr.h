@@ -1,0 +1,67 @@
+// The control and status word of the floating-point library.
+//
+// The architecture keeps rounding mode and flush controls in FPCR and the cumulative flags in FPSR.
+// No bit that the library knows is in both, so one word stands for the two side by side: an
+// operation reads its controls from it and ORs its flags into it.
+#pragma once
+
+#include <cstdint>
+
+namespace sve {
+
+// Rounding modes, by the values of FPCR.RMode as far as that has them.
+enum FPRounding : int {
+  FPRounding_TIEEVEN,  // to nearest, ties to even
+  FPRounding_POSINF,   // towards plus infinity
+  FPRounding_NEGINF,   // towards minus infinity
+  FPRounding_ZERO,     // towards zero
+  FPRounding_TIEAWAY,  // to nearest, ties away from zero: FPRoundInt and FPToFixed_64 only
+  FPRounding_ODD,      // to odd: fp16_round_ and fp32_round_ only
+};
+
+struct FPSCR {
+  std::uint32_t word;
+
+  // Cumulative flags, at the positions of FPSR. Functions that collect flags in an int use the same
+  // values.
+  static constexpr int IOC = 1 << 0;  // invalid operation
+  static constexpr int DZC = 1 << 1;  // division by zero
+  static constexpr int OFC = 1 << 2;  // overflow
+  static constexpr int UFC = 1 << 3;  // underflow
+  static constexpr int IXC = 1 << 4;  // inexact
+  static constexpr int IDC = 1 << 7;  // input denormal
+
+  // Controls, at the positions of FPCR.
+  static constexpr std::uint32_t FZ16 = 1U << 19;  // flush half-precision denormals to zero
+  static constexpr int RMode_shift = 22;
+  static constexpr std::uint32_t RMode = 3U << RMode_shift;  // FPRounding 0 to 3
+  static constexpr std::uint32_t FZ = 1U << 24;   // flush single and double denormals to zero
+  static constexpr std::uint32_t DN = 1U << 25;   // every NaN result is the default NaN
+  static constexpr std::uint32_t AHP = 1U << 26;  // alternative half precision: FPConvert only
+
+  constexpr FPRounding rounding() const {
+    return static_cast<FPRounding>((word & RMode) >> RMode_shift);
+  }
+  // fp_merge_flags: flags are only ever added.
+  constexpr void merge(int flags) { word |= static_cast<std::uint32_t>(flags); }
+};
+static_assert(sizeof(FPSCR) == 4, "the word goes to and comes from FPSR and FPCR as it stands");
+
+// The bits of the mode word, which rounding cores and arithmetic take instead of an FPSCR.
+struct fp_mode {
+  static constexpr int RMode = 3;
+  static constexpr int FZ = 1 << 2;
+  static constexpr int DN = 1 << 3;
+  static constexpr int AHP = 1 << 4;  // FPConvert adds it; fp_mode_word leaves it out
+  static constexpr int FZ16 = 1 << 5;
+};
+
+constexpr int fp_mode_word(FPSCR fpscr) {
+  return static_cast<int>(((fpscr.word >> 22) & 15) | ((fpscr.word >> 14) & 32));
+}
+
+constexpr FPRounding mode_rounding(int mode) {
+  return static_cast<FPRounding>(mode & fp_mode::RMode);
+}
+
+}  // namespace sve
