@@ -39,7 +39,9 @@ unsigned int fp32_round_(int sgn, int exp, unsigned int mnt, int rm, int mode, i
 unsigned long fp64_round_(int sgn, int exp, unsigned long mnt, int rm, int mode, int* flags);
 
 // The 128-bit product of two values below 2^62.
-unsigned __int128 fp_mul_62x62(unsigned long a, unsigned long b);
+constexpr unsigned __int128 fp_mul_62x62(unsigned long a, unsigned long b) {
+  return static_cast<unsigned __int128>(a) * b;
+}
 
 // --- Arithmetic: unsigned short, unsigned int, unsigned long -------------------------------------
 

@@ -1,0 +1,24 @@
+// From integers and fixed point to floating point.
+#include "sve/fp/fp.h"
+#include "sve/fp/round.h"
+
+namespace sve {
+
+template <class T>
+T fplibFixedToFP(unsigned long op, int fbits, bool u, FPRounding rounding, FPSCR& fpscr) {
+  using F = format<T>;
+  if (op == 0) return 0;
+  const int sgn = !u && op >> 63 != 0;
+  int exp = F::bias + 63 - fbits;
+  const unsigned long x = fp_normalise(sgn != 0 ? -op : op, &exp);
+  const T word = static_cast<T>(fp_shift_right_sticky(x << 1, 64 - F::N));
+  return fp_run(fpscr, [=](int mode, int* flags) {
+    return fp_round<T>(sgn, exp, word, mode_rounding(rounding), mode & ~fp_mode::FZ16, flags);
+  });
+}
+
+template unsigned short fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
+template unsigned int fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
+template unsigned long fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
+
+}  // namespace sve

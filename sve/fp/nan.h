@@ -1,0 +1,53 @@
+// Which NaN an operation gives.
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+
+#include "sve/fp/format.h"
+
+namespace sve {
+
+template <class T>
+constexpr bool fp_is_nan(T op) {
+  return fp_magnitude(op) > format<T>::infinity;
+}
+
+template <class T>
+constexpr bool fp_is_signalling(T op) {
+  return fp_is_nan(op) && (op & format<T>::quiet_bit) == 0;
+}
+
+template <class T>
+constexpr bool fp_is_quiet(T op) {
+  return fp_magnitude(op) >= format<T>::default_nan;
+}
+
+// The result of an invalid operation, whatever DN says.
+template <class T>
+inline T fp_invalid(int* flags) {
+  *flags |= FPSCR::IOC;
+  return format<T>::default_nan;
+}
+
+// The result of an operation on op, a NaN.
+template <class T>
+inline T fp_process_nan(T op, int mode, int* flags) {
+  using F = format<T>;
+  if ((op & F::quiet_bit) == 0) *flags |= FPSCR::IOC;
+  return (mode & fp_mode::DN) != 0 ? F::default_nan : op | F::quiet_bit;
+}
+
+// The result if there is a NaN among the operands: the first signalling one counts, else the first.
+template <class T>
+inline std::optional<T> fp_process_nans(std::initializer_list<T> operands, int mode, int* flags) {
+  for (const T op : operands) {
+    if (fp_is_signalling(op)) return fp_process_nan(op, mode, flags);
+  }
+  for (const T op : operands) {
+    if (fp_is_nan(op)) return fp_process_nan(op, mode, flags);
+  }
+  return std::nullopt;
+}
+
+}  // namespace sve

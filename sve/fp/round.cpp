@@ -1,0 +1,19 @@
+#include "sve/fp/round.h"
+
+#include "sve/fp/fp.h"
+
+namespace sve {
+
+unsigned short fp16_round_(int sgn, int exp, unsigned short mnt, int rm, int mode, int* flags) {
+  return fp_round(sgn, exp, mnt, rm, mode, flags);
+}
+
+unsigned int fp32_round_(int sgn, int exp, unsigned int mnt, int rm, int mode, int* flags) {
+  return fp_round(sgn, exp, mnt, rm, mode, flags);
+}
+
+unsigned long fp64_round_(int sgn, int exp, unsigned long mnt, int rm, int mode, int* flags) {
+  return fp_round(sgn, exp, mnt, rm, mode, flags);
+}
+
+}  // namespace sve

@@ -1,0 +1,24 @@
+set(fp_sources
+  ${CMAKE_CURRENT_LIST_DIR}/add.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/compare.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/convert.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/divide.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/exponential.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/from_fixed.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/min_max.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/multiply.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/multiply_add.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/recip_estimate.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/recip_exponent.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/round.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/round_int.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/rsqrt_estimate.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/scale.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/sign.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/square_root.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/steps.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/to_fixed.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/trigonometric.cpp)
+target_sources(sve PRIVATE ${fp_sources})
+# Exact whatever the processor's floating-point state is: the compiler must not use its registers.
+set_source_files_properties(${fp_sources} PROPERTIES COMPILE_OPTIONS -mgeneral-regs-only)
