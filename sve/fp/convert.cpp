@@ -53,13 +53,12 @@ T narrow(F op, int rm, int mode, int* flags) {
 
 template <class F, class T>
 T widen(F op) {
-  auto a = fp_unpack(op);
-  a.exp += format<F>::E;
-  const F significand = fp_normalise(static_cast<F>(a.mnt), &a.exp);
-  const auto exp = static_cast<T>(a.exp + (format<T>::bias - format<F>::bias));
-  const T fraction = static_cast<T>(static_cast<F>(significand << 1))
-                     << (format<T>::M - format<F>::N);
-  return fp_sign_bit<T>(a.sgn) | (exp << format<T>::M) | fraction;
+  constexpr int up = format<T>::M - format<F>::N;
+  const auto a = fp_unpack(op);
+  int exp = a.exp + format<F>::E + (format<T>::bias - format<F>::bias);
+  const F significand = fp_normalise(static_cast<F>(a.mnt), &exp);
+  const T fraction = T{static_cast<F>(significand << 1)} << up;
+  return fp_sign_bit<T>(a.sgn) | (static_cast<T>(exp) << format<T>::M) | fraction;
 }
 
 template <class F, class T>

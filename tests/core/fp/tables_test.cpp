@@ -1,0 +1,182 @@
+// What the comparison with a processor's scalar instructions leaves open: the tables that are
+// generated, and the functions, rounding modes and arguments that no instruction reaches.
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "sve/fp/estimate_table.h"
+#include "sve/fp/exponential_table.h"
+#include "sve/fp/fp.h"
+
+namespace {
+
+using sve::FPRounding;
+using sve::FPSCR;
+using half = unsigned short;
+using single = unsigned int;
+using dword = unsigned long;
+
+constexpr int inexact = FPSCR::IXC;
+constexpr int underflow = FPSCR::UFC | FPSCR::IXC;
+constexpr int overflow = FPSCR::OFC | FPSCR::IXC;
+
+TEST(Tables, ReciprocalSquareRoot) {
+  const auto& table = sve::recip_sqrt_estimate;
+  EXPECT_EQ(std::vector<int>(table.begin(), table.begin() + 4),
+            (std::vector<int>{255, 253, 251, 249}));
+  EXPECT_EQ(table[128], 105);
+  EXPECT_EQ(std::vector<int>(table.end() - 3, table.end()), (std::vector<int>{1, 1, 0}));
+}
+
+template <class T>
+std::vector<dword> ends_and_middle() {
+  const auto& table = sve::exponential_table<T>;
+  return {table.size(), table[0], table[1], table[table.size() / 2], table.back()};
+}
+
+TEST(Tables, Exponential) {
+  EXPECT_EQ(ends_and_middle<half>(), (std::vector<dword>{32, 0, 0x16, 0x1a8, 0x3d4}));
+  EXPECT_EQ(ends_and_middle<single>(), (std::vector<dword>{64, 0, 0x164d2, 0x3504f3, 0x7d3e0c}));
+  EXPECT_EQ(ends_and_middle<dword>(),
+            (std::vector<dword>{64, 0, 0x2c9a3e778061, 0x6a09e667f3bcd, 0xfa7c1819e90d8}));
+}
+
+// A result and the flags that came with it.
+struct Outcome {
+  dword bits;
+  int flags;
+  bool operator==(const Outcome&) const = default;
+};
+
+void PrintTo(const Outcome& outcome, std::ostream* os) {
+  *os << std::hex << outcome.bits << " with flags " << outcome.flags;
+}
+
+// Runs operation under the controls; everything else in the word must stay as it is.
+template <class Operation>
+Outcome under(std::uint32_t controls, Operation operation) {
+  FPSCR fpscr{controls};
+  const dword bits = operation(fpscr);
+  EXPECT_EQ(fpscr.word & controls, controls);
+  return {bits, static_cast<int>(fpscr.word & ~controls)};
+}
+
+struct Case {
+  std::string name;
+  Outcome got;
+  Outcome expected;
+};
+
+void check(const std::vector<Case>& cases) {
+  for (const Case& c : cases) EXPECT_EQ(c.got, c.expected) << c.name;
+}
+
+template <auto core, class T>
+Outcome rounded(int sgn, int exp, T mnt, int rm, int mode) {
+  int flags = 0;
+  const dword bits = core(sgn, exp, mnt, rm, mode, &flags);
+  return {bits, flags};
+}
+
+TEST(RoundingCores, ModesBeyondRMode) {
+  constexpr auto& round16 = rounded<sve::fp16_round_, half>;
+  constexpr auto& round32 = rounded<sve::fp32_round_, single>;
+  constexpr auto& round64 = rounded<sve::fp64_round_, dword>;
+  constexpr int odd = sve::FPRounding_ODD;
+  constexpr int ahp = sve::fp_mode::AHP;
+  check({
+      {"odd, exact and even", round16(0, 15, 0x0040 << 1, odd, 0), {0x3c02, 0}},
+      {"odd, inexact and even", round16(0, 15, 0x0081, odd, 0), {0x3c03, inexact}},
+      {"odd, inexact and odd", round16(1, 15, 0x0041, odd, 0), {0xbc01, inexact}},
+      {"odd, denormal", round32(0, 0, 1, odd, 0), {0x400001, underflow}},
+      {"odd, far below", round32(1, -400, 0, odd, 0), {0x80000001, underflow}},
+      {"odd, too large", round16(0, 31, 0, odd, 0), {0x7bff, overflow}},
+      {"a double knows no odd", round64(0, 1023, 1, odd, 0), {0x3ff0000000000000, inexact}},
+      {"nor any ties away", round16(0, 15, 0x20, sve::FPRounding_TIEAWAY, 0), {0x3c00, inexact}},
+      {"ordinary exponent 31", round16(1, 31, 0xffc0, 0, ahp), {0xffff, 0}},
+      {"inexact there", round16(0, 31, 0x0001, 0, ahp), {0x7c00, inexact}},
+      {"carry beyond it", round16(0, 31, 0xffe0, 0, ahp), {0x7fff, FPSCR::IOC}},
+      {"exponent beyond it", round16(1, 999, 0, sve::FPRounding_ZERO, ahp), {0xffff, FPSCR::IOC}},
+      {"exponents far out", round64(0, 99999, 0, 0, 0), {0x7ff0000000000000, overflow}},
+  });
+  int flags = FPSCR::DZC | FPSCR::IXC;
+  sve::fp16_round_(0, 32, 0, 0, ahp, &flags);
+  EXPECT_EQ(flags, FPSCR::DZC | FPSCR::IXC | FPSCR::IOC) << "flags that were there stay";
+}
+
+template <class F, class T>
+Outcome converted(F op, std::uint32_t controls, FPRounding rounding = sve::FPRounding_TIEEVEN) {
+  return under(controls, [=](FPSCR& s) { return sve::FPConvert<F, T>(op, rounding, s); });
+}
+
+TEST(FPConvert, AlternativeHalfPrecision) {
+  constexpr std::uint32_t ahp = FPSCR::AHP;
+  check({
+      {"infinity", converted<single, half>(0xff800000, ahp), {0xffff, FPSCR::IOC}},
+      {"NaN", converted<dword, half>(0xfff8000000000001, ahp), {0x8000, FPSCR::IOC}},
+      {"NaN, DN", converted<single, half>(0x7fc00000, ahp | FPSCR::DN), {0, FPSCR::IOC}},
+      {"98304", converted<single, half>(0x47c00000, ahp), {0x7e00, 0}},
+      {"131072", converted<dword, half>(0x4100000000000000, ahp), {0x7fff, FPSCR::IOC}},
+      {"exponent 31 to single", converted<half, single>(0xfe00, ahp), {0xc7c00000, 0}},
+      {"exponent 31 to double", converted<half, dword>(0x7c00, ahp), {0x40f0000000000000, 0}},
+      {"single to double has none", converted<single, dword>(0x7f800000, ahp), {0x7ffUL << 52, 0}},
+  });
+}
+
+TEST(FPConvert, FZ16FlushesOperandsOnly) {
+  check({
+      {"operand", converted<half, single>(0x8001, FPSCR::FZ16), {0x80000000, 0}},
+      {"result", converted<single, half>(0x33800000, FPSCR::FZ16), {1, 0}},
+      {"integers",
+       under(FPSCR::FZ16,
+             [](FPSCR& s) {
+               return sve::fplibFixedToFP<half>(1, 24, true, sve::FPRounding_TIEEVEN, s);
+             }),
+       {1, 0}},
+  });
+}
+
+Outcome fixed_64(int sgn, int exp, dword mnt, bool u, FPRounding rounding, int flags = 0) {
+  const dword bits = sve::FPToFixed_64(sgn, exp, mnt, u, rounding, &flags);
+  return {bits, flags};
+}
+
+TEST(FPToFixed, ScaledAndDirect) {
+  constexpr dword one = 1UL << 52;
+  constexpr auto away = sve::FPRounding_TIEAWAY;
+  const auto half_to_16 = [](half op, int fbits, bool u) {
+    return under(0, [=](FPSCR& s) {
+      return sve::fplibFPToFixed<half, half>(op, fbits, u, sve::FPRounding_ZERO, s);
+    });
+  };
+  check({
+      {"1.5 with 4 bits", half_to_16(0x3e00, 4, false), {24, 0}},
+      {"2^-24 with 64 bits", half_to_16(0x0001, 64, true), {0xffff, FPSCR::IOC}},
+      {"-32768", half_to_16(0xf800, 0, false), {0x8000, 0}},
+      {"-0.5 rounded away", fixed_64(1, 1022, one, false, away), {~0UL, inexact}},
+      {"2^63", fixed_64(0, 1086, one, false, away), {~0UL >> 1, FPSCR::IOC}},
+      {"-2^63", fixed_64(1, 1086, one, false, away), {1UL << 63, 0}},
+      {"flags are set, not added",
+       fixed_64(0, 0, 1, true, sve::FPRounding_POSINF, FPSCR::IDC),
+       {1, inexact}},
+      {"none is set for an exact 0", fixed_64(0, 1, 0, true, away, FPSCR::IDC), {0, FPSCR::IDC}},
+  });
+}
+
+TEST(FPProcess, QuietsAndFlushes) {
+  const auto process16 = [](half op) { return [=](FPSCR& s) { return sve::FPProcess16(op, s); }; };
+  const auto process32 = [](single op) {
+    return [=](FPSCR& s) { return sve::FPProcess32(op, s); };
+  };
+  const auto process64 = [](dword op) { return [=](FPSCR& s) { return sve::FPProcess64(op, s); }; };
+  check({
+      {"denormal", under(FPSCR::FZ, process16(0x8001)), {0x8001, 0}},
+      {"flushed half", under(FPSCR::FZ16, process16(0x8001)), {0x8000, 0}},
+      {"flushed single", under(FPSCR::FZ, process32(1)), {0, FPSCR::IDC}},
+      {"signalling", under(0, process32(0xff800001)), {0xffc00001, FPSCR::IOC}},
+      {"quiet, DN", under(FPSCR::DN, process64(~0UL)), {0x7ff8000000000000, 0}},
+      {"largest", under(FPSCR::RMode, process64(0x7fefffffffffffff)), {0x7fefffffffffffff, 0}},
+  });
+}
+
+}  // namespace
