@@ -116,18 +116,21 @@ std::vector<operands> special_operands(const operation& of, operand_source& sour
   return result;
 }
 
+// The same operands under each mode.
 bool compare(const operation& of) {
   comparison result{of};
+  operand_source source{of, conformance::derive_seed(chosen.seed, of.name, 0)};
+  const std::vector<std::uint32_t> modes = modes_of(of);
+  const auto run = [&](const std::vector<operands>& batch) {
+    for (const std::uint32_t mode : modes) result.run(mode, batch);
+  };
+  if (!chosen.self_check) run(special_operands(of, source));
+  const bool is_exhausted = of.count == 1 && of.width == 16 && !chosen.self_check;
   std::vector<operands> batch;
-  for (const std::uint32_t mode : modes_of(of)) {
-    operand_source source{of, conformance::derive_seed(chosen.seed, of.name, mode)};
-    if (!chosen.self_check) result.run(mode, special_operands(of, source));
-    const bool is_exhausted = of.count == 1 && of.width == 16 && !chosen.self_check;
-    for (std::uint64_t left = is_exhausted ? 0 : chosen.count; left > 0; left -= batch.size()) {
-      batch.resize(std::min<std::uint64_t>(left, 4096));
-      std::ranges::generate(batch, [&] { return source.random(); });
-      result.run(mode, batch);
-    }
+  for (std::uint64_t left = is_exhausted ? 0 : chosen.count; left > 0; left -= batch.size()) {
+    batch.resize(std::min<std::uint64_t>(left, 4096));
+    std::ranges::generate(batch, [&] { return source.random(); });
+    run(batch);
   }
   return result.conclude();
 }
