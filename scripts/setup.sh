@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what building needs and this machine lacks, and nothing else; with the argument "check"
-# also what checking needs. Called by ./run and ./check; does nothing on a machine that has it all.
+# also what checking needs, with "bench" what bench/floating_point does. Called by ./run, ./check and
+# the benchmarks; does nothing on a machine that has it all.
 set -eu
 
 missing_commands=
@@ -36,6 +37,9 @@ find_missing() {
     aarch64) ;;
     *) fail "this is a $(uname -m) machine; x86-64 or AArch64 is needed" ;;
   esac
+  [ "$1" != bench ] ||
+    need "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.builtins-$(uname -m).a" \
+      libclang-rt-14-dev
   [ "$1" = check ] || return 0
   need qemu-aarch64 qemu-user
   need clang-format clang-format
