@@ -1,5 +1,4 @@
-// Addition and subtraction: the latter flips the sign of its second operand once NaNs are dealt
-// with, so that a NaN comes back as it was given.
+// Addition and subtraction, which is addition with the sign of the second operand flipped.
 #include <utility>
 
 #include "sve/fp/fp.h"
@@ -10,47 +9,55 @@ namespace sve {
 namespace {
 
 template <class T>
-[[gnu::cold, gnu::noinline]] T add_special(T op1, T op2, T flip, int mode, int* flags) {
-  if (const auto nan = fp_process_nans({op1, op2}, mode, flags)) return *nan;
-  const T addend = op2 ^ flip;
-  if (!fp_is_infinity(op1)) return addend;
-  if (fp_is_infinity(addend) && op1 != addend) return fp_invalid<T>(flags);
-  return op1;
-}
-
-// flip is the sign bit for a subtraction, else 0.
-template <class T>
-T add(T op1, T op2, T flip, int mode, int* flags) {
+T add_numbers(unpacked<T> a, unpacked<T> b, bool swap, int mode, FPSCR& fpscr) {
   using F = format<T>;
-  op1 = fp_flush(op1, mode, flags);
-  op2 = fp_flush(op2, mode, flags);
-  if (fp_is_special(op1) || fp_is_special(op2)) [[unlikely]] {
-    return add_special(op1, op2, flip, mode, flags);
-  }
-  auto a = fp_unpack(op1);
-  auto b = fp_unpack<T>(op2 ^ flip);
   // With the larger magnitude first, the difference isn't negative and has its sign.
-  if (fp_magnitude(op1) < fp_magnitude(op2)) std::swap(a, b);
+  if (swap) std::swap(a, b);
   const word_of<T> addend = fp_shift_right_sticky(b.mnt << 3, a.exp - b.exp);
   const word_of<T> sum = (a.mnt << 3) + (a.sgn == b.sgn ? addend : -addend);
   if (sum == 0) [[unlikely]]
     return a.sgn == b.sgn ? fp_zero<T>(a.sgn) : fp_cancelled<T>(mode);
   int exp = a.exp + F::E - 3;
   const auto significand = fp_normalise(static_cast<T>(sum), &exp);
-  return fp_round<T>(a.sgn, exp, significand << 1, mode_rounding(mode), mode, flags);
+  return fp_round<T>(a.sgn, exp, significand << 1, mode_rounding(mode), mode, fpscr);
+}
+
+// At least one operand is no normal number. A NaN is dealt with before the second operand's sign is
+// flipped, and so comes back as it was given.
+template <class T>
+[[gnu::cold, gnu::noinline]] T add_unusual(T op1, T op2, T flip, int mode, FPSCR& fpscr) {
+  op1 = fp_flush(op1, mode, fpscr);
+  op2 = fp_flush(op2, mode, fpscr);
+  if (const auto nan = fp_process_nans({op1, op2}, mode, fpscr)) return *nan;
+  op2 ^= flip;
+  if (fp_is_infinity(op1) && fp_is_infinity(op2) && op1 != op2) return fp_invalid<T>(fpscr);
+  if (fp_is_infinity(op1)) return op1;
+  if (fp_is_infinity(op2)) return op2;
+  const bool swap = fp_magnitude(op1) < fp_magnitude(op2);
+  return add_numbers(fp_unpack(op1), fp_unpack(op2), swap, mode, fpscr);
+}
+
+// flip is the sign bit for a subtraction, else 0.
+template <class T>
+T add(T op1, T op2, T flip, FPSCR& fpscr) {
+  const int mode = fp_mode_word(fpscr);
+  if (!fp_is_normal(op1) || !fp_is_normal(op2)) [[unlikely]] {
+    return add_unusual(op1, op2, flip, mode, fpscr);
+  }
+  const bool swap = fp_magnitude(op1) < fp_magnitude(op2);
+  return add_numbers(fp_unpack_normal(op1), fp_unpack_normal<T>(op2 ^ flip), swap, mode, fpscr);
 }
 
 }  // namespace
 
 template <class T>
 T FPAdd(T op1, T op2, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) { return add<T>(op1, op2, 0, mode, flags); });
+  return add<T>(op1, op2, 0, fpscr);
 }
 
 template <class T>
 T FPSub(T op1, T op2, FPSCR& fpscr) {
-  constexpr T flip = format<T>::sign_bit;
-  return fp_run(fpscr, [=](int mode, int* flags) { return add<T>(op1, op2, flip, mode, flags); });
+  return add<T>(op1, op2, format<T>::sign_bit, fpscr);
 }
 
 template unsigned short FPAdd(unsigned short, unsigned short, FPSCR&);

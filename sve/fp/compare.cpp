@@ -22,18 +22,17 @@ auto signed_value(T op) {
 // always.
 template <class T>
 ordering compare(T op1, T op2, bool signal_nans, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    const T a = fp_flush(op1, mode, flags);
-    const T b = fp_flush(op2, mode, flags);
-    if (fp_is_nan(a) || fp_is_nan(b)) [[unlikely]] {
-      if (signal_nans || fp_is_signalling(a) || fp_is_signalling(b)) *flags |= FPSCR::IOC;
-      return ordering::unordered;
-    }
-    const auto x = signed_value(a);
-    const auto y = signed_value(b);
-    if (x == y) return ordering::equal;
-    return x > y ? ordering::greater : ordering::less;
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T a = fp_flush(op1, mode, fpscr);
+  const T b = fp_flush(op2, mode, fpscr);
+  if (fp_is_nan(a) || fp_is_nan(b)) [[unlikely]] {
+    if (signal_nans || fp_is_signalling(a) || fp_is_signalling(b)) fpscr.raise(FPSCR::IOC);
+    return ordering::unordered;
+  }
+  const auto x = signed_value(a);
+  const auto y = signed_value(b);
+  if (x == y) return ordering::equal;
+  return x > y ? ordering::greater : ordering::less;
 }
 
 }  // namespace

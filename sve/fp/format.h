@@ -91,7 +91,19 @@ constexpr int fp_exponent_field(T op) {
   return static_cast<int>(fp_magnitude(op) >> format<T>::M);
 }
 
-// Whether an operand is infinite or a NaN: the one test that keeps these off the common path.
+template <class T>
+constexpr bool fp_is_zero(T op) {
+  return fp_magnitude(op) == 0;
+}
+
+// Neither zero, denormal, infinite nor a NaN: the one test that keeps these off the common path.
+template <class T>
+constexpr bool fp_is_normal(T op) {
+  using F = format<T>;
+  return fp_magnitude(op) - F::implicit_bit < F::infinity - F::implicit_bit;
+}
+
+// Infinite or a NaN.
 template <class T>
 constexpr bool fp_is_special(T op) {
   return fp_magnitude(op) >= format<T>::infinity;

@@ -42,8 +42,10 @@ struct FPSCR {
   constexpr FPRounding rounding() const {
     return static_cast<FPRounding>((word & RMode) >> RMode_shift);
   }
-  // fp_merge_flags: flags are only ever added.
-  constexpr void merge(int flags) { word |= static_cast<std::uint32_t>(flags); }
+  // The flags in the low byte, from the values above.
+  constexpr int flags() const { return static_cast<int>(word & 0x9f); }
+  // Flags are only ever added.
+  constexpr void raise(int flags) { word |= static_cast<std::uint32_t>(flags); }
 };
 static_assert(sizeof(FPSCR) == 4, "the word goes to and comes from FPSR and FPCR as it stands");
 

@@ -12,9 +12,8 @@ T fplibFixedToFP(unsigned long op, int fbits, bool u, FPRounding rounding, FPSCR
   int exp = F::bias + 63 - fbits;
   const unsigned long x = fp_normalise(sgn != 0 ? -op : op, &exp);
   const T word = static_cast<T>(fp_shift_right_sticky(x << 1, 64 - F::N));
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    return fp_round<T>(sgn, exp, word, mode_rounding(rounding), mode & ~fp_mode::FZ16, flags);
-  });
+  const int mode = fp_mode_word(fpscr) & ~fp_mode::FZ16;
+  return fp_round<T>(sgn, exp, word, mode_rounding(rounding), mode, fpscr);
 }
 
 template unsigned short fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);

@@ -18,13 +18,12 @@ auto rank(T op) {
 
 template <class T>
 T select(T op1, T op2, bool largest, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    const T a = fp_flush(op1, mode, flags);
-    const T b = fp_flush(op2, mode, flags);
-    if (fp_is_nan(a) || fp_is_nan(b)) [[unlikely]]
-      return *fp_process_nans({a, b}, mode, flags);
-    return (rank(a) > rank(b)) == largest ? a : b;
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T a = fp_flush(op1, mode, fpscr);
+  const T b = fp_flush(op2, mode, fpscr);
+  if (fp_is_nan(a) || fp_is_nan(b)) [[unlikely]]
+    return *fp_process_nans({a, b}, mode, fpscr);
+  return (rank(a) > rank(b)) == largest ? a : b;
 }
 
 // The same with one quiet NaN replaced by the infinity that no number loses against.

@@ -6,38 +6,46 @@
 namespace sve {
 namespace {
 
-// extended: whether infinity times zero is 2.0.
+// At least one operand is no normal number. extended: infinity times zero is 2.0.
 template <class T>
-[[gnu::cold, gnu::noinline]] T multiply_special(T op1, T op2, bool extended, int mode, int* flags) {
+[[gnu::cold, gnu::noinline]] T multiply_unusual(T op1, T op2, bool extended, int mode,
+                                                FPSCR& fpscr) {
   using F = format<T>;
-  if (const auto nan = fp_process_nans({op1, op2}, mode, flags)) return *nan;
+  op1 = fp_flush(op1, mode, fpscr);
+  op2 = fp_flush(op2, mode, fpscr);
+  if (const auto nan = fp_process_nans({op1, op2}, mode, fpscr)) return *nan;
   const int sgn = fp_is_negative<T>(op1 ^ op2);
-  if (fp_magnitude(op1) != 0 && fp_magnitude(op2) != 0) return fp_infinity<T>(sgn);
-  constexpr word_of<T> two = word_of<T>{F::bias + 1} << F::M;
-  return extended ? fp_sign_bit<T>(sgn) | two : fp_invalid<T>(flags);
+  const bool infinite = fp_is_infinity(op1) || fp_is_infinity(op2);
+  const bool zero = fp_is_zero(op1) || fp_is_zero(op2);
+  if (infinite && zero) {
+    constexpr word_of<T> two = word_of<T>{F::bias + 1} << F::M;
+    return extended ? fp_sign_bit<T>(sgn) | two : fp_invalid<T>(fpscr);
+  }
+  if (infinite) return fp_infinity<T>(sgn);
+  if (zero) return fp_zero<T>(sgn);
+  return fp_product(fp_unpack_normalised(op1), fp_unpack_normalised(op2), sgn, mode, fpscr);
 }
 
 template <class T>
-T multiply(T op1, T op2, bool extended, int mode, int* flags) {
-  op1 = fp_flush(op1, mode, flags);
-  op2 = fp_flush(op2, mode, flags);
-  if (fp_is_special(op1) || fp_is_special(op2)) [[unlikely]] {
-    return multiply_special(op1, op2, extended, mode, flags);
+T multiply(T op1, T op2, bool extended, FPSCR& fpscr) {
+  const int mode = fp_mode_word(fpscr);
+  if (!fp_is_normal(op1) || !fp_is_normal(op2)) [[unlikely]] {
+    return multiply_unusual(op1, op2, extended, mode, fpscr);
   }
-  return fp_product<T>(op1, op2, fp_is_negative<T>(op1 ^ op2), mode, flags);
+  const int sgn = fp_is_negative<T>(op1 ^ op2);
+  return fp_product(fp_unpack_normal(op1), fp_unpack_normal(op2), sgn, mode, fpscr);
 }
 
 }  // namespace
 
 template <class T>
 T FPMul(T op1, T op2, FPSCR& fpscr) {
-  return fp_run(fpscr,
-                [=](int mode, int* flags) { return multiply(op1, op2, false, mode, flags); });
+  return multiply(op1, op2, false, fpscr);
 }
 
 template <class T>
 T FPMulX(T op1, T op2, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) { return multiply(op1, op2, true, mode, flags); });
+  return multiply(op1, op2, true, fpscr);
 }
 
 template unsigned short FPMul(unsigned short, unsigned short, FPSCR&);

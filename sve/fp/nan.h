@@ -25,27 +25,27 @@ constexpr bool fp_is_quiet(T op) {
 
 // The result of an invalid operation, whatever DN says.
 template <class T>
-inline T fp_invalid(int* flags) {
-  *flags |= FPSCR::IOC;
+inline T fp_invalid(FPSCR& fpscr) {
+  fpscr.raise(FPSCR::IOC);
   return format<T>::default_nan;
 }
 
 // The result of an operation on op, a NaN.
 template <class T>
-inline T fp_process_nan(T op, int mode, int* flags) {
+inline T fp_process_nan(T op, int mode, FPSCR& fpscr) {
   using F = format<T>;
-  if ((op & F::quiet_bit) == 0) *flags |= FPSCR::IOC;
+  if ((op & F::quiet_bit) == 0) fpscr.raise(FPSCR::IOC);
   return (mode & fp_mode::DN) != 0 ? F::default_nan : op | F::quiet_bit;
 }
 
 // The result if there is a NaN among the operands: the first signalling one counts, else the first.
 template <class T>
-inline std::optional<T> fp_process_nans(std::initializer_list<T> operands, int mode, int* flags) {
+inline std::optional<T> fp_process_nans(std::initializer_list<T> operands, int mode, FPSCR& fpscr) {
   for (const T op : operands) {
-    if (fp_is_signalling(op)) return fp_process_nan(op, mode, flags);
+    if (fp_is_signalling(op)) return fp_process_nan(op, mode, fpscr);
   }
   for (const T op : operands) {
-    if (fp_is_nan(op)) return fp_process_nan(op, mode, flags);
+    if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);
   }
   return std::nullopt;
 }

@@ -11,10 +11,8 @@ namespace {
 template <class T>
 T estimate(T op) {
   using F = format<T>;
-  auto a = fp_unpack(op);
-  a.exp += F::E;
-  const T significand = fp_normalise(static_cast<T>(a.mnt), &a.exp);
-  const unsigned divisor = static_cast<unsigned>(significand >> (F::N - 10)) | 1;
+  const auto a = fp_unpack_normalised(op);
+  const unsigned divisor = static_cast<unsigned>(a.mnt >> (F::M - 9)) | 1;
   const unsigned r = ((0x80000 / divisor) + 1) >> 1;
   const int exp = 2 * F::bias - 1 - a.exp;
   const word_of<T> mantissa = word_of<T>{r} << (F::M - 8);
@@ -28,26 +26,25 @@ T estimate(T op) {
 template <class T>
 T FPRecipEstimate(T op, FPSCR& fpscr) {
   using F = format<T>;
-  return fp_run(fpscr, [=](int mode, int* flags) -> T {
-    const T x = fp_flush(op, mode, flags);
-    const int sgn = fp_is_negative(x);
-    if (fp_is_nan(x)) [[unlikely]]
-      return fp_process_nan(x, mode, flags);
-    if (fp_is_infinity(x)) [[unlikely]]
-      return fp_zero<T>(sgn);
-    if (fp_magnitude(x) == 0) [[unlikely]] {
-      *flags |= FPSCR::DZC;
-      return fp_infinity<T>(sgn);
-    }
-    if (fp_magnitude(x) < F::implicit_bit >> 2) [[unlikely]] {
-      return fp_overflow<T>(sgn, mode_rounding(mode), flags);
-    }
-    if ((mode & F::flush) != 0 && fp_exponent_field(x) >= 2 * F::bias - 1) [[unlikely]] {
-      *flags |= FPSCR::UFC;
-      return fp_zero<T>(sgn);
-    }
-    return estimate(x);
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T x = fp_flush(op, mode, fpscr);
+  const int sgn = fp_is_negative(x);
+  if (fp_is_nan(x)) [[unlikely]]
+    return fp_process_nan(x, mode, fpscr);
+  if (fp_is_infinity(x)) [[unlikely]]
+    return fp_zero<T>(sgn);
+  if (fp_magnitude(x) == 0) [[unlikely]] {
+    fpscr.raise(FPSCR::DZC);
+    return fp_infinity<T>(sgn);
+  }
+  if (fp_magnitude(x) < F::implicit_bit >> 2) [[unlikely]] {
+    return fp_overflow<T>(sgn, mode_rounding(mode), fpscr);
+  }
+  if ((mode & F::flush) != 0 && fp_exponent_field(x) >= 2 * F::bias - 1) [[unlikely]] {
+    fpscr.raise(FPSCR::UFC);
+    return fp_zero<T>(sgn);
+  }
+  return estimate(x);
 }
 
 template unsigned short FPRecipEstimate(unsigned short, FPSCR&);

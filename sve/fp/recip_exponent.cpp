@@ -8,16 +8,15 @@ namespace sve {
 template <class T>
 T FPRecpX(T op, FPSCR& fpscr) {
   using F = format<T>;
-  return fp_run(fpscr, [=](int mode, int* flags) -> T {
-    const T x = fp_flush(op, mode, flags);
-    if (fp_is_nan(x)) [[unlikely]]
-      return fp_process_nan(x, mode, flags);
-    constexpr word_of<T> largest = F::infinity - F::implicit_bit;
-    const word_of<T> sign = x & F::sign_bit;
-    if (fp_exponent_field(x) == 0) [[unlikely]]
-      return sign | largest;
-    return sign | (~x & F::infinity);
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T x = fp_flush(op, mode, fpscr);
+  if (fp_is_nan(x)) [[unlikely]]
+    return fp_process_nan(x, mode, fpscr);
+  constexpr word_of<T> largest = F::infinity - F::implicit_bit;
+  const word_of<T> sign = x & F::sign_bit;
+  if (fp_exponent_field(x) == 0) [[unlikely]]
+    return sign | largest;
+  return sign | (~x & F::infinity);
 }
 
 template unsigned short FPRecpX(unsigned short, FPSCR&);

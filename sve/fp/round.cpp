@@ -3,17 +3,28 @@
 #include "sve/fp/fp.h"
 
 namespace sve {
+namespace {
+
+template <class T>
+T round(int sgn, int exp, T mnt, int rm, int mode, int* flags) {
+  FPSCR raised{0};
+  const T result = fp_round(sgn, exp, mnt, rm, mode, raised);
+  *flags |= raised.flags();
+  return result;
+}
+
+}  // namespace
 
 unsigned short fp16_round_(int sgn, int exp, unsigned short mnt, int rm, int mode, int* flags) {
-  return fp_round(sgn, exp, mnt, rm, mode, flags);
+  return round(sgn, exp, mnt, rm, mode, flags);
 }
 
 unsigned int fp32_round_(int sgn, int exp, unsigned int mnt, int rm, int mode, int* flags) {
-  return fp_round(sgn, exp, mnt, rm, mode, flags);
+  return round(sgn, exp, mnt, rm, mode, flags);
 }
 
 unsigned long fp64_round_(int sgn, int exp, unsigned long mnt, int rm, int mode, int* flags) {
-  return fp_round(sgn, exp, mnt, rm, mode, flags);
+  return round(sgn, exp, mnt, rm, mode, flags);
 }
 
 }  // namespace sve

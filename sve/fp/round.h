@@ -1,8 +1,7 @@
-// The rounding core, and the rounding rules that it shares with the conversions to integers.
+// The rounding core, and the rounding rule that it shares with the conversions to integers.
 //
-// What was cut off below a kept integer is an error code: 0 exact, 1 below half, 2 exactly half, 3
-// above half. A rule is a byte with a bit for each pair of the integer's lowest bit and that code,
-// set where the integer is incremented; so rounding is a lookup and a shift in every mode.
+// A magnitude to be rounded has two more bits at the bottom. They hold the error code of what is
+// cut off: 0 exact, 1 below half, 2 exactly half, 3 above half.
 #pragma once
 
 #include <cstdint>
@@ -11,102 +10,91 @@
 
 namespace sve {
 
-struct rounding_rules {
-  std::uint8_t rule[6][2];  // by FPRounding and sign
+// What rounding adds to the kept bits: 0 or 1. low is the lowest kept bit and the error code below
+// it. FPRounding_TIEAWAY and FPRounding_ODD add nothing.
+constexpr unsigned fp_increment(int rm, int sgn, unsigned low) {
+  // A byte for each sign of each mode, in which bit low tells.
+  constexpr std::uint64_t ties_to_even = 0b1100'1000;
+  constexpr std::uint64_t if_inexact = 0b1110'1110;
+  constexpr std::uint64_t rules = (ties_to_even << 8 | ties_to_even) << (16 * FPRounding_TIEEVEN) |
+                                  if_inexact << (16 * FPRounding_POSINF) |
+                                  (if_inexact << 8) << (16 * FPRounding_NEGINF);
+  if (rm > FPRounding_ZERO) return 0;
+  return static_cast<unsigned>(rules >> (16 * rm + 8 * sgn + static_cast<int>(low))) & 1;
+}
 
-  constexpr unsigned increment(int rm, int sgn, unsigned kept, unsigned error) const {
-    return (rule[rm][sgn] >> ((kept & 1) * 4 + error)) & 1;
-  }
-};
-
-namespace rounding {
-inline constexpr std::uint8_t never = 0;
-inline constexpr std::uint8_t if_inexact = 0b1110'1110;
-inline constexpr std::uint8_t ties_to_even = 0b1100'1000;
-inline constexpr std::uint8_t ties_away = 0b1100'1100;
-
-inline constexpr rounding_rules to_integer = {{{ties_to_even, ties_to_even},
-                                               {if_inexact, never},
-                                               {never, if_inexact},
-                                               {never, never},
-                                               {ties_away, ties_away},
-                                               {never, never}}};
-// The core has no ties away from zero.
-inline constexpr rounding_rules to_format = {{{ties_to_even, ties_to_even},
-                                              {if_inexact, never},
-                                              {never, if_inexact},
-                                              {never, never},
-                                              {never, never},
-                                              {never, never}}};
-}  // namespace rounding
+// The same where ties may go away from zero.
+constexpr unsigned fp_increment_integer(FPRounding rounding, int sgn, unsigned low) {
+  return rounding == FPRounding_TIEAWAY ? (low >> 1) & 1 : fp_increment(rounding, sgn, low);
+}
 
 // The result of sign sgn for a magnitude that is too large: infinity if the mode rounds away from
-// zero there, otherwise the largest finite number. Flags as *flags gets them.
+// zero there, otherwise the largest finite number.
 template <class T>
-inline T fp_overflow(int sgn, int rm, int* flags) {
+inline T fp_overflow(int sgn, int rm, FPSCR& fpscr) {
   using F = format<T>;
-  *flags |= FPSCR::OFC | FPSCR::IXC;
-  const bool away = rounding::to_format.increment(rm, sgn, 0, 3) != 0;
+  fpscr.raise(FPSCR::OFC | FPSCR::IXC);
+  const bool away = fp_increment(rm, sgn, 3) != 0;
   return fp_sign_bit<T>(sgn) | (away ? F::infinity : F::largest);
 }
 
-// The magnitude above the error, incremented by the mode's rule. A carry out of the fraction moves
-// on into the exponent by itself.
+// The kept bits, rounded. A carry out of the fraction moves on into the exponent by itself.
 template <class T>
-inline word_of<T> fp_increment(int sgn, word_of<T> kept, unsigned error, int rm) {
-  kept += rounding::to_format.increment(rm, sgn, static_cast<unsigned>(kept), error);
-  if (format<T>::E < 11 && rm == FPRounding_ODD) kept |= word_of<T>{error != 0};
+inline word_of<T> fp_round_kept(int sgn, word_of<T> kept, unsigned low, int rm) {
+  kept += fp_increment(rm, sgn, low);
+  if (format<T>::E < 11 && rm == FPRounding_ODD) kept |= word_of<T>{(low & 3) != 0};
   return kept;
 }
 
 // A result below the normal numbers before rounding.
 template <class T>
 [[gnu::cold, gnu::noinline]] T fp_round_small(int sgn, int exp, T mnt, int rm, int mode,
-                                              int* flags) {
+                                              FPSCR& fpscr) {
   using F = format<T>;
   using word = word_of<T>;
   if ((mode & F::flush) != 0) {
-    *flags |= FPSCR::UFC;
+    fpscr.raise(FPSCR::UFC);
     return fp_zero<T>(sgn);
   }
-  // The significand with two bits below its last one, in which the error code builds up.
+  // The significand with the two bits for the error code.
   const word significand = (F::implicit_bit << 2) | fp_shift_right_sticky<word>(mnt, F::E - 1);
   const word denormal = fp_shift_right_sticky(significand, 1 - exp);
-  const auto error = static_cast<unsigned>(denormal & 3);
-  if (error != 0) *flags |= FPSCR::UFC | FPSCR::IXC;
-  return fp_sign_bit<T>(sgn) | fp_increment<T>(sgn, denormal >> 2, error, rm);
+  const auto low = static_cast<unsigned>(denormal & 7);
+  if ((low & 3) != 0) fpscr.raise(FPSCR::UFC | FPSCR::IXC);
+  return fp_sign_bit<T>(sgn) | fp_round_kept<T>(sgn, denormal >> 2, low, rm);
 }
 
 // A result whose exponent is that of infinity or above. In the alternative half-precision format
 // that exponent is an ordinary one, and rounded counts if exp is no larger.
 template <class T>
-[[gnu::cold, gnu::noinline]] T fp_round_large(int sgn, int exp, word_of<T> rounded, unsigned error,
-                                              int rm, int mode, int* flags) {
+[[gnu::cold, gnu::noinline]] T fp_round_large(int sgn, int exp, word_of<T> rounded, bool inexact,
+                                              int rm, int mode, FPSCR& fpscr) {
   using F = format<T>;
-  if (F::E > 5 || (mode & fp_mode::AHP) == 0) return fp_overflow<T>(sgn, rm, flags);
+  if (F::E > 5 || (mode & fp_mode::AHP) == 0) return fp_overflow<T>(sgn, rm, fpscr);
   if (exp > F::infinity_exponent || rounded >= F::sign_bit) {
-    *flags |= FPSCR::IOC;
+    fpscr.raise(FPSCR::IOC);
     return fp_sign_bit<T>(sgn) | (F::sign_bit - 1);
   }
-  if (error != 0) *flags |= FPSCR::IXC;
+  if (inexact) fpscr.raise(FPSCR::IXC);
   return fp_sign_bit<T>(sgn) | rounded;
 }
 
 // fp16_round_, fp32_round_ and fp64_round_: see there for the arguments.
 template <class T>
-inline T fp_round(int sgn, int exp, T mnt, int rm, int mode, int* flags) {
+inline T fp_round(int sgn, int exp, T mnt, int rm, int mode, FPSCR& fpscr) {
   using F = format<T>;
   using word = word_of<T>;
   if (exp < 1) [[unlikely]]
-    return fp_round_small(sgn, exp, mnt, rm, mode, flags);
-  const word below = mnt & ((word{1} << F::E) - 1);
-  const auto error = (static_cast<unsigned>(mnt >> F::E) & 1) * 2 + (below != 0);
-  const word exact = (static_cast<word>(exp) << F::M) + (mnt >> (F::E + 1));
-  const word rounded = fp_increment<T>(sgn, exact, error, rm);
+    return fp_round_small(sgn, exp, mnt, rm, mode, fpscr);
+  const bool sticky = (mnt & ((word{1} << F::E) - 1)) != 0;
+  const unsigned low = (static_cast<unsigned>(mnt >> F::E) & 3) * 2 + sticky;
+  const word kept = (static_cast<word>(exp) << F::M) + (mnt >> (F::E + 1));
+  const word rounded = fp_round_kept<T>(sgn, kept, low, rm);
+  const bool inexact = (low & 3) != 0;
   if (exp >= F::infinity_exponent || rounded >= F::infinity) [[unlikely]] {
-    return fp_round_large<T>(sgn, exp, rounded, error, rm, mode, flags);
+    return fp_round_large<T>(sgn, exp, rounded, inexact, rm, mode, fpscr);
   }
-  if (error != 0) *flags |= FPSCR::IXC;
+  if (inexact) fpscr.raise(FPSCR::IXC);
   return fp_sign_bit<T>(sgn) | rounded;
 }
 

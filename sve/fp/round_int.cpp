@@ -9,13 +9,12 @@ namespace {
 // The fraction bits of the number are between 1 and as many as there are; the result is exact.
 template <class T>
 T round_fraction(const unpacked<T>& a, int fraction_bits, FPRounding rounding, bool exact,
-                 int* flags) {
+                 FPSCR& fpscr) {
   using F = format<T>;
   const word_of<T> split = fp_shift_right_sticky<word_of<T>>(a.mnt << 2, fraction_bits);
-  const auto error = static_cast<unsigned>(split & 3);
-  word_of<T> x = split >> 2;
-  x += rounding::to_integer.increment(rounding, a.sgn, static_cast<unsigned>(x), error);
-  if (error != 0 && exact) *flags |= FPSCR::IXC;
+  const auto low = static_cast<unsigned>(split & 7);
+  const word_of<T> x = (split >> 2) + fp_increment_integer(rounding, a.sgn, low);
+  if ((low & 3) != 0 && exact) fpscr.raise(FPSCR::IXC);
   if (x == 0) return fp_zero<T>(a.sgn);
   int exp = F::bias + F::M + F::E;
   const T significand = fp_normalise(static_cast<T>(x), &exp);
@@ -28,15 +27,14 @@ T round_fraction(const unpacked<T>& a, int fraction_bits, FPRounding rounding, b
 template <class T>
 T FPRoundInt(T op, FPRounding rounding, bool exact, FPSCR& fpscr) {
   using F = format<T>;
-  return fp_run(fpscr, [=](int mode, int* flags) -> T {
-    const T flushed = fp_flush(op, mode, flags);
-    if (fp_is_nan(flushed)) [[unlikely]]
-      return fp_process_nan(flushed, mode, flags);
-    const auto a = fp_unpack(flushed);
-    const int fraction_bits = F::bias + F::M - a.exp;
-    if (fraction_bits <= 0 || a.mnt == 0) return flushed;
-    return round_fraction(a, fraction_bits, rounding, exact, flags);
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T flushed = fp_flush(op, mode, fpscr);
+  if (fp_is_nan(flushed)) [[unlikely]]
+    return fp_process_nan(flushed, mode, fpscr);
+  const auto a = fp_unpack(flushed);
+  const int fraction_bits = F::bias + F::M - a.exp;
+  if (fraction_bits <= 0 || a.mnt == 0) return flushed;
+  return round_fraction(a, fraction_bits, rounding, exact, fpscr);
 }
 
 template unsigned short FPRoundInt(unsigned short, FPRounding, bool, FPSCR&);

@@ -10,14 +10,14 @@ namespace {
 
 // Zero, infinite, a NaN or negative.
 template <class T>
-[[gnu::cold, gnu::noinline]] T estimate_special(T op, int mode, int* flags) {
-  if (fp_is_nan(op)) return fp_process_nan(op, mode, flags);
+[[gnu::cold, gnu::noinline]] T estimate_special(T op, int mode, FPSCR& fpscr) {
+  if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);
   const int sgn = fp_is_negative(op);
   if (fp_magnitude(op) == 0) {
-    *flags |= FPSCR::DZC;
+    fpscr.raise(FPSCR::DZC);
     return fp_infinity<T>(sgn);
   }
-  return sgn != 0 ? fp_invalid<T>(flags) : fp_zero<T>(0);
+  return sgn != 0 ? fp_invalid<T>(fpscr) : fp_zero<T>(0);
 }
 
 }  // namespace
@@ -25,20 +25,17 @@ template <class T>
 template <class T>
 T FPRSqrtEstimate(T op, FPSCR& fpscr) {
   using F = format<T>;
-  return fp_run(fpscr, [=](int mode, int* flags) -> T {
-    const T x = fp_flush(op, mode, flags);
-    if (fp_is_special(x) || fp_is_negative(x) || x == 0) [[unlikely]] {
-      return estimate_special(x, mode, flags);
-    }
-    auto a = fp_unpack(x);
-    a.exp += F::E;
-    const T significand = fp_normalise(static_cast<T>(a.mnt), &a.exp);
-    const unsigned half = (a.exp & 1) != 0 ? 0 : 128;
-    const unsigned index = half | ((significand >> (F::N - 8)) & 127);
-    const int exp = (3 * F::bias - 1 - a.exp) >> 1;
-    return (static_cast<word_of<T>>(exp) << F::M) |
-           (word_of<T>{recip_sqrt_estimate[index]} << (F::M - 8));
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T x = fp_flush(op, mode, fpscr);
+  if (fp_is_special(x) || fp_is_negative(x) || x == 0) [[unlikely]] {
+    return estimate_special(x, mode, fpscr);
+  }
+  const auto a = fp_unpack_normalised(x);
+  const unsigned half = (a.exp & 1) != 0 ? 0 : 128;
+  const unsigned index = half | ((a.mnt >> (F::M - 7)) & 127);
+  const int exp = (3 * F::bias - 1 - a.exp) >> 1;
+  return (static_cast<word_of<T>>(exp) << F::M) |
+         (word_of<T>{recip_sqrt_estimate[index]} << (F::M - 8));
 }
 
 template unsigned short FPRSqrtEstimate(unsigned short, FPSCR&);

@@ -8,16 +8,15 @@ namespace sve {
 namespace {
 
 template <class T>
-T scale_by(T op, int scale, int mode, int* flags) {
-  op = fp_flush(op, mode, flags);
+T scale_by(T op, int scale, int mode, FPSCR& fpscr) {
+  op = fp_flush(op, mode, fpscr);
   if (fp_is_nan(op)) [[unlikely]]
-    return fp_process_nan(op, mode, flags);
+    return fp_process_nan(op, mode, fpscr);
   if (fp_is_infinity(op) || fp_magnitude(op) == 0) [[unlikely]]
     return op;
-  auto a = fp_unpack(op);
-  a.exp += scale + format<T>::E;
-  const T significand = fp_normalise(static_cast<T>(a.mnt), &a.exp);
-  return fp_round<T>(a.sgn, a.exp, significand << 1, mode_rounding(mode), mode, flags);
+  const auto a = fp_unpack_normalised(op);
+  const T word = static_cast<T>(a.mnt << (format<T>::E + 1));
+  return fp_round(a.sgn, a.exp + scale, word, mode_rounding(mode), mode, fpscr);
 }
 
 // limit is beyond what any number of the format needs to over- or underflow.
@@ -25,9 +24,7 @@ template <class T, class Scale>
 T clamp_and_scale(T op, Scale scale, int limit, FPSCR& fpscr) {
   if (scale > limit) scale = static_cast<Scale>(limit);
   if (scale < -limit) scale = static_cast<Scale>(-limit);
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    return scale_by(op, static_cast<int>(scale), mode, flags);
-  });
+  return scale_by(op, static_cast<int>(scale), fp_mode_word(fpscr), fpscr);
 }
 
 }  // namespace

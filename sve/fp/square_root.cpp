@@ -8,14 +8,6 @@
 namespace sve {
 namespace {
 
-// Zero, infinite, a NaN or negative.
-template <class T>
-[[gnu::cold, gnu::noinline]] T square_root_special(T op, int mode, int* flags) {
-  if (fp_is_nan(op)) return fp_process_nan(op, mode, flags);
-  if (fp_magnitude(op) == 0) return op;
-  return fp_is_negative(op) ? fp_invalid<T>(flags) : op;
-}
-
 template <class T>
 struct root {
   T mantissa;  // rounded down
@@ -71,33 +63,43 @@ root<unsigned long> root_of(unsigned long a) {
 template <class T>
 constexpr int exponent_sum = 0;
 template <>
-constexpr int exponent_sum<unsigned short> = 25;
+constexpr int exponent_sum<unsigned short> = 20;
 template <>
-constexpr int exponent_sum<unsigned int> = 147;
+constexpr int exponent_sum<unsigned int> = 139;
 template <>
-constexpr int exponent_sum<unsigned long> = 1052;
+constexpr int exponent_sum<unsigned long> = 1041;
 
+// Of a positive number whose mantissa has the implicit bit.
 template <class T>
-T square_root(T op, int mode, int* flags) {
-  op = fp_flush(op, mode, flags);
-  if (fp_is_special(op) || fp_is_negative(op) || op == 0) [[unlikely]] {
-    return square_root_special(op, mode, flags);
-  }
-  const auto a = fp_unpack(op);
-  int sum = a.exp + exponent_sum<T>;
-  const T normalised = fp_normalise(static_cast<T>(a.mnt), &sum);
+T square_root(const unpacked<T>& a, int mode, FPSCR& fpscr) {
+  const int sum = a.exp + exponent_sum<T>;
   const int odd = sum & 1;
-  const auto [mantissa, exact] = root_of(static_cast<T>(normalised >> odd));
+  const auto [mantissa, exact] = root_of(static_cast<T>(a.mnt << (format<T>::E - odd)));
   int exp = (sum + odd) / 2;
   const T word = (fp_normalise(mantissa, &exp) << 1) | T{!exact};
-  return fp_round(0, exp, word, mode_rounding(mode), mode, flags);
+  return fp_round(0, exp, word, mode_rounding(mode), mode, fpscr);
+}
+
+// Negative or no normal number.
+template <class T>
+[[gnu::cold, gnu::noinline]] T square_root_unusual(T op, int mode, FPSCR& fpscr) {
+  op = fp_flush(op, mode, fpscr);
+  if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);
+  if (fp_is_zero(op)) return op;
+  if (fp_is_negative(op)) return fp_invalid<T>(fpscr);
+  if (fp_is_infinity(op)) return op;
+  return square_root(fp_unpack_normalised(op), mode, fpscr);
 }
 
 }  // namespace
 
 template <class T>
 T FPSqrt(T op, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) { return square_root(op, mode, flags); });
+  const int mode = fp_mode_word(fpscr);
+  if (!fp_is_normal(op) || fp_is_negative(op)) [[unlikely]] {
+    return square_root_unusual(op, mode, fpscr);
+  }
+  return square_root(fp_unpack_normal(op), mode, fpscr);
 }
 
 template unsigned short FPSqrt(unsigned short, FPSCR&);

@@ -15,25 +15,29 @@ constexpr T constant(int exponent, int half) {
   return (static_cast<word_of<T>>(F::bias + exponent) << F::M) | (half != 0 ? F::quiet_bit : 0);
 }
 
-// At least one operand is infinite or a NaN; both are flushed.
+// n or op2 is no normal number.
 template <class T>
-[[gnu::cold, gnu::noinline]] T step_special(T n, T op2, T without_product, int mode, int* flags) {
-  if (const auto nan = fp_process_nans({n, op2}, mode, flags)) return *nan;
-  if (fp_magnitude(n) == 0 || fp_magnitude(op2) == 0) return without_product;
+[[gnu::cold, gnu::noinline]] T step_unusual(T n, T op2, T start, int scale, T without_product,
+                                            int mode, FPSCR& fpscr) {
+  n = fp_flush(n, mode, fpscr);
+  op2 = fp_flush(op2, mode, fpscr);
+  if (const auto nan = fp_process_nans({n, op2}, mode, fpscr)) return *nan;
+  if (!fp_is_infinity(n) && !fp_is_infinity(op2)) {
+    return fp_multiply_add(start, n, op2, scale, mode, fpscr);
+  }
+  if (fp_is_zero(n) || fp_is_zero(op2)) return without_product;
   return fp_infinity<T>(fp_is_negative<T>(n ^ op2));
 }
 
 // (start - op1 x op2) x 2^scale, which is without_product if the product is 0.
 template <class T>
 T step(T op1, T op2, T start, int scale, T without_product, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    const T n = fp_flush<T>(op1 ^ format<T>::sign_bit, mode, flags);
-    const T factor = fp_flush(op2, mode, flags);
-    if (fp_is_special(n) || fp_is_special(factor)) [[unlikely]] {
-      return step_special(n, factor, without_product, mode, flags);
-    }
-    return fp_multiply_add(start, n, factor, scale, mode, flags);
-  });
+  const int mode = fp_mode_word(fpscr);
+  const T n = op1 ^ format<T>::sign_bit;
+  if (!fp_is_normal(n) || !fp_is_normal(op2)) [[unlikely]] {
+    return step_unusual(n, op2, start, scale, without_product, mode, fpscr);
+  }
+  return fp_multiply_add(start, n, op2, scale, mode, fpscr);
 }
 
 }  // namespace

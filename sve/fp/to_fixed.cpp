@@ -19,61 +19,57 @@ unsigned long saturated(int sgn, bool u, int width) {
   return (ones >> 1) + static_cast<unsigned long>(sgn);
 }
 
-// Whether the low bits of x, an integer of 64 bits, are all of it.
-bool fits(unsigned long x, bool u, int width) {
-  const int above = 64 - width;
-  if (u) return (x << above) >> above == x;
-  return static_cast<unsigned long>(static_cast<long>(x << above) >> above) == x;
-}
-
-unsigned long out_of_range(int sgn, bool u, int width, int* flags) {
-  *flags = FPSCR::IOC;
+unsigned long out_of_range(int sgn, bool u, int width, FPSCR& fpscr) {
+  fpscr.raise(FPSCR::IOC);
   return saturated(sgn, u, width);
 }
 
+// mnt x 2^(exp - bias - M) of a double, with exp at most top_exponent, to an integer of width bits.
+inline unsigned long round_to_integer(int sgn, int exp, unsigned long mnt, bool u, int width,
+                                      FPRounding rounding, FPSCR& fpscr) {
+  const unsigned long significand = mnt << double_format::E;
+  const int fraction_bits = top_exponent - exp;
+  unsigned long x = significand;
+  unsigned low = 0;
+  if (fraction_bits > 1) [[likely]] {
+    const unsigned long split = fp_shift_right_sticky(significand, fraction_bits - 2);
+    low = static_cast<unsigned>(split & 7);
+    x = (split >> 2) + fp_increment_integer(rounding, sgn, low);
+  } else {
+    x >>= fraction_bits;  // of which a double has none there
+  }
+  if (x > saturated(sgn, u, width)) [[unlikely]]
+    return out_of_range(sgn, u, width, fpscr);
+  if ((low & 3) != 0) fpscr.raise(FPSCR::IXC);
+  return sgn != 0 ? -x : x;
+}
+
 template <class F>
-unsigned long to_fixed(F op, int fbits, bool u, FPRounding rounding, int width, int mode,
-                       int* flags) {
-  op = fp_flush(op, mode, flags);
+unsigned long to_fixed(F op, int fbits, bool u, FPRounding rounding, int width, FPSCR& fpscr) {
+  op = fp_flush(op, fp_mode_word(fpscr), fpscr);
   const auto a = fp_unpack(op);
-  if (fp_is_special(op)) [[unlikely]] {
-    const unsigned long result = out_of_range(a.sgn, u, width, flags);
+  const int exp = fbits + a.exp + (double_format::bias - format<F>::bias);
+  if (fp_is_special(op) || exp > top_exponent) [[unlikely]] {
+    const unsigned long result = out_of_range(a.sgn, u, width, fpscr);
     return fp_is_nan(op) ? 0 : result;
   }
-  const int exp = fbits + a.exp + (double_format::bias - format<F>::bias);
-  if (exp > top_exponent) [[unlikely]]
-    return out_of_range(a.sgn, u, width, flags);
   const unsigned long mnt = static_cast<unsigned long>(a.mnt) << (double_format::M - format<F>::M);
-  const unsigned long x = FPToFixed_64(a.sgn, exp, mnt, u, rounding, flags);
-  return fits(x, u, width) ? x : out_of_range(a.sgn, u, width, flags);
+  return round_to_integer(a.sgn, exp, mnt, u, width, rounding, fpscr);
 }
 
 }  // namespace
 
 unsigned long FPToFixed_64(int sgn, int exp, unsigned long mnt, bool u, FPRounding rounding,
                            int* flags) {
-  const unsigned long significand = mnt << double_format::E;
-  const int integral = top_exponent - exp;  // places that its top bit is above the integer's
-  unsigned long x = significand >> (integral & 63);
-  unsigned error = 0;
-  if (integral > 1) {
-    const unsigned long split = fp_shift_right_sticky(significand, integral - 2);
-    x = split >> 2;
-    error = static_cast<unsigned>(split & 3);
-  }
-  x += rounding::to_integer.increment(rounding, sgn, static_cast<unsigned>(x), error);
-  const unsigned long limit = saturated(sgn, u, 64);
-  if (x > limit) [[unlikely]]
-    return out_of_range(sgn, u, 64, flags);
-  if (error != 0) *flags = FPSCR::IXC;
-  return sgn != 0 ? -x : x;
+  FPSCR raised{0};
+  const unsigned long result = round_to_integer(sgn, exp, mnt, u, 64, rounding, raised);
+  if (raised.flags() != 0) *flags = raised.flags();
+  return result;
 }
 
 template <class F, class T>
 T fplibFPToFixed(F op, int fbits, bool u, FPRounding rounding, FPSCR& fpscr) {
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    return static_cast<T>(to_fixed(op, fbits, u, rounding, format<T>::N, mode, flags));
-  });
+  return static_cast<T>(to_fixed(op, fbits, u, rounding, format<T>::N, fpscr));
 }
 
 template unsigned short fplibFPToFixed(unsigned short, int, bool, FPRounding, FPSCR&);

@@ -31,27 +31,37 @@ constexpr std::array<unsigned long, 16> coeff<unsigned long> = {
     0x3ff0000000000000, 0xbfe0000000000000, 0x3fa5555555555536, 0xbf56c16c16c13a0b,
     0x3efa01a019b1e8d8, 0xbe927e4f7282f468, 0x3e21ee96d2641b13, 0xbda8f76380fbb401};
 
+// No normal number.
+template <class T>
+[[gnu::cold, gnu::noinline]] T square_unusual(T op, int mode, FPSCR& fpscr) {
+  op = fp_flush(op, mode, fpscr);
+  if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);
+  if (fp_is_infinity(op) || fp_is_zero(op)) return fp_magnitude(op);
+  const auto a = fp_unpack_normalised(op);
+  return fp_product(a, a, 0, mode, fpscr);
+}
+
+// Rounded as a positive number.
+template <class T>
+T square(T op, int mode, FPSCR& fpscr) {
+  if (!fp_is_normal(op)) [[unlikely]]
+    return square_unusual(op, mode, fpscr);
+  const auto a = fp_unpack_normal(op);
+  return fp_product(a, a, 0, mode, fpscr);
+}
+
 }  // namespace
 
 template <class T>
 T FPTRIMADD(unsigned long x, T op1, T op2, FPSCR& fpscr) {
   const T addend = coeff<T>[x + (fp_is_negative(op2) ? 8 : 0)];
-  return fp_run(fpscr, [=](int mode, int* flags) {
-    return fp_multiply_add<T>(addend, op1, fp_magnitude(op2), 0, mode, flags);
-  });
+  return fp_multiply_add<T>(addend, op1, fp_magnitude(op2), 0, fp_mode_word(fpscr), fpscr);
 }
 
 template <class T>
 T FPTRISMUL(T op1, T op2, FPSCR& fpscr) {
-  const T sign = fp_sign_bit<T>(op2 & 1);
-  return fp_run(fpscr, [=](int mode, int* flags) -> T {
-    const T x = fp_flush(op1, mode, flags);
-    if (fp_is_nan(x)) [[unlikely]]
-      return fp_process_nan(x, mode, flags);
-    if (fp_is_infinity(x)) [[unlikely]]
-      return sign | format<T>::infinity;
-    return sign | fp_product<T>(x, x, 0, mode, flags);
-  });
+  const T result = square(op1, fp_mode_word(fpscr), fpscr);
+  return fp_is_nan(result) ? result : result | fp_sign_bit<T>(op2 & 1);
 }
 
 template unsigned short FPTRIMADD(unsigned long, unsigned short, unsigned short, FPSCR&);

@@ -8,29 +8,19 @@
 
 namespace sve {
 
-// Runs operation(mode, &flags) under the controls of the word, and merges the flags into it.
-template <class Operation>
-inline auto fp_run(FPSCR& fpscr, Operation operation) {
-  int flags = 0;
-  const auto result = operation(fp_mode_word(fpscr), &flags);
-  fpscr.merge(flags);
-  return result;
-}
-
 // A denormal under the format's flush control becomes the zero of its sign.
 template <class T>
-inline T fp_flush(T op, int mode, int* flags) {
+inline T fp_flush(T op, int mode, FPSCR& fpscr) {
   using F = format<T>;
   const T magnitude = fp_magnitude(op);
   if (magnitude < F::implicit_bit && (mode & F::flush) != 0) [[unlikely]] {
-    if (magnitude != 0) *flags |= F::flushed_input;
+    if (magnitude != 0) fpscr.raise(F::flushed_input);
     return op & F::sign_bit;
   }
   return op;
 }
 
-// The value of a finite number is mnt x 2^(exp - bias - M). Zeros and denormals have exp 1 and no
-// implicit bit, so that no operation has to adjust for them.
+// The value of a finite number is mnt x 2^(exp - bias - M).
 template <class T>
 struct unpacked {
   int sgn;  // 0 or 1
@@ -38,7 +28,15 @@ struct unpacked {
   word_of<T> mnt;
 };
 
-// Of an operand that is flushed already.
+// Of a normal number.
+template <class T>
+inline unpacked<T> fp_unpack_normal(T op) {
+  using F = format<T>;
+  return {fp_is_negative(op), fp_exponent_field(op), (op & F::fraction_mask) | F::implicit_bit};
+}
+
+// Of an operand that is flushed already. Zeros and denormals have exp 1 and no implicit bit, so
+// that no operation has to adjust for them.
 template <class T>
 inline unpacked<T> fp_unpack(T op) {
   using F = format<T>;
@@ -54,6 +52,16 @@ inline U fp_normalise(U x, int* exp) {
   const int places = std::countl_zero(x);
   *exp -= places;
   return static_cast<U>(x << places);
+}
+
+// Of a flushed operand other than zero: a denormal gets its implicit bit, and an exp below 1.
+template <class T>
+inline unpacked<T> fp_unpack_normalised(T op) {
+  using F = format<T>;
+  auto a = fp_unpack(op);
+  a.exp += F::E;
+  a.mnt = fp_normalise(static_cast<T>(a.mnt), &a.exp) >> F::E;
+  return a;
 }
 
 // x shifted right by any number of places from 0; what falls out is ORed into bit 0. Beyond the
