@@ -135,6 +135,7 @@ bool compare(const operation& of) {
   return result.conclude();
 }
 
+// Under one mode.
 bool compare_all_pairs(const operation& of) {
   comparison result{of};
   std::vector<operands> batch(0x10000);
@@ -174,21 +175,14 @@ void parse_options(const std::vector<std::string>& arguments) {
       {"--seed", [](auto& text) { chosen.seed = number(text); }},
       {"--mode", [](auto& text) { chosen.mode = static_cast<std::uint32_t>(number(text)); }},
       {"--part", set_part}};
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (const auto flag = flags.find(arguments[i]); flag != flags.end())
-      *flag->second = true;
-    else if (!settings.contains(arguments[i]))
-      refuse("there is no option " + arguments[i]);
-    else if (i + 1 == arguments.size())
-      refuse(arguments[i] + " needs a value");
-    else
-      try {
-        settings.at(arguments[i])(arguments[i + 1]);
-        ++i;
-      } catch (const std::logic_error&) {
-        refuse(arguments[i] + " doesn't take \"" + arguments[i + 1] + "\"");
-      }
-  }
+  for (std::size_t i = 0; i < arguments.size(); ++i) try {
+      if (flags.contains(arguments[i]))
+        *flags.at(arguments[i]) = true;
+      else
+        settings.at(arguments[i])(arguments.at(i + 1)), ++i;
+    } catch (const std::logic_error&) {
+      refuse("doesn't know " + arguments[i] + ", or not with that value");
+    }
 }
 
 std::vector<operation> chosen_operations() {

@@ -64,14 +64,19 @@ void one(const std::string& name, I instruction, L library) {
                    processor_computation<result_of<T, L>>(instruction)});
 }
 
-// The instruction's form for T.
+template <class T>
+constexpr const char* letter = sizeof(T) == 2   ? ".h"
+                               : sizeof(T) == 4 ? ".s"
+                                                : ".d";
+
+template <class T, class I>
+auto form(I instruction) {
+  return [=](const operands& in) { return instruction.template operator()<T>(in); };
+}
+
 template <class T, last_operand Last = last_operand::floating, class I, class L>
 void one_form(const std::string& name, I instruction, L library) {
-  one<T, Last>(
-      name + (sizeof(T) == 2   ? ".h"
-              : sizeof(T) == 4 ? ".s"
-                               : ".d"),
-      [=](const operands& in) { return instruction.template operator()<T>(in); }, library);
+  one<T, Last>(name + letter<T>, form<T>(instruction), library);
 }
 
 template <last_operand Last = last_operand::floating, class I, class L>
@@ -152,17 +157,13 @@ void conversions() {
 // To integers of T's width.
 template <class T, class I>
 void to_width(const std::string& name, FPRounding rounding, bool u, int fbits, I instruction) {
-  const auto from = [=]<class F>(F) {
-    const auto library = [=](F a, FPSCR& s) {
-      return fplibFPToFixed<F, T>(a, fbits, u, rounding, s);
-    };
-    one_form<F>(name, instruction, library);
+  const auto library = [=](auto a, FPSCR& s) {
+    return fplibFPToFixed<decltype(a), T>(a, fbits, u, rounding, s);
   };
-  from(half{});
-  if constexpr (sizeof(T) > 2) {
-    from(single{});
-    from(dword{});
-  }
+  if constexpr (sizeof(T) == sizeof(half))
+    one_form<half>(name, instruction, library);
+  else
+    all(name, instruction, library);
 }
 
 template <class H, class W, class X>
@@ -172,28 +173,20 @@ void to_integer(const std::string& name, FPRounding rounding, bool u, int fbits,
   to_width<dword>(name + ".x", rounding, u, fbits, x);
 }
 
-// From integers of F's width.
-template <class F, class I>
+// From integers of F's width to each T.
+template <class F, class... T, class I>
 void from_width(const std::string& name, bool u, int fbits, I instruction) {
-  const auto to = [=]<class T>(T, const char* letter) {
-    const auto library = [=](F a, FPSCR& s) {
-      const auto op = u ? dword{a} : static_cast<dword>(static_cast<std::make_signed_t<F>>(a));
-      return fplibFixedToFP<T>(op, fbits, u, s.rounding(), s);
-    };
-    const auto processor = [=](const operands& in) {
-      return instruction.template operator()<T>(in);
-    };
-    one<F, last_operand::integer>(name + letter, processor, library);
-  };
-  to(half{}, ".h");
-  to(single{}, ".s");
-  to(dword{}, ".d");
+  const auto widened = [=](F a) { return u ? dword{a} : dword(std::make_signed_t<F>(a)); };
+  (one<F, last_operand::integer>(
+       name + letter<T>, form<T>(instruction),
+       [=](F a, FPSCR& s) { return fplibFixedToFP<T>(widened(a), fbits, u, s.rounding(), s); }),
+   ...);
 }
 
 template <class W, class X>
 void from_integer(const std::string& name, bool u, int fbits, W w, X x) {
-  from_width<single>(name + ".w", u, fbits, w);
-  from_width<dword>(name + ".x", u, fbits, x);
+  from_width<single, half, single, dword>(name + ".w", u, fbits, w);
+  from_width<dword, half, single, dword>(name + ".x", u, fbits, x);
 }
 
 void integers() {
@@ -217,8 +210,8 @@ void integers() {
   from_integer("ucvtf", true, 0, FROM("ucvtf", ""));
   from_integer("scvtf#16", false, 16, FROM("scvtf", ", #16"));
   from_integer("ucvtf#16", true, 16, FROM("ucvtf", ", #16"));
-  from_width<dword>("scvtf#64.x", false, 64, FORMS(FROM_X, "scvtf", ", #64"));
-  from_width<dword>("ucvtf#64.x", true, 64, FORMS(FROM_X, "ucvtf", ", #64"));
+  from_width<dword, half, single, dword>("scvtf#64.x", false, 64, FORMS(FROM_X, "scvtf", ", #64"));
+  from_width<dword, half, single, dword>("ucvtf#64.x", true, 64, FORMS(FROM_X, "ucvtf", ", #64"));
 }
 
 void integral() {
@@ -236,24 +229,6 @@ void integral() {
       [](auto a, FPSCR& s) { return FPRoundInt(a, s.rounding(), true, s); });
 }
 
-constexpr auto scale = [](auto a, auto b, FPSCR& s) {
-  if constexpr (sizeof a == 2)
-    return FPScale16(a, static_cast<short>(b), s);
-  else if constexpr (sizeof a == 4)
-    return FPScale32(a, static_cast<int>(b), s);
-  else
-    return FPScale64(a, static_cast<long>(b), s);
-};
-
-constexpr auto process = [](auto a, FPSCR& s) {
-  if constexpr (sizeof a == 2)
-    return FPProcess16(a, s);
-  else if constexpr (sizeof a == 4)
-    return FPProcess32(a, s);
-  else
-    return FPProcess64(a, s);
-};
-
 constexpr auto trigonometric(unsigned long index) {
   return [=](auto a, auto b, FPSCR& s) { return FPTRIMADD(index, a, b, s); };
 }
@@ -262,8 +237,13 @@ void special_functions() {
   all("frecpe", FORMS(ONE, "frecpe"), [](auto a, FPSCR& s) { return FPRecipEstimate(a, s); });
   all("frsqrte", FORMS(ONE, "frsqrte"), [](auto a, FPSCR& s) { return FPRSqrtEstimate(a, s); });
   all("frecpx", FORMS(ONE, "frecpx"), [](auto a, FPSCR& s) { return FPRecpX(a, s); });
-  all<last_operand::integer>("fscale", FORMS(SVE_MERGING, "fscale"), scale);
-  all("fscale#0", FORMS(SVE_MERGING, "fscale"), process);  // the second operand is 0
+  const auto fscale = FORMS(SVE_MERGING, "fscale");
+  one_form<half, last_operand::integer>("fscale", fscale, FPScale16);
+  one_form<single, last_operand::integer>("fscale", fscale, FPScale32);
+  one_form<dword, last_operand::integer>("fscale", fscale, FPScale64);
+  one_form<half>("fscale#0", fscale, FPProcess16);  // the second operand is 0
+  one_form<single>("fscale#0", fscale, FPProcess32);
+  one_form<dword>("fscale#0", fscale, FPProcess64);
   all("fexpa", FORMS(SVE_ONE, "fexpa"), [](auto a, FPSCR&) { return FPEXPA(a); });
   all("ftsmul", FORMS(SVE_TWO, "ftsmul"),
       [](auto a, auto b, FPSCR& s) { return FPTRISMUL(a, b, s); });
