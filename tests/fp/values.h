@@ -75,12 +75,13 @@ class operand_source {
   // Few bits set, few clear, runs of ones, zeros at the end, or anything.
   std::uint64_t random_fraction() {
     const auto bit = [&] { return one << random_.below(static_cast<unsigned>(precision_)); };
+    const std::uint64_t a = bit(), b = bit();
     switch (random_.below(6)) {
-      case 0: return bit() | bit();
-      case 1: return ~(bit() | bit());
-      case 2: return bit() - bit();
-      case 3: return 0 - bit();
-      case 4: return random_() * bit();
+      case 0: return a | b;
+      case 1: return ~(a | b);
+      case 2: return a - b;
+      case 3: return 0 - a;
+      case 4: return random_() * a;
       default: return random_();
     }
   }
