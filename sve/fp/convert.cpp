@@ -26,59 +26,52 @@ T convert_fraction(F op) {
   }
 }
 
-// An infinity or a NaN.
+// Of a number whose mantissa has the implicit bit. Widening is exact.
 template <class F, class T>
-[[gnu::cold, gnu::noinline]] T convert_special(F op, int mode, FPSCR& fpscr) {
+T convert_number(const unpacked<F>& a, int rm, int mode, FPSCR& fpscr) {
+  const int exp = a.exp + (format<T>::bias - format<F>::bias);
+  if constexpr (sizeof(F) < sizeof(T)) {
+    return fp_sign_bit<T>(a.sgn) | (static_cast<T>(exp) << format<T>::M) |
+           convert_fraction<F, T>(static_cast<F>(a.mnt));
+  } else {
+    constexpr int cut = format<F>::M - format<T>::N;
+    const T word = static_cast<T>(fp_shift_right_sticky(a.mnt, cut));
+    return fp_round(a.sgn, exp, word, rm, mode & ~fp_mode::FZ16, fpscr);
+  }
+}
+
+template <class F, class T>
+T convert_nan(F op, int mode, FPSCR& fpscr) {
+  const F quiet = fp_process_nan(op, mode & ~fp_mode::DN, fpscr);
+  if ((mode & fp_mode::DN) != 0) return format<T>::default_nan;
+  return fp_infinity<T>(fp_is_negative(op)) | convert_fraction<F, T>(quiet);
+}
+
+// No normal number, or in the alternative half-precision format one with the highest exponent.
+template <class F, class T>
+[[gnu::cold, gnu::noinline]] T convert_unusual(F op, int rm, int mode, FPSCR& fpscr) {
+  const bool alternative = (mode & fp_mode::AHP) != 0;
   const int sgn = fp_is_negative(op);
-  if (is_half<T> && (mode & fp_mode::AHP) != 0) {
+  op = fp_flush(op, mode, fpscr);
+  if (fp_is_zero(op)) return fp_zero<T>(sgn);
+  if (!fp_is_special(op) || (is_half<F> && alternative)) {
+    return convert_number<F, T>(fp_unpack_normalised(op), rm, mode, fpscr);
+  }
+  if (is_half<T> && alternative) {
     fpscr.raise(FPSCR::IOC);
     return fp_is_nan(op) ? fp_zero<T>(sgn) : fp_sign_bit<T>(sgn) | (format<T>::sign_bit - 1);
   }
-  if (fp_is_infinity(op)) return fp_infinity<T>(sgn);
-  const F quiet = fp_process_nan(op, mode & ~fp_mode::DN, fpscr);
-  if ((mode & fp_mode::DN) != 0) return format<T>::default_nan;
-  return fp_infinity<T>(sgn) | convert_fraction<F, T>(quiet);
-}
-
-// A denormal keeps its exponent here with no leading 1 and isn't normalised: it is far below the
-// range of T, where only the sticky bit counts.
-template <class F, class T>
-T narrow(F op, int rm, int mode, FPSCR& fpscr) {
-  constexpr int cut = format<F>::M - format<T>::N;
-  const auto a = fp_unpack(op);
-  const T word = static_cast<T>(fp_shift_right_sticky(a.mnt, cut));
-  const int exp = a.exp - (format<F>::bias - format<T>::bias);
-  return fp_round(a.sgn, exp, word, rm, mode, fpscr);
-}
-
-template <class F, class T>
-T widen(F op) {
-  const auto a = fp_unpack_normalised(op);
-  const int exp = a.exp + (format<T>::bias - format<F>::bias);
-  return fp_sign_bit<T>(a.sgn) | (static_cast<T>(exp) << format<T>::M) |
-         convert_fraction<F, T>(static_cast<F>(a.mnt));
-}
-
-template <class F, class T>
-T convert(F op, FPRounding rounding, int mode, FPSCR& fpscr) {
-  op = fp_flush(op, mode, fpscr);
-  const bool ordinary = is_half<F> && (mode & fp_mode::AHP) != 0;
-  if (fp_is_special(op) && !ordinary) [[unlikely]]
-    return convert_special<F, T>(op, mode, fpscr);
-  if (fp_magnitude(op) == 0) [[unlikely]]
-    return fp_zero<T>(fp_is_negative(op));
-  if constexpr (sizeof(F) < sizeof(T)) {
-    return widen<F, T>(op);
-  } else {
-    return narrow<F, T>(op, rounding, mode & ~fp_mode::FZ16, fpscr);
-  }
+  return fp_is_nan(op) ? convert_nan<F, T>(op, mode, fpscr) : fp_infinity<T>(sgn);
 }
 
 }  // namespace
 
 template <class F, class T>
 T FPConvert(F op, FPRounding rounding, FPSCR& fpscr) {
-  return convert<F, T>(op, rounding, convert_mode(fpscr), fpscr);
+  const int mode = convert_mode(fpscr);
+  if (!fp_is_normal(op)) [[unlikely]]
+    return convert_unusual<F, T>(op, rounding, mode, fpscr);
+  return convert_number<F, T>(fp_unpack_normal(op), rounding, mode, fpscr);
 }
 
 template unsigned short FPConvert(unsigned int, FPRounding, FPSCR&);

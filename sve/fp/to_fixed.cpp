@@ -45,16 +45,25 @@ inline unsigned long round_to_integer(int sgn, int exp, unsigned long mnt, bool 
 }
 
 template <class F>
-unsigned long to_fixed(F op, int fbits, bool u, FPRounding rounding, int width, FPSCR& fpscr) {
-  op = fp_flush(op, fp_mode_word(fpscr), fpscr);
-  const auto a = fp_unpack(op);
+unsigned long number_to_fixed(const unpacked<F>& a, int fbits, bool u, int width,
+                              FPRounding rounding, FPSCR& fpscr) {
   const int exp = fbits + a.exp + (double_format::bias - format<F>::bias);
-  if (fp_is_special(op) || exp > top_exponent) [[unlikely]] {
-    const unsigned long result = out_of_range(a.sgn, u, width, fpscr);
-    return fp_is_nan(op) ? 0 : result;
-  }
+  if (exp > top_exponent) [[unlikely]]
+    return out_of_range(a.sgn, u, width, fpscr);
   const unsigned long mnt = static_cast<unsigned long>(a.mnt) << (double_format::M - format<F>::M);
   return round_to_integer(a.sgn, exp, mnt, u, width, rounding, fpscr);
+}
+
+// No normal number.
+template <class F>
+[[gnu::cold, gnu::noinline]] unsigned long unusual_to_fixed(F op, int fbits, bool u, int width,
+                                                            FPRounding rounding, FPSCR& fpscr) {
+  op = fp_flush(op, fp_mode_word(fpscr), fpscr);
+  if (fp_is_special(op)) {
+    const unsigned long result = out_of_range(fp_is_negative(op), u, width, fpscr);
+    return fp_is_nan(op) ? 0 : result;
+  }
+  return number_to_fixed(fp_unpack(op), fbits, u, width, rounding, fpscr);
 }
 
 }  // namespace
@@ -69,7 +78,11 @@ unsigned long FPToFixed_64(int sgn, int exp, unsigned long mnt, bool u, FPRoundi
 
 template <class F, class T>
 T fplibFPToFixed(F op, int fbits, bool u, FPRounding rounding, FPSCR& fpscr) {
-  return static_cast<T>(to_fixed(op, fbits, u, rounding, format<T>::N, fpscr));
+  constexpr int width = format<T>::N;
+  if (!fp_is_normal(op)) [[unlikely]] {
+    return static_cast<T>(unusual_to_fixed(op, fbits, u, width, rounding, fpscr));
+  }
+  return static_cast<T>(number_to_fixed(fp_unpack_normal(op), fbits, u, width, rounding, fpscr));
 }
 
 template unsigned short fplibFPToFixed(unsigned short, int, bool, FPRounding, FPSCR&);

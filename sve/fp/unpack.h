@@ -12,12 +12,12 @@ namespace sve {
 template <class T>
 inline T fp_flush(T op, int mode, FPSCR& fpscr) {
   using F = format<T>;
+  if ((mode & F::flush) == 0) [[likely]]
+    return op;
   const T magnitude = fp_magnitude(op);
-  if (magnitude < F::implicit_bit && (mode & F::flush) != 0) [[unlikely]] {
-    if (magnitude != 0) fpscr.raise(F::flushed_input);
-    return op & F::sign_bit;
-  }
-  return op;
+  if (magnitude >= F::implicit_bit) return op;
+  if (magnitude != 0) fpscr.raise(F::flushed_input);
+  return op & F::sign_bit;
 }
 
 // The value of a finite number is mnt x 2^(exp - bias - M).
