@@ -56,7 +56,7 @@ class operand_source {
           result.push_back(pack(sign, std::max(exponent, 0), fraction));
       if (count_ == 1)
         for (const int power : {-2, -1, 0, 1, 2, 14, 15, 16, 30, 31, 32, 62, 63, 64})
-          for (int bit = 0; bit < precision_; ++bit)  // 2.5 and 2^31 - 0.5, say
+          for (int bit = 0; bit <= precision_; ++bit)  // 2^31, 2.5, 2^31 - 0.5
             for (const std::uint64_t fraction : {one << bit, 0 - (one << bit)})
               result.push_back(pack(sign, bias_ + power, fraction));
     }
