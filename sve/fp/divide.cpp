@@ -37,9 +37,10 @@ unsigned long divide_numbers(const unpacked<unsigned long>& a, const unpacked<un
                              int mode, FPSCR& fpscr) {
   const unsigned long dividend = a.mnt << 11;
   const unsigned long divisor = b.mnt << 11;
-  int exp = a.exp - b.exp + 1031;
   auto quotient =
       static_cast<unsigned long>(fp_mul_62x62(reciprocal(divisor), dividend >> 2) >> 68);
+  // The quotient's bit for 1 is 55.
+  int exp = a.exp - b.exp + format<unsigned long>::bias + (63 - 55);
   const uint128 target = uint128{dividend >> 11} << 64;
   const uint128 next = fp_mul_62x62(divisor >> 2, quotient + 1);
   if (next <= target) ++quotient;

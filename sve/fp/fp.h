@@ -84,7 +84,8 @@ T FPAbs(T op);
 template <class T>
 T FPMulAdd(T addend, T op1, T op2, FPSCR& fpscr);
 
-// (a + b x c) x 2^scale, rounded once, under a mode word; flags are ORed into *flags.
+// (a + b x c) x 2^scale, rounded once, for a scale of 0 or below, under a mode word; flags are ORed
+// into *flags.
 unsigned short fp16_muladd(unsigned short a, unsigned short b, unsigned short c, int scale,
                            int mode, int* flags);
 unsigned int fp32_muladd(unsigned int a, unsigned int b, unsigned int c, int scale, int mode,

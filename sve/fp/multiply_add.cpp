@@ -69,6 +69,14 @@ template <class T>
   return multiply_add_numbers(fp_unpack(a), fp_unpack(b), fp_unpack(c), scale, mode, fpscr);
 }
 
+template <class T>
+T multiply_add_flags(T a, T b, T c, int scale, int mode, int* flags) {
+  FPSCR raised{0};
+  const T result = fp_multiply_add(a, b, c, scale, mode, raised);
+  *flags |= raised.flags();
+  return result;
+}
+
 }  // namespace
 
 template <class T>
@@ -84,18 +92,6 @@ template <class T>
 T FPMulAdd(T addend, T op1, T op2, FPSCR& fpscr) {
   return fp_multiply_add(addend, op1, op2, 0, fp_mode_word(fpscr), fpscr);
 }
-
-namespace {
-
-template <class T>
-T multiply_add_flags(T a, T b, T c, int scale, int mode, int* flags) {
-  FPSCR raised{0};
-  const T result = fp_multiply_add(a, b, c, scale, mode, raised);
-  *flags |= raised.flags();
-  return result;
-}
-
-}  // namespace
 
 unsigned short fp16_muladd(unsigned short a, unsigned short b, unsigned short c, int scale,
                            int mode, int* flags) {

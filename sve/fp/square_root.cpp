@@ -1,5 +1,5 @@
-// Square root: Newton-Raphson steps on integers, x = (a / x + x) / 2, from a start within a tenth
-// of the root, then an exact test on the square. Each format has its own steps, so that every
+// Square root: Newton-Raphson steps on integers, x = (a / x + x) / 2, from a start that is linear
+// in a, then an exact test on the square. Each format has its own steps, so that every
 // intermediate value fits the machine's integers.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
