@@ -6,14 +6,12 @@
 //
 // Names, results and flags are those of the functions of the architecture's pseudocode. In common:
 // - Every bit pattern of every operand has a defined result; nothing fails or traps.
-// - Controls are read from the FPSCR: RMode where no FPRounding is passed, FZ for single and
-// double,
-//   FZ16 for half, DN. Flags are ORed into it and never cleared.
+// - Controls are read from the FPSCR: RMode where no FPRounding is passed, FZ for single and double
+//   precision, FZ16 for half, DN. Flags are ORed into it and never cleared.
 // - A denormal operand under the flush control counts as the zero of its sign. Single and double
 //   raise IDC then, half raises nothing.
-// - A NaN operand gives that NaN, quieted, or the default NaN under DN; a signalling one raises
-// IOC.
-//   Of several the first signalling one is taken, else the first.
+// - A NaN operand gives that NaN, quieted, or the default NaN under DN; a signalling one raises IOC
+//   as well. Of several the first signalling one is taken, else the first.
 // - A rounded result raises IXC if inexact, OFC and IXC if it overflows, UFC if it is denormal
 //   before rounding and inexact. Under the flush control a result that is denormal before rounding
 //   is the zero of its sign and raises UFC alone.

@@ -58,6 +58,10 @@ struct fp_mode {
   static constexpr int FZ16 = 1 << 5;
 };
 
+static_assert(FPSCR::RMode >> 22 == fp_mode::RMode && FPSCR::FZ >> 22 == fp_mode::FZ &&
+                  FPSCR::DN >> 22 == fp_mode::DN && FPSCR::FZ16 >> 14 == fp_mode::FZ16,
+              "two shifts take the mode word out of the control word");
+
 constexpr int fp_mode_word(FPSCR fpscr) {
   return static_cast<int>(((fpscr.word >> 22) & 15) | ((fpscr.word >> 14) & 32));
 }
