@@ -29,6 +29,10 @@ struct binary_format {
   static constexpr Word infinity = Word{infinity_exponent} << M;
   static constexpr Word largest = infinity - 1;
   static constexpr Word default_nan = infinity | quiet_bit;
+
+  static constexpr Word power_of_two(int exponent) {
+    return static_cast<Word>(bias + exponent) << M;
+  }
 };
 
 template <class T>

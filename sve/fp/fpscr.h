@@ -49,6 +49,15 @@ struct FPSCR {
 };
 static_assert(sizeof(FPSCR) == 4, "the word goes to and comes from FPSR and FPCR as it stands");
 
+// Runs operation(FPSCR) and ORs the flags that it raises into *flags.
+template <class Operation>
+auto fp_with_flags_in(int* flags, Operation operation) {
+  FPSCR raised{0};
+  const auto result = operation(raised);
+  *flags |= raised.flags();
+  return result;
+}
+
 // The bits of the mode word, which rounding cores and arithmetic take instead of an FPSCR.
 struct fp_mode {
   static constexpr int RMode = 3;

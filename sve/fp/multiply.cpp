@@ -18,8 +18,7 @@ template <class T>
   const bool infinite = fp_is_infinity(op1) || fp_is_infinity(op2);
   const bool zero = fp_is_zero(op1) || fp_is_zero(op2);
   if (infinite && zero) {
-    constexpr word_of<T> two = word_of<T>{F::bias + 1} << F::M;
-    return extended ? fp_sign_bit<T>(sgn) | two : fp_invalid<T>(fpscr);
+    return extended ? fp_sign_bit<T>(sgn) | F::power_of_two(1) : fp_invalid<T>(fpscr);
   }
   if (infinite) return fp_infinity<T>(sgn);
   if (zero) return fp_zero<T>(sgn);

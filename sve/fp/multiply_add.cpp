@@ -71,10 +71,8 @@ template <class T>
 
 template <class T>
 T multiply_add_flags(T a, T b, T c, int scale, int mode, int* flags) {
-  FPSCR raised{0};
-  const T result = fp_multiply_add(a, b, c, scale, mode, raised);
-  *flags |= raised.flags();
-  return result;
+  return fp_with_flags_in(
+      flags, [=](FPSCR& raised) { return fp_multiply_add(a, b, c, scale, mode, raised); });
 }
 
 }  // namespace

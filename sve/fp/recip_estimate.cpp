@@ -33,7 +33,7 @@ T FPRecipEstimate(T op, FPSCR& fpscr) {
     return fp_process_nan(x, mode, fpscr);
   if (fp_is_infinity(x)) [[unlikely]]
     return fp_zero<T>(sgn);
-  if (fp_magnitude(x) == 0) [[unlikely]] {
+  if (fp_is_zero(x)) [[unlikely]] {
     fpscr.raise(FPSCR::DZC);
     return fp_infinity<T>(sgn);
   }

@@ -7,10 +7,8 @@ namespace {
 
 template <class T>
 T round(int sgn, int exp, T mnt, int rm, int mode, int* flags) {
-  FPSCR raised{0};
-  const T result = fp_round(sgn, exp, mnt, rm, mode, raised);
-  *flags |= raised.flags();
-  return result;
+  return fp_with_flags_in(flags,
+                          [=](FPSCR& raised) { return fp_round(sgn, exp, mnt, rm, mode, raised); });
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ template <class T>
 [[gnu::cold, gnu::noinline]] T estimate_special(T op, int mode, FPSCR& fpscr) {
   if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);
   const int sgn = fp_is_negative(op);
-  if (fp_magnitude(op) == 0) {
+  if (fp_is_zero(op)) {
     fpscr.raise(FPSCR::DZC);
     return fp_infinity<T>(sgn);
   }

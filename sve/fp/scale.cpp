@@ -12,7 +12,7 @@ T scale_by(T op, int scale, int mode, FPSCR& fpscr) {
   op = fp_flush(op, mode, fpscr);
   if (fp_is_nan(op)) [[unlikely]]
     return fp_process_nan(op, mode, fpscr);
-  if (fp_is_infinity(op) || fp_magnitude(op) == 0) [[unlikely]]
+  if (fp_is_infinity(op) || fp_is_zero(op)) [[unlikely]]
     return op;
   const auto a = fp_unpack_normalised(op);
   const T word = static_cast<T>(a.mnt << (format<T>::E + 1));

@@ -8,13 +8,6 @@
 namespace sve {
 namespace {
 
-// The number (1 + half / 2) x 2^exponent.
-template <class T>
-constexpr T constant(int exponent, int half) {
-  using F = format<T>;
-  return (static_cast<word_of<T>>(F::bias + exponent) << F::M) | (half != 0 ? F::quiet_bit : 0);
-}
-
 // n or op2 is no normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T step_unusual(T n, T op2, T start, int scale, T without_product,
@@ -44,14 +37,16 @@ T step(T op1, T op2, T start, int scale, T without_product, FPSCR& fpscr) {
 
 template <class T>
 T FPRecipStepFused(T op1, T op2, FPSCR& fpscr) {
-  constexpr T two = constant<T>(1, 0);
+  constexpr T two = format<T>::power_of_two(1);
   return step(op1, op2, two, 0, two, fpscr);
 }
 
 template <class T>
 T FPRSqrtStepFused(T op1, T op2, FPSCR& fpscr) {
-  constexpr T three = constant<T>(1, 1);
-  constexpr T one_and_a_half = constant<T>(0, 1);
+  using F = format<T>;
+  constexpr T three =
+      F::power_of_two(1) | F::quiet_bit;  // the fraction's top bit: half as much again
+  constexpr T one_and_a_half = F::power_of_two(0) | F::quiet_bit;
   return step(op1, op2, three, -1, one_and_a_half, fpscr);
 }
 
