@@ -32,6 +32,10 @@ std::uint64_t value_of(const cpu_state* state, aarch64_i_rsp_reg reg);
 std::uint64_t value_of(const cpu_state* state, simd_register reg);
 inline unsigned value_of(const cpu_state*, unsigned immediate) { return immediate; }
 inline int value_of(const cpu_state*, int immediate) { return immediate; }
+inline std::uint64_t value_of(const cpu_state*, std::uint64_t immediate) { return immediate; }
+inline bool value_of(const cpu_state*, aarch64_sve_fp_arith_imm immediate) {
+  return immediate.select != 0;
+}
 
 // Results, by the record of the destination. A W register's upper half and the rest of a SIMD&FP
 // scalar's register become 0.

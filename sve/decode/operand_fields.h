@@ -151,6 +151,7 @@ using UImm = unsigned_immediate<'i'>;
 using SImm = signed_immediate<'i'>;
 using Start = signed_immediate<'n'>;              // INDEX: the first immediate stands where Rn does
 using Step = signed_immediate<'m'>;               // and the second where Rm does
+using Rotation = unsigned_immediate<'r'>;         // FCADD: 0 or 1; FCMLA: in units of 90 degrees
 using Pattern5 = unsigned_immediate<'p'>;         // a predicate pattern
 using MultiplierField = unsigned_immediate<'k'>;  // the multiplier minus 1, as encoded
 
@@ -191,6 +192,46 @@ struct RightShift : reads<'i'> {
   template <word_pattern Pattern>
   static constexpr unsigned take(unsigned word) {
     return (1U << field_width<Pattern, 'i'>)-field<Pattern, 'i'>(word);
+  }
+};
+
+// Which of its two constants a floating-point instruction with a one-bit immediate takes.
+struct FPArithImm : reads<'i'> {
+  template <word_pattern Pattern>
+  static constexpr aarch64_sve_fp_arith_imm take(unsigned word) {
+    return {field<Pattern, 'i'>(word)};
+  }
+};
+
+// A floating-point immediate abcdefgh (VFPExpandImm) in a format: the sign a, the exponent NOT(b),
+// b replicated, cd, the fraction efgh followed by zeros.
+constexpr std::uint64_t expand_fp_immediate(unsigned imm8, int width, int fraction) {
+  const std::uint64_t a = imm8 >> 7;
+  const std::uint64_t b = imm8 >> 6 & 1;
+  const int replicated = width - fraction - 4;
+  const std::uint64_t not_b_and_bs =
+      b != 0 ? (std::uint64_t{1} << replicated) - 1 : std::uint64_t{1} << replicated;
+  return a << (width - 1) | not_b_and_bs << (fraction + 2) |
+         std::uint64_t{imm8 & 63} << (fraction - 4);
+}
+
+// It in all formats, and in that of an element size.
+struct FPDupImm : reads<'i'> {
+  template <word_pattern Pattern>
+  static constexpr aarch64_sve_fp_dup_imm take(unsigned word) {
+    const unsigned imm8 = field<Pattern, 'i'>(word);
+    return {static_cast<std::uint16_t>(expand_fp_immediate(imm8, 16, 10)),
+            static_cast<std::uint32_t>(expand_fp_immediate(imm8, 32, 23)),
+            expand_fp_immediate(imm8, 64, 52)};
+  }
+};
+
+template <element_size Size>
+struct FPImm : reads<'i'> {
+  template <word_pattern Pattern>
+  static constexpr std::uint64_t take(unsigned word) {
+    const aarch64_sve_fp_dup_imm imm = FPDupImm::take<Pattern>(word);
+    return Size == D ? imm.dbl : Size == S ? imm.single : imm.half;
   }
 };
 

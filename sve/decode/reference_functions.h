@@ -3,6 +3,7 @@
 
 #include "sve/semantics/compares.h"
 #include "sve/semantics/counts.h"
+#include "sve/semantics/floating_point.h"
 #include "sve/semantics/integer.h"
 #include "sve/semantics/memory.h"
 #include "sve/semantics/permutes.h"

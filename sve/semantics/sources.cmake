@@ -1,6 +1,11 @@
 target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/compares.cpp
   ${CMAKE_CURRENT_LIST_DIR}/counts.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/floating_point_arithmetic.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/floating_point_compare.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/floating_point_convert.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/floating_point_fused.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/floating_point_reduce.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer.cpp
   ${CMAKE_CURRENT_LIST_DIR}/integer_helpers.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory.cpp

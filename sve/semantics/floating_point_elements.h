@@ -1,0 +1,92 @@
+// How a floating-point element is computed, and the shapes of the families of it.
+//
+// An operation takes the elements and, last, the FPSCR. Flags are cumulative, so that all elements
+// see the same word: each gets a fresh one, made from the FPCR, and only what it raised is kept.
+#pragma once
+
+#include "sve/fp/fp.h"
+#include "sve/semantics/elements.h"
+#include "sve/semantics/semantics.h"
+
+namespace sve::semantics::floating_point {
+
+// The carriers, by the tags of their elements.
+using F16 = unsigned short;
+using F32 = unsigned int;
+using D64 = unsigned long;
+
+using V = const VecV&;
+using P = const PredV&;
+using Ctx = CpuContext*;
+
+inline constexpr U32 fpsr_fields = 0xf800009f;  // NZCV, QC, IDC, IXC, UFC, OFC, DZC, IOC
+
+template <class T>
+inline constexpr T sign = static_cast<T>(sign_bit(width<T>));
+
+// One computed element: operation(operands..., FPSCR) under the given controls.
+template <class Operation, class... Operands>
+auto compute_under(U32 controls, Ctx ctx, Operation operation, Operands... operands) {
+  FPSCR local{controls};
+  const auto result = operation(operands..., local);
+  ctx->fpsr = (ctx->fpsr | local.word) & fpsr_fields;
+  return result;
+}
+
+template <class Operation, class... Operands>
+auto compute(Ctx ctx, Operation operation, Operands... operands) {
+  return compute_under(ctx->fpcr, ctx, operation, operands...);
+}
+
+// FPConvert. A conversion between formats is of IEEE halves that are never flushed, whatever the
+// FPCR says.
+template <class From, class To>
+To convert_format(Ctx ctx, From x, FPRounding rounding) {
+  const auto convert = [rounding](From op, FPSCR& f) {
+    return FPConvert<From, To>(op, rounding, f);
+  };
+  return compute_under(ctx->fpcr & ~(FPSCR::AHP | FPSCR::FZ16), ctx, convert, x);
+}
+
+// Operations of several families.
+inline constexpr auto add = [](auto a, auto b, FPSCR& f) { return FPAdd(a, b, f); };
+inline constexpr auto mul = [](auto a, auto b, FPSCR& f) { return FPMul(a, b, f); };
+inline constexpr auto max = [](auto a, auto b, FPSCR& f) { return FPMax(a, b, f); };
+inline constexpr auto min = [](auto a, auto b, FPSCR& f) { return FPMin(a, b, f); };
+inline constexpr auto maxnum = [](auto a, auto b, FPSCR& f) { return FPMaxNum(a, b, f); };
+inline constexpr auto minnum = [](auto a, auto b, FPSCR& f) { return FPMinNum(a, b, f); };
+
+// Without a predicate.
+
+template <class T, class Operation>
+VecV each1(V a, Ctx ctx, Operation op) {
+  return unpredicated<T>(ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
+}
+
+template <class T, class Operation>
+VecV each2(V a, V b, Ctx ctx, Operation op) {
+  return unpredicated<T>(ctx,
+                         [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
+}
+
+// Merging.
+
+template <class T, class Operation>
+VecV merge1(V source, P g, V a, Ctx ctx, Operation op) {
+  return merging<T>(source, g, ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
+}
+
+template <class T, class Operation>
+VecV merge2(V a, P g, V b, Ctx ctx, Operation op) {
+  return merging<T>(a, g, ctx,
+                    [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
+}
+
+template <class T, class Operation>
+VecV merge3(V a, P g, V b, V d, Ctx ctx, Operation op) {
+  return merging<T>(a, g, ctx, [&](unsigned e) {
+    return compute(ctx, op, a.get<T>(e), b.get<T>(e), d.get<T>(e));
+  });
+}
+
+}  // namespace sve::semantics::floating_point

@@ -1,0 +1,83 @@
+// A sum depends on the order of its additions: FADDA adds one element after the other, the other
+// reductions combine neighbours, then neighbours of these.
+#include <bit>
+
+#include "sve/semantics/floating_point.h"
+#include "sve/semantics/floating_point_elements.h"
+
+using namespace sve;
+using namespace sve::semantics;
+using namespace sve::semantics::floating_point;
+
+namespace {
+
+template <class T>
+struct format;
+template <>
+struct format<F16> {
+  static constexpr F16 infinity = 0x7c00, default_nan = 0x7e00;
+};
+template <>
+struct format<F32> {
+  static constexpr F32 infinity = 0x7f800000, default_nan = 0x7fc00000;
+};
+template <>
+struct format<D64> {
+  static constexpr D64 infinity = 0x7ff0000000000000, default_nan = 0x7ff8000000000000;
+};
+
+// The values that leave the other operand as it is, of a sum, a maximum, a minimum, and of those
+// that prefer numbers.
+template <class T>
+constexpr T zero = 0;
+template <class T>
+constexpr T minus_infinity = format<T>::infinity | sign<T>;
+template <class T>
+constexpr T plus_infinity = format<T>::infinity;
+template <class T>
+constexpr T nan = format<T>::default_nan;
+
+template <class T>
+U64 sum_in_order(P g, U64 start, V a, Ctx ctx) {
+  T sum = static_cast<T>(start);
+  const unsigned n = ctx->elements<T>();
+  for (unsigned e = 0; e < n; ++e) {
+    if (g.active<T>(e)) sum = compute(ctx, add, sum, a.get<T>(e));
+  }
+  return sum;
+}
+
+// Inactive elements, and those that the vector lacks to a power of two, take part as the identity.
+template <class T, class Operation>
+U64 tree(P g, V a, T identity, Ctx ctx, Operation op) {
+  T x[sizeof(VecV) / sizeof(T)];
+  const unsigned n = ctx->elements<T>();
+  unsigned count = std::bit_ceil(n);
+  for (unsigned e = 0; e < count; ++e) x[e] = e < n && g.active<T>(e) ? a.get<T>(e) : identity;
+  for (; count > 1; count /= 2) {
+    for (unsigned j = 0; j < count / 2; ++j) x[j] = compute(ctx, op, x[2 * j], x[2 * j + 1]);
+  }
+  return x[0];
+}
+
+}  // namespace
+
+U64 VecF16AddReduceAV(P g, U64 start, V a, Ctx c) { return sum_in_order<F16>(g, start, a, c); }
+U64 VecF32AddReduceAV(P g, U64 start, V a, Ctx c) { return sum_in_order<F32>(g, start, a, c); }
+U64 VecD64AddReduceAV(P g, U64 start, V a, Ctx c) { return sum_in_order<D64>(g, start, a, c); }
+
+U64 VecF16AddReduceFV(P g, V a, Ctx c) { return tree<F16>(g, a, zero<F16>, c, add); }
+U64 VecF32AddReduceFV(P g, V a, Ctx c) { return tree<F32>(g, a, zero<F32>, c, add); }
+U64 VecD64AddReduceFV(P g, V a, Ctx c) { return tree<D64>(g, a, zero<D64>, c, add); }
+U64 VecF16MaxReduceFV(P g, V a, Ctx c) { return tree<F16>(g, a, minus_infinity<F16>, c, max); }
+U64 VecF32MaxReduceFV(P g, V a, Ctx c) { return tree<F32>(g, a, minus_infinity<F32>, c, max); }
+U64 VecD64MaxReduceFV(P g, V a, Ctx c) { return tree<D64>(g, a, minus_infinity<D64>, c, max); }
+U64 VecF16MinReduceFV(P g, V a, Ctx c) { return tree<F16>(g, a, plus_infinity<F16>, c, min); }
+U64 VecF32MinReduceFV(P g, V a, Ctx c) { return tree<F32>(g, a, plus_infinity<F32>, c, min); }
+U64 VecD64MinReduceFV(P g, V a, Ctx c) { return tree<D64>(g, a, plus_infinity<D64>, c, min); }
+U64 VecF16MaxNumReduceFV(P g, V a, Ctx c) { return tree<F16>(g, a, nan<F16>, c, maxnum); }
+U64 VecF32MaxNumReduceFV(P g, V a, Ctx c) { return tree<F32>(g, a, nan<F32>, c, maxnum); }
+U64 VecD64MaxNumReduceFV(P g, V a, Ctx c) { return tree<D64>(g, a, nan<D64>, c, maxnum); }
+U64 VecF16MinNumReduceFV(P g, V a, Ctx c) { return tree<F16>(g, a, nan<F16>, c, minnum); }
+U64 VecF32MinNumReduceFV(P g, V a, Ctx c) { return tree<F32>(g, a, nan<F32>, c, minnum); }
+U64 VecD64MinNumReduceFV(P g, V a, Ctx c) { return tree<D64>(g, a, nan<D64>, c, minnum); }
