@@ -22,6 +22,7 @@ struct fast_line {
 };
 
 #define FAST(pattern, name, path, ...) {#name, #path, #__VA_ARGS__},
+#define FAST_FP FAST
 #define BRIDGE(...)
 #define NO_OP(...)
 #define UNWRITTEN(...)

@@ -5,6 +5,7 @@
 #include "sve/fast/contiguous_memory.h"
 #include "sve/fast/counting.h"
 #include "sve/fast/first_fault.h"
+#include "sve/fast/floating_point.h"
 #include "sve/fast/gather_scatter.h"
 #include "sve/fast/immediates_shifts_moves.h"
 #include "sve/fast/integer_arithmetic.h"

@@ -2,10 +2,12 @@
 //
 // A handler is an instance of a template over its row's pattern, the function that it calls and
 // the row's operand descriptors; there is no handler code besides. A fast handler stores the word
-// and calls a fast path with operand records; a bridge (sve/decode/bridge.h) goes to the reference
+// and calls a fast path with operand records, and if that raises floating-point flags, it takes
+// them from the FPSR into the state; a bridge (sve/decode/bridge.h) goes to the reference
 // semantics; a no-op serves the prefetches, which have no architectural effect.
 #pragma once
 
+#include "scalar_unit.h"
 #include "sve/decode/operand_fields.h"
 #include "sve/state/cpu_state.h"
 
@@ -15,6 +17,15 @@ template <word_pattern Pattern, auto Function, class... Operands>
 aarch64_decode_rc fast_handler(cpu_state* state, unsigned word) {
   state->instr = word;
   return Function(state, Operands::template take<Pattern>(word)...);
+}
+
+// The transfer code behind the call restores the FPSR from the state, so it must know the flags
+// that the fast path has raised.
+template <word_pattern Pattern, auto Function, class... Operands>
+aarch64_decode_rc fast_fp_handler(cpu_state* state, unsigned word) {
+  const aarch64_decode_rc result = fast_handler<Pattern, Function, Operands...>(state, word);
+  state->fpsr = fast::fpsr_after(*state);
+  return result;
 }
 
 inline aarch64_decode_rc no_op_handler(cpu_state*, unsigned) { return aarch64_decode_ok; }

@@ -38,6 +38,12 @@ consteval instruction_row fast_row(std::string_view name) {
   return row<Pattern>(name, row_kind::fast, true, &fast_handler<Pattern, Function, Operands...>);
 }
 
+template <word_pattern Pattern, auto Function, class... Operands>
+consteval instruction_row fast_fp_row(std::string_view name) {
+  static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
+  return row<Pattern>(name, row_kind::fast, true, &fast_fp_handler<Pattern, Function, Operands...>);
+}
+
 template <word_pattern Pattern, auto Function, class Result, class... Operands>
 consteval instruction_row bridge_row(std::string_view name) {
   static_assert(reads_all_fields<Pattern, Result, Operands...>, "an operand field is not read");
@@ -47,6 +53,7 @@ consteval instruction_row bridge_row(std::string_view name) {
 
 // How a line of the table becomes a row. BRIDGE takes the function from the row's own name.
 #define FAST(pattern, name, ...) fast_row<pattern, __VA_ARGS__>(#name),
+#define FAST_FP(pattern, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#name),
 #define BRIDGE(pattern, name, ...) bridge_row<pattern, &name, __VA_ARGS__>(#name),
 #define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, true, &no_op_handler),
 #define UNWRITTEN(pattern, name, kind) \

@@ -43,6 +43,7 @@ std::string operands_of([[maybe_unused]] unsigned word) {
 const std::map<std::string_view, std::function<std::string(unsigned)>>& printers() {
   static const std::map<std::string_view, std::function<std::string(unsigned)>> all = {
 #define FAST(pattern, name, function, ...) {#name, operands_of<pattern, ##__VA_ARGS__>},
+#define FAST_FP FAST
 #define BRIDGE(pattern, name, result, ...) {#name, operands_of<pattern, ##__VA_ARGS__>},
 #define NO_OP(pattern, name)
 #define UNWRITTEN(pattern, name, kind)

@@ -40,6 +40,7 @@ TEST(StubEntries, ReportTheInstructionAndReturnUnimplemented) {
 TEST(StubEntries, ServeNoRow) {
   const char* const fast_paths[] = {
 #define FAST(pattern, name, function, ...) #function,
+#define FAST_FP FAST
 #define BRIDGE(...)
 #define NO_OP(...)
 #define UNWRITTEN(...)

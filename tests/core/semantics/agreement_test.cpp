@@ -236,6 +236,7 @@ class Agreement : public RandomMachine {
 #define FAST(pattern, name, fast_path, ...) \
   row<pattern __VA_OPT__(, ) __VA_ARGS__>(  \
       #name, [](auto... all) requires requires { name(all...); } { return name(all...); }),
+#define FAST_FP FAST
 #define BRIDGE(pattern, name, ...) row_without_fast_path<pattern>(#name),
 #define NO_OP(...)
 #define UNWRITTEN(...)

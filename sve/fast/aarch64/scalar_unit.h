@@ -1,0 +1,117 @@
+// The processor's scalar floating-point instructions, one element at a time, under the FPCR of the
+// application, which is still in the register when a fast path runs.
+//
+// Each is an asm statement, so that the instruction that runs is the one written here: the compiler
+// may neither fold, vectorise, repeat nor drop it, and volatile keeps all of them in their order
+// before the read of the FPSR. Values are integers throughout: the compiler has no floating-point
+// value that it could use an instruction of its own on.
+#pragma once
+
+#include <cstdint>
+
+#include "sve/state/cpu_state.h"
+
+namespace sve::fast {
+
+// asm takes its text as a literal, and the registers of the two formats have names of their own.
+#define UNARY(name, mnemonic)                                   \
+  static std::uint32_t name(std::uint32_t a) {                  \
+    std::uint32_t result;                                       \
+    asm volatile(mnemonic " %s0, %s1" : "=w"(result) : "w"(a)); \
+    return result;                                              \
+  }                                                             \
+  static std::uint64_t name(std::uint64_t a) {                  \
+    std::uint64_t result;                                       \
+    asm volatile(mnemonic " %d0, %d1" : "=w"(result) : "w"(a)); \
+    return result;                                              \
+  }
+#define BINARY(name, mnemonic)                                               \
+  static std::uint32_t name(std::uint32_t a, std::uint32_t b) {              \
+    std::uint32_t result;                                                    \
+    asm volatile(mnemonic " %s0, %s1, %s2" : "=w"(result) : "w"(a), "w"(b)); \
+    return result;                                                           \
+  }                                                                          \
+  static std::uint64_t name(std::uint64_t a, std::uint64_t b) {              \
+    std::uint64_t result;                                                    \
+    asm volatile(mnemonic " %d0, %d1, %d2" : "=w"(result) : "w"(a), "w"(b)); \
+    return result;                                                           \
+  }
+// The condition holds for the flags of the comparison; none that is used here does for unordered
+// operands, but `ne` and `vs`.
+#define COMPARE(name, mnemonic, condition)                                         \
+  static bool name(std::uint32_t a, std::uint32_t b) {                             \
+    bool holds;                                                                    \
+    asm volatile(mnemonic " %s1, %s2" : "=@cc" condition(holds) : "w"(a), "w"(b)); \
+    return holds;                                                                  \
+  }                                                                                \
+  static bool name(std::uint64_t a, std::uint64_t b) {                             \
+    bool holds;                                                                    \
+    asm volatile(mnemonic " %d1, %d2" : "=@cc" condition(holds) : "w"(a), "w"(b)); \
+    return holds;                                                                  \
+  }
+#define CONVERT(name, To, From, operands)           \
+  static To name(From a) {                          \
+    To result;                                      \
+    asm volatile(operands : "=w"(result) : "r"(a)); \
+    return result;                                  \
+  }
+
+struct scalar_unit {
+  explicit scalar_unit(cpu_state* /*state*/) {}
+
+  BINARY(add, "fadd")
+  BINARY(subtract, "fsub")
+  BINARY(multiply, "fmul")
+  BINARY(divide, "fdiv")
+  BINARY(max, "fmax")
+  BINARY(max_number, "fmaxnm")
+  BINARY(min_number, "fminnm")
+  BINARY(reciprocal_step, "frecps")
+  UNARY(reciprocal_estimate, "frecpe")
+  UNARY(negate, "fneg")
+  UNARY(square_root, "fsqrt")
+  UNARY(round_ties_away, "frinta")
+
+  COMPARE(equal, "fcmp", "eq")
+  COMPARE(not_equal, "fcmp", "ne")
+  COMPARE(unordered, "fcmp", "vs")
+  COMPARE(greater_or_equal, "fcmpe", "ge")
+  COMPARE(greater, "fcmpe", "gt")
+
+  CONVERT(to_single, std::uint32_t, std::int32_t, "scvtf %s0, %w1")
+  CONVERT(to_single, std::uint32_t, std::uint32_t, "ucvtf %s0, %w1")
+  CONVERT(to_single, std::uint32_t, std::int64_t, "scvtf %s0, %x1")
+  CONVERT(to_double, std::uint64_t, std::int32_t, "scvtf %d0, %w1")
+  CONVERT(to_double, std::uint64_t, std::uint32_t, "ucvtf %d0, %w1")
+  CONVERT(to_double, std::uint64_t, std::int64_t, "scvtf %d0, %x1")
+  CONVERT(to_double, std::uint64_t, std::uint64_t, "ucvtf %d0, %x1")
+
+  // -addend - a x b, rounded once.
+  static std::uint32_t negated_multiply_add(std::uint32_t addend, std::uint32_t a,
+                                            std::uint32_t b) {
+    std::uint32_t result;
+    asm volatile("fnmadd %s0, %s1, %s2, %s3" : "=w"(result) : "w"(a), "w"(b), "w"(addend));
+    return result;
+  }
+  static std::uint64_t negated_multiply_add(std::uint64_t addend, std::uint64_t a,
+                                            std::uint64_t b) {
+    std::uint64_t result;
+    asm volatile("fnmadd %d0, %d1, %d2, %d3" : "=w"(result) : "w"(a), "w"(b), "w"(addend));
+    return result;
+  }
+};
+
+#undef UNARY
+#undef BINARY
+#undef COMPARE
+#undef CONVERT
+
+// The FPSR after a fast path: the processor's, in which the flags have gathered on top of the
+// application's.
+inline std::uint32_t fpsr_after(const cpu_state& /*state*/) {
+  std::uint64_t fpsr;
+  asm volatile("mrs %0, fpsr" : "=r"(fpsr));
+  return static_cast<std::uint32_t>(fpsr);
+}
+
+}  // namespace sve::fast
