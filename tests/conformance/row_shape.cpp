@@ -34,6 +34,23 @@ unsigned element_bytes_of(const std::string& name) {
   return to_unsigned(match[1]) / 8;
 }
 
+struct operand_kind {
+  unsigned bytes;
+  bool floating;
+};
+
+// A conversion has the tag of its result; its operand is the letter of a format, or S or U and a
+// number of bytes, before VM.
+operand_kind operands_of(const std::string& name) {
+  static const std::regex conversion{"Vec.*(?:From|Extnd|Trunc)(?:([HFD])|[SU]([248]))VM"};
+  std::smatch match;
+  const auto bytes_of = [](char format) { return format == 'H' ? 2U : format == 'F' ? 4U : 8U; };
+  if (!std::regex_match(name, match, conversion))
+    return {element_bytes_of(name), name[3] == 'F' || name[3] == 'D' || name[3] == 'H'};
+  if (match[2].matched) return {to_unsigned(match[2]), false};
+  return {bytes_of(match.str(1)[0]), true};
+}
+
 memory_form whole_register_form(bool predicate) {
   const unsigned bytes = predicate ? sve::predicate_bytes : sve::vector_bytes;
   return {.access = predicate ? access_shape::whole_predicate : access_shape::whole_vector,
@@ -104,10 +121,12 @@ int row_shape::signed_value(char letter, std::uint32_t word) const {
 
 row_shape describe(const sve::instruction_row& row) {
   const std::string name{row.name};
+  const operand_kind operands = operands_of(name);
   return {.row = &row,
           .fields = fields_of(row.pattern),
           .element_bytes = element_bytes_of(name),
-          .floating = name[3] == 'F' || name[3] == 'D' || name[3] == 'H',
+          .operand_bytes = operands.bytes,
+          .floating = operands.floating,
           .memory = memory_form_of(name)};
 }
 

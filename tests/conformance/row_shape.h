@@ -55,7 +55,8 @@ struct row_shape {
   const sve::instruction_row* row;
   std::vector<operand_field> fields;
   unsigned element_bytes;  // of the element tag; 1 where it has none
-  bool floating;           // floating-point numbers: tags F16, F32, D64 and kin
+  unsigned operand_bytes;  // of what an element holds: less than the element in some conversions
+  bool floating;           // the operands are floating-point numbers
   std::optional<memory_form> memory;
 
   bool has(char letter) const { return find(letter) != nullptr; }

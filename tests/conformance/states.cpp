@@ -13,9 +13,9 @@ namespace {
 constexpr std::array<unsigned, 4> element_sizes{1, 2, 4, 8};
 
 // Mostly the row's own element size: it is what the values are to be limits of.
-unsigned some_element_bytes(const row_shape& shape, random_source& random) {
-  const bool own = shape.element_bytes <= 8 && random.chance(70);
-  return own ? shape.element_bytes : random.pick(element_sizes);
+unsigned some_element_bytes(unsigned own_bytes, random_source& random) {
+  const bool own = own_bytes <= 8 && random.chance(70);
+  return own ? own_bytes : random.pick(element_sizes);
 }
 
 std::uint32_t random_subset(std::uint32_t bits, random_source& random) {
@@ -65,7 +65,7 @@ void make_vector_registers(const row_shape& shape, std::uint32_t word, machine_i
   for (vector_register& z : image.z) draw_filler(random, z);
   for (const operand_field& field : shape.fields)
     if (field.width == 5)
-      draw_vector(some_element_bytes(shape, random), shape.floating, random,
+      draw_vector(some_element_bytes(shape.operand_bytes, random), shape.floating, random,
                   image.z[shape.value(field.letter, word)]);
   const unsigned n = shape.value('n', word) % 32;
   const unsigned other = shape.value(shape.has('m') ? 'm' : 'd', word) % 32;
@@ -74,11 +74,11 @@ void make_vector_registers(const row_shape& shape, std::uint32_t word, machine_i
 
 void make_predicates(const row_shape& shape, machine_image& image, random_source& random) {
   for (unsigned i = 0; i < 16; ++i)
-    draw_predicate(some_element_bytes(shape, random), random, image.p[i]);
+    draw_predicate(some_element_bytes(shape.element_bytes, random), random, image.p[i]);
   if (random.chance(40))
     std::ranges::fill(image.p[ffr_index], static_cast<unsigned char>(0xff));
   else
-    draw_predicate(some_element_bytes(shape, random), random, image.p[ffr_index]);
+    draw_predicate(some_element_bytes(shape.element_bytes, random), random, image.p[ffr_index]);
 }
 
 }  // namespace
