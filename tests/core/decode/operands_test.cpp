@@ -27,10 +27,16 @@ std::string print(aarch64_i_rsp_reg r) {
 std::string print(simd_register r) { return "v" + std::to_string(r.num); }
 std::string print(unsigned immediate) { return std::to_string(immediate); }
 std::string print(int immediate) { return std::to_string(immediate); }
-std::string print(aarch64_sve_logical64_imm imm) {
+std::string print(std::uint64_t immediate) {
   std::ostringstream out;
-  out << "0x" << std::hex << imm.mask;
+  out << "0x" << std::hex << immediate;
   return out.str();
+}
+std::string print(aarch64_sve_logical64_imm imm) { return print(imm.mask); }
+std::string print(aarch64_sve_fp_arith_imm imm) { return "#" + std::to_string(imm.select); }
+std::string print(aarch64_sve_fp_dup_imm imm) {
+  return print(std::uint64_t{imm.half}) + " " + print(std::uint64_t{imm.single}) + " " +
+         print(imm.dbl);
 }
 
 template <word_pattern Pattern, class... Operands>
@@ -116,6 +122,25 @@ TEST(Operands, ReachTheFastPathOrTheReferenceFunction) {
       {0x05ff20c5, "VecU8ExtDupVI", "{5 0 5 5} {6 0 5 5} 63"},       // mov z5.b, z6.b[63]
       {0x05b820c5, "VecU64ExtDupVI", "{5 3 5 5} {6 3 5 5} 5"},       // mov z5.d, z6.d[5]
       {0x053f1c41, "VecU8SlideVI", "{1 5 0 0} {2 0 5 5} 255"},       // ext z1.b, z1.b, z2.b, #255
+      // Floating point: rotations, indices, the two kinds of immediate, scalars.
+      {0x64418861, "VecF16FCADDVVM",
+       "{1 5 1 1} {2 4 7 7} {3 1 5 5} 1"},  // fcadd z1.h, p2/m, z1.h, z3.h, #270
+      {0x64c44861, "VecD64FCMLAVVVM",
+       "{1 5 3 3} {2 4 7 7} {3 3 5 5} {4 3 5 5} 2"},  // fcmla z1.d, p2/m, z3.d, z4.d, #180
+      {0x64bc1c61, "VecF16FCMLAVVVIX",
+       "{3 1 5 5} {4 1 5 5} {1 5 1 1} 3 3"},  // fcmla z1.h, z3.h, z4.h[3], #270
+      {0x64740061, "VecF16FMAVVVIX",
+       "{3 1 5 5} {4 1 5 5} {1 5 1 1} 6"},  // fmla z1.h, z3.h, z4.h[6]
+      {0x65a48861, "VecF32FMADDVVVM",
+       "{1 5 2 2} {2 4 7 7} {3 2 5 5} {4 2 5 5}"},                 // fmad z1.s, p2/m, z3.s, z4.s
+      {0x655a8801, "VecF16MulVIM", "{1 5 1 1} {2 4 7 7} #0"},      // fmul z1.h, p2/m, z1.h, #0.5
+      {0x65988821, "VecF32AddVIM", "{1 5 2 2} {2 4 7 7} #1"},      // fadd z1.s, p2/m, z1.s, #1.0
+      {0x055cd801, "VecF16DupIM", "{1 5 1 1} {12 4 7 7} 0xb000"},  // fmov z1.h, p12/m, #-0.125
+      {0x05d2c7e1, "VecD64DupIM",
+       "{1 5 3 3} {2 4 7 7} 0x403f000000000000"},  // fmov z1.d, p2/m, #31.0
+      {0x25b9ce05, "VecF32DupI",
+       "{5 2 5 5} 0x3c00 0x3f800000 0x3ff0000000000000"},           // fmov z5.s, #1.0
+      {0x65982861, "VecF32AddReduceAV", "{2 6 7 7} v1 {3 2 5 5}"},  // fadda s1, p2, s1, z3.s
       // Shift amounts, at both ends of each piece of the split field.
       {0x04008501, "VecS8ShrVIM", "{1 5 0 0} {1 4 7 7} 8"},    // asr z1.b, p1/m, z1.b, #8
       {0x04808401, "VecS64ShrVIM", "{1 5 3 3} {1 4 7 7} 64"},  // asr z1.d, p1/m, z1.d, #64
