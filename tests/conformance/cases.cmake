@@ -4,6 +4,8 @@ add_library(conformance_cases STATIC)
 foreach(source addresses arena machine_image row_shape states values words)
   target_sources(conformance_cases PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${source}.cpp)
 endforeach()
+target_include_directories(conformance_cases PUBLIC # fp_registers.h, by processor
+                           ${CMAKE_CURRENT_LIST_DIR}/${CMAKE_SYSTEM_PROCESSOR})
 target_link_libraries(conformance_cases PUBLIC sve)
 if(TESSALY_SANITIZE)
   # GCC 12 raises a false alarm within std::regex.

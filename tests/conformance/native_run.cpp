@@ -10,6 +10,7 @@
 #include <sys/prctl.h>
 #include <ucontext.h>
 
+#include "fp_registers.h"
 #include "sve/decode/sve_utils.h"
 
 extern "C" {
@@ -110,20 +111,6 @@ std::uint32_t branch_to_return(const std::uint32_t* from) {
   return branch | (static_cast<std::uint32_t>(distance >> 2) & 0x03ffffff);
 }
 
-struct fp_registers {
-  std::uint64_t fpcr, fpsr;
-};
-
-fp_registers read_fp_registers() {
-  fp_registers values{};
-  asm volatile("mrs %0, fpcr\n\tmrs %1, fpsr" : "=r"(values.fpcr), "=r"(values.fpsr));
-  return values;
-}
-
-void write_fp_registers(fp_registers values) {
-  asm volatile("msr fpcr, %0\n\tmsr fpsr, %1" : : "r"(values.fpcr), "r"(values.fpsr) : "memory");
-}
-
 }  // namespace
 
 void start_native_runs() {
@@ -162,14 +149,14 @@ emulated_outcome run_emulated(std::uint32_t word, cpu_state& state) {
   state.pc = program;
   raised_signal = 0;
   raised_address = 0;
-  const fp_registers own = read_fp_registers();
   emulated_outcome outcome;
-  if (sigsetjmp(emulation_stopped, 0) == 0) {
-    now_running = running::emulation;
-    write_fp_registers({state.fpcr, state.fpsr});
-    outcome.rc = execute_sve_instruction(&state);
+  {
+    const fp_registers_of scope(state);
+    if (sigsetjmp(emulation_stopped, 0) == 0) {
+      now_running = running::emulation;
+      outcome.rc = execute_sve_instruction(&state);
+    }
   }
-  write_fp_registers(own);
   now_running = running::neither;
   outcome.signal = raised_signal;
   outcome.fault_address = raised_address;
