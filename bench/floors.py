@@ -37,6 +37,7 @@ OPERATIONS = [
     ("sve_movprfx_*", 0, None),
     ("sve_cpy_*", 0, None),
     ("sve_dup*", 0, 0),
+    ("sve_fdup*", 0, 0),
     ("sve_lsl_zpz.D", 3, None),  # USHL, CMHI, AND
     ("sve_lsl_zpz.?", 2, None),  # UMIN, USHL
     ("sve_lsr_zpz.D", 4, None),  # NEG, USHL, CMHI, AND
@@ -67,6 +68,7 @@ BY_NAME = (r"_(and|orr|eor|bic)_(zzz|zi)|dupm|movprfx_zz|_adr_|unpk|_ext_|_(inc|
            r"wrffr|setffr|pfalse|pppp|xtw_|revw")
 
 BY_ELEMENT = "a loop over elements that branches on the predicate"
+FLAGS_BY_ELEMENT = BY_ELEMENT + ", as an inactive one must raise no flag"
 NO_FLOOR = [
     ("sve_?div*", BY_ELEMENT),
     ("sve_mul_*.D", BY_ELEMENT + ": there is no vector multiply of doublewords"),
@@ -85,6 +87,9 @@ NO_FLOOR = [
     ("sve_ld[1234fn]*", BY_ELEMENT + ", as inactive memory must not be touched"),
     ("sve_st[1234n]*", BY_ELEMENT + ", as inactive memory must not be touched"),
     ("sve_*_r*", "scalar arithmetic"),
+    ("sve_fdiv*", FLAGS_BY_ELEMENT),
+    ("sve_f[!d]*", FLAGS_BY_ELEMENT),
+    ("sve_[su]cvtf_*", FLAGS_BY_ELEMENT),
 ]
 
 PERMUTE = "a loop over elements, for which the compiler takes more shuffles than there need be"

@@ -30,11 +30,6 @@ aarch64_decode_rc fast_fp_handler(cpu_state* state, unsigned word) {
 
 inline aarch64_decode_rc no_op_handler(cpu_state*, unsigned) { return aarch64_decode_ok; }
 
-// Serves the rows whose operation does not exist yet: the instruction is recognised and reported.
-inline aarch64_decode_rc unwritten_handler(cpu_state*, unsigned) {
-  return aarch64_decode_unimplemented;
-}
-
 // Whether descriptors read every operand field of a pattern; a row that forgets one does not
 // compile.
 template <word_pattern Pattern, class... Operands>

@@ -19,8 +19,7 @@ template <word_pattern Pattern>
 inline constexpr word_pattern stored_pattern = Pattern;
 
 template <word_pattern Pattern>
-consteval instruction_row row(std::string_view name, row_kind kind, bool written,
-                              decode_handler handler) {
+consteval instruction_row row(std::string_view name, row_kind kind, decode_handler handler) {
   constexpr std::size_t map = map_with_key_mask(Pattern.fixed_mask());
   static_assert(map != no_map, "the fixed bits of a pattern must be exactly the ranges of a map");
   return {.pattern = {stored_pattern<Pattern>.text, 32},
@@ -28,26 +27,25 @@ consteval instruction_row row(std::string_view name, row_kind kind, bool written
           .handler = handler,
           .map = map,
           .key = static_cast<int>(gather_bits(Pattern.fixed_bits(), Pattern.fixed_mask())),
-          .kind = kind,
-          .written = written};
+          .kind = kind};
 }
 
 template <word_pattern Pattern, auto Function, class... Operands>
 consteval instruction_row fast_row(std::string_view name) {
   static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::fast, true, &fast_handler<Pattern, Function, Operands...>);
+  return row<Pattern>(name, row_kind::fast, &fast_handler<Pattern, Function, Operands...>);
 }
 
 template <word_pattern Pattern, auto Function, class... Operands>
 consteval instruction_row fast_fp_row(std::string_view name) {
   static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::fast, true, &fast_fp_handler<Pattern, Function, Operands...>);
+  return row<Pattern>(name, row_kind::fast, &fast_fp_handler<Pattern, Function, Operands...>);
 }
 
 template <word_pattern Pattern, auto Function, class Result, class... Operands>
 consteval instruction_row bridge_row(std::string_view name) {
   static_assert(reads_all_fields<Pattern, Result, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::bridge, true,
+  return row<Pattern>(name, row_kind::bridge,
                       &bridge_handler<Pattern, Function, Result, Operands...>);
 }
 
@@ -55,9 +53,7 @@ consteval instruction_row bridge_row(std::string_view name) {
 #define FAST(pattern, name, ...) fast_row<pattern, __VA_ARGS__>(#name),
 #define FAST_FP(pattern, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#name),
 #define BRIDGE(pattern, name, ...) bridge_row<pattern, &name, __VA_ARGS__>(#name),
-#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, true, &no_op_handler),
-#define UNWRITTEN(pattern, name, kind) \
-  row<pattern>(#name, row_kind::kind, false, &unwritten_handler),
+#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, &no_op_handler),
 
 constexpr instruction_row table[] = {
 #include "sve/decode/instructions.inc"

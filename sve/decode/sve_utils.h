@@ -40,7 +40,6 @@ struct instruction_row {
   std::size_t map;  // index into decode_map_names()
   int key;          // the row's key in that map
   row_kind kind;
-  bool written;  // false: recognised, but the handler only reports 2
 
   // The bits that the pattern fixes, and their values.
   std::uint32_t fixed_mask() const;
@@ -58,5 +57,5 @@ const instruction_row* find_row(std::uint32_t word);
 
 }  // namespace sve
 
-// Prints the table, one line a row: pattern, kind, name, and what is not written yet.
+// Prints the table, one line a row: pattern, kind, name.
 extern "C" void list_sve_instructions(std::FILE* out);

@@ -9,7 +9,7 @@
 
 namespace conformance {
 
-enum class row_status { passing, failing, not_written };
+enum class row_status { passing, failing };
 
 struct row_result {
   const sve::instruction_row* row;

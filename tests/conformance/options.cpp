@@ -19,16 +19,15 @@ at the vector length of the build, and through the emulation, and compares all t
   --seed N           make words and states from N (default: a random number, which is printed)
   --row NAME         only this row; * ? and [] as in the shell; may be given several times
   --shard I/N        only every N-th row, starting with the I-th
-  --only-written     leave out rows whose operation is not written yet
   --word WORD        run this instruction word only, --count times (default 1)
   --state-seed N     make the first machine state of --word from N
   --list             list the rows and run nothing
-  --output FILE      write a line for each row to FILE: name, family, kind, pattern, status, words
-                     compared, failed and reserved, between tabs
+  --output FILE      write the summary to FILE, too, and below it a line for each row: name, family,
+                     kind, pattern, status, words compared, failed and reserved, between tabs
   --self-check       show that the comparison notices a fault of each kind, and nothing else
   --help             print this text
 
-Exit status: 0 if at least one row ran and none failed, 1 if one failed, 2 if the test could not run.
+Exit status: 0 if no row failed, 1 if one did, 2 if the test could not run.
 )";
 
 [[noreturn]] void refuse(const std::string& what) {
@@ -73,7 +72,6 @@ enum option_code : int {
   count_option,
   row_option,
   shard_option,
-  written_option,
   word_option,
   state_option,
   list_option,
@@ -88,7 +86,6 @@ constexpr option long_options[] = {
     {"count", required_argument, nullptr, count_option},
     {"row", required_argument, nullptr, row_option},
     {"shard", required_argument, nullptr, shard_option},
-    {"only-written", no_argument, nullptr, written_option},
     {"word", required_argument, nullptr, word_option},
     {"state-seed", required_argument, nullptr, state_option},
     {"list", no_argument, nullptr, list_option},
@@ -109,7 +106,6 @@ void apply(options& chosen, int code, const std::string& last_argument) {
     case count_option: chosen.count = count(optarg); break;
     case row_option: chosen.rows.emplace_back(optarg); break;
     case shard_option: set_shard(chosen, optarg); break;
-    case written_option: chosen.only_written = true; break;
     case word_option:
       chosen.word = static_cast<std::uint32_t>(number("--word", optarg, UINT32_MAX));
       break;

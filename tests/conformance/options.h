@@ -17,7 +17,6 @@ struct options {
   std::optional<std::uint64_t> state_seed;
   std::string output;  // file for the full list, or empty
   bool list = false;
-  bool only_written = false;
   bool self_check = false;
 };
 

@@ -75,27 +75,24 @@ const char* kind_name(sve::row_kind kind) {
 }
 
 const char* status_name(row_status status) {
-  if (status == row_status::passing) return "passing";
-  return status == row_status::failing ? "failing" : "not written";
+  return status == row_status::passing ? "passing" : "failing";
 }
 
 std::string text(std::string_view view) { return std::string{view}; }
 
 struct tally {
-  unsigned passing = 0, failing = 0, not_written = 0;
+  unsigned passing = 0, failing = 0;
   unsigned long compared = 0, reserved = 0;
 
   void add(const row_result& result) {
     passing += result.status == row_status::passing ? 1 : 0;
     failing += result.status == row_status::failing ? 1 : 0;
-    not_written += result.status == row_status::not_written ? 1 : 0;
     compared += result.compared;
     reserved += result.reserved;
   }
 
-  void print(const char* family, const char* kind) const {
-    std::printf("%-32s %-7s %8u %8u %12u %10lu\n", family, kind, passing, failing, not_written,
-                compared);
+  void print(std::FILE* out, const char* family, const char* kind) const {
+    std::fprintf(out, "%-32s %-7s %8u %8u %10lu\n", family, kind, passing, failing, compared);
   }
 };
 
@@ -104,9 +101,19 @@ void print_fields(const test_case& tested) {
     std::printf(" %c=%u", field.letter, tested.shape->value(field.letter, tested.word));
 }
 
-void print_failing_rows(const std::vector<row_result>& results) {
+void report_row(std::FILE* out, const row_result& result) {
+  const std::string name = text(result.row->name);
+  if (result.compared == 0)
+    std::fprintf(out, "failing: %s: the processor refused all %u words\n", name.c_str(),
+                 result.reserved);
+  else
+    std::fprintf(out, "failing: %s: %u of %u words\n", name.c_str(), result.failed,
+                 result.compared);
+}
+
+void print_failing_rows(std::FILE* out, const std::vector<row_result>& results) {
   for (const row_result& result : results)
-    if (result.status == row_status::failing) report_row(result);
+    if (result.status == row_status::failing) report_row(out, result);
 }
 
 }  // namespace
@@ -131,40 +138,35 @@ void report_failure(const test_case& tested, const std::vector<difference>& foun
   std::fflush(stdout);
 }
 
-void report_row(const row_result& result) {
-  const std::string name = text(result.row->name);
-  if (result.compared == 0)
-    std::printf("failing: %s: the processor refused all %u words\n", name.c_str(), result.reserved);
-  else
-    std::printf("failing: %s: %u of %u words\n", name.c_str(), result.failed, result.compared);
-}
-
-void print_summary(const std::vector<row_result>& results) {
+void print_summary(std::FILE* out, const std::vector<row_result>& results) {
   std::map<std::pair<std::string, std::string>, tally> groups;
   tally total;
   for (const row_result& result : results) {
     groups[{family_of(*result.row), kind_name(result.row->kind)}].add(result);
     total.add(result);
   }
-  std::printf("\n%-32s %-7s %8s %8s %12s %10s\n", "family", "kind", "passing", "failing",
-              "not written", "words");
-  for (const auto& [group, count] : groups) count.print(group.first.c_str(), group.second.c_str());
-  total.print("all", "");
-  std::printf("%lu reserved words left out\n", total.reserved);
-  print_failing_rows(results);
+  std::fprintf(out, "\n%-32s %-7s %8s %8s %10s\n", "family", "kind", "passing", "failing", "words");
+  for (const auto& [group, count] : groups)
+    count.print(out, group.first.c_str(), group.second.c_str());
+  total.print(out, "all", "");
+  std::fprintf(out, "%lu reserved words left out\n", total.reserved);
+  print_failing_rows(out, results);
 }
 
 void print_list(const std::vector<const sve::instruction_row*>& rows) {
   for (const sve::instruction_row* row : rows)
-    std::printf("%s %-7s %s%s\n", text(row->pattern).c_str(), kind_name(row->kind),
-                text(row->name).c_str(), row->written ? "" : " (not written)");
+    std::printf("%s %-7s %s\n", text(row->pattern).c_str(), kind_name(row->kind),
+                text(row->name).c_str());
 }
 
-bool write_results(const std::string& path, const std::vector<row_result>& results) {
+bool write_results(const std::string& path, const std::string& heading,
+                   const std::vector<row_result>& results) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file{std::fopen(path.c_str(), "w"),
                                                              std::fclose};
   if (!file) return false;
-  std::fputs("name\tfamily\tkind\tpattern\tstatus\tcompared\tfailed\treserved\n", file.get());
+  std::fputs(heading.c_str(), file.get());
+  print_summary(file.get(), results);
+  std::fputs("\nname\tfamily\tkind\tpattern\tstatus\tcompared\tfailed\treserved\n", file.get());
   for (const row_result& result : results)
     std::fprintf(file.get(), "%s\t%s\t%s\t%s\t%s\t%u\t%u\t%u\n", text(result.row->name).c_str(),
                  family_of(*result.row), kind_name(result.row->kind),

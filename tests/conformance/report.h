@@ -1,6 +1,7 @@
 // What the conformance test prints.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -11,16 +12,15 @@ namespace conformance {
 // A case that failed: the word and its fields, what differs, and the command that repeats it.
 void report_failure(const test_case& tested, const std::vector<difference>& found);
 
-// One line for a row that failed.
-void report_row(const row_result& result);
+// Rows passing and failing, by family and kind, and in all.
+void print_summary(std::FILE* out, const std::vector<row_result>& results);
 
-// Rows passing, failing and not written, by family and kind, and in all.
-void print_summary(const std::vector<row_result>& results);
-
-// The rows by themselves, with what is not written yet.
+// The rows by themselves.
 void print_list(const std::vector<const sve::instruction_row*>& rows);
 
-// A line for each row. False, with errno set, if the file cannot be written.
-bool write_results(const std::string& path, const std::vector<row_result>& results);
+// The heading, the summary, and a line for each row. False, with errno set, if the file cannot be
+// written.
+bool write_results(const std::string& path, const std::string& heading,
+                   const std::vector<row_result>& results);
 
 }  // namespace conformance

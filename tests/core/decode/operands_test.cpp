@@ -52,7 +52,6 @@ const std::map<std::string_view, std::function<std::string(unsigned)>>& printers
 #define FAST_FP FAST
 #define BRIDGE(pattern, name, result, ...) {#name, operands_of<pattern, ##__VA_ARGS__>},
 #define NO_OP(pattern, name)
-#define UNWRITTEN(pattern, name, kind)
 #include "sve/decode/instructions.inc"
   };
   return all;
