@@ -29,3 +29,9 @@ void check_equal(const char* what, const void* result, const void* expected, siz
     exit(1);
   }
 }
+
+void check_at_most(const char* what, double error, double bound) {
+  if (error <= bound) return;
+  printf("%s: an error of %g, above the bound of %g\n", what, error, bound);
+  exit(1);
+}

@@ -4,8 +4,9 @@
 #include <stddef.h>  // NOLINT(modernize-deprecated-headers): C includes this file, too
 #include <stdint.h>  // NOLINT(modernize-deprecated-headers): as above
 
-// The reference beside an SVE function: compiled for a processor without SVE, and not vectorised.
-#define SCALAR __attribute__((noinline, target("arch=armv8-a"), optimize("no-tree-vectorize")))
+// The reference beside an SVE function: compiled for a processor without SVE, not vectorised, and
+// without what the compiler knows of its callers, whose vector length would need SVE here.
+#define SCALAR __attribute__((noipa, target("arch=armv8-a"), optimize("no-tree-vectorize")))
 
 #ifdef __cplusplus
 extern "C" {
@@ -19,6 +20,9 @@ uint64_t fingerprint(const void* data, size_t bytes);
 
 // Ends the program with status 1, and says where, if the two results differ.
 void check_equal(const char* what, const void* result, const void* expected, size_t bytes);
+
+// The same where an error is above the bound that is claimed for it, or is a NaN.
+void check_at_most(const char* what, double error, double bound);
 
 #ifdef __cplusplus
 }
