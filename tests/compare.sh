@@ -1,7 +1,7 @@
 #!/bin/bash
-# Runs a program on a processor with SVE and, under the launcher, on one without. Fails unless both
-# print the same, byte for byte, and end with the same status, and the launcher's last words are the
-# two count lines.
+# Runs a program on a processor with SVE and, under the launcher, on one without, each time in an
+# empty directory. Fails unless both succeed, print the same and write the same files, byte for byte,
+# and the launcher's last words are the two count lines.
 #
 # compare.sh PROGRAM REFERENCE... -- LAUNCHER...
 set -u
@@ -22,13 +22,16 @@ fail() {
   exit 1
 }
 
-"${reference[@]}" "$program" >"$out/expected" 2>"$out/stderr"
-expected_status=$?
-[ $expected_status = 0 ] || fail "ends with status $expected_status on the reference"
-"$@" "$program" >"$out/stdout" 2>"$out/stderr"
-status=$?
-[ $status = $expected_status ] || fail "ends with status $status under the launcher"
-diff "$out/expected" "$out/stdout" || fail "prints something else under the launcher"
+# run DIRECTORY COMMAND...
+run() {
+  mkdir "$out/$1" && cd "$out/$1" || exit 2
+  shift
+  "$@" "$program" >stdout 2>"$out/stderr"
+}
+
+run expected "${reference[@]}" || fail "ends with status $? on the reference"
+run emulated "$@" || fail "ends with status $? under the launcher"
+diff -r "$out/expected" "$out/emulated" || fail "gives something else under the launcher"
 
 name=${program##*/}
 tail -n 2 "$out/stderr" | tr '\n' ';' |
