@@ -28,6 +28,7 @@ find_missing() {
   need ninja ninja-build
   need g++ g++ # also where the product is cross-compiled: its benchmark's counter runs in QEMU
   need /usr/src/googletest/CMakeLists.txt googletest
+  need /usr/include/stb/stb_image_write.h libstb-dev
   case $(uname -m) in
     x86_64)
       need aarch64-linux-gnu-g++ g++-aarch64-linux-gnu
