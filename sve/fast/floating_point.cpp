@@ -8,6 +8,7 @@
 
 #include "scalar_unit.h"
 #include "sve/fast/element_loops.h"
+#include "sve/fp/format.h"
 
 using namespace sve::fast;
 using sve::vector_bytes;
@@ -41,25 +42,11 @@ inline rc unpredicated(cpu_state* s, Z zd, Op op, Sources... sources) {
   return by_format(code(zd), [&]<class T>() { compute<T>(s, zd, on_unit(s, op), sources...); });
 }
 
-// The constants of the immediate forms, by format.
-template <class T>
-struct constants;
-template <>
-struct constants<U32> {
-  static constexpr U32 half = 0x3f000000, one = 0x3f800000, two = 0x40000000,
-                       default_nan = 0x7fc00000;
-};
-template <>
-struct constants<U64> {
-  static constexpr U64 half = 0x3fe0000000000000, one = 0x3ff0000000000000,
-                       two = 0x4000000000000000, default_nan = 0x7ff8000000000000;
-};
-
 constexpr auto half_or_one = []<class T>(arith_imm imm) {
-  return imm.select != 0 ? constants<T>::one : constants<T>::half;
+  return sve::format<T>::power_of_two(imm.select != 0 ? 0 : -1);
 };
 constexpr auto half_or_two = []<class T>(arith_imm imm) {
-  return imm.select != 0 ? constants<T>::two : constants<T>::half;
+  return sve::format<T>::power_of_two(imm.select != 0 ? 1 : -1);
 };
 
 template <class Op, class Constant>
@@ -114,7 +101,7 @@ T reduce_pairs(const unsigned char* vector, const unsigned char* predicate, Op o
   T x[leaves];
   for (unsigned i = 0; i < leaves; ++i) {
     const bool counts = i < sve::elements<T> && sve::active<T>(predicate, i);
-    x[i] = counts ? sve::element<T>(vector, i) : constants<T>::default_nan;
+    x[i] = counts ? sve::element<T>(vector, i) : sve::format<T>::default_nan;
   }
   for (unsigned pairs = leaves / 2; pairs > 0; pairs /= 2) {
     for (unsigned j = 0; j < pairs; ++j) x[j] = op(x[2 * j], x[2 * j + 1]);

@@ -1,6 +1,7 @@
 // Each operation is one call of the floating-point library, or one expression on the bits.
 #include <type_traits>
 
+#include "sve/fp/format.h"
 #include "sve/semantics/floating_point.h"
 #include "sve/semantics/floating_point_elements.h"
 
@@ -53,10 +54,13 @@ struct constant {
   F32 single;
   D64 dbl;
 };
+constexpr constant power_of_two(int exponent) {
+  return {format<F32>::power_of_two(exponent), format<D64>::power_of_two(exponent)};
+}
 constexpr constant zero{0, 0};
-constexpr constant half{0x3f000000, 0x3fe0000000000000};
-constexpr constant one{0x3f800000, 0x3ff0000000000000};
-constexpr constant two{0x40000000, 0x4000000000000000};
+constexpr constant half = power_of_two(-1);
+constexpr constant one = power_of_two(0);
+constexpr constant two = power_of_two(1);
 
 template <class T>
 T in_format(constant k, Ctx ctx) {
@@ -98,7 +102,7 @@ VecV exponential(V a, Ctx ctx) {
 // FTSSEL: 1.0 or a by bit 0 of b, negated by bit 1.
 template <class T>
 VecV trig_select(V a, V b, Ctx ctx) {
-  constexpr T plus_one = sizeof(T) == 2 ? 0x3c00 : sizeof(T) == 4 ? one.single : one.dbl;
+  constexpr T plus_one = format<T>::power_of_two(0);
   return unpredicated<T>(ctx, [&](unsigned e) {
     const T selector = b.get<T>(e);
     const T x = (selector & 1) != 0 ? plus_one : a.get<T>(e);

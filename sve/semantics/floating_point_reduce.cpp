@@ -2,6 +2,7 @@
 // reductions combine neighbours, then neighbours of these.
 #include <bit>
 
+#include "sve/fp/format.h"
 #include "sve/semantics/floating_point.h"
 #include "sve/semantics/floating_point_elements.h"
 
@@ -10,21 +11,6 @@ using namespace sve::semantics;
 using namespace sve::semantics::floating_point;
 
 namespace {
-
-template <class T>
-struct format;
-template <>
-struct format<F16> {
-  static constexpr F16 infinity = 0x7c00, default_nan = 0x7e00;
-};
-template <>
-struct format<F32> {
-  static constexpr F32 infinity = 0x7f800000, default_nan = 0x7fc00000;
-};
-template <>
-struct format<D64> {
-  static constexpr D64 infinity = 0x7ff0000000000000, default_nan = 0x7ff8000000000000;
-};
 
 // The values that leave the other operand as it is, of a sum, a maximum, a minimum, and of those
 // that prefer numbers.
