@@ -3,7 +3,7 @@
 # empty directory. Fails unless both succeed, print the same and write the same files, byte for byte,
 # and the launcher's last words are the two count lines.
 #
-# compare.sh PROGRAM REFERENCE... -- LAUNCHER...
+# compare.sh PROGRAM REFERENCE... -- LAUNCHER..., with absolute paths
 set -u
 program=$1
 shift
