@@ -38,22 +38,28 @@ namespace sve::fast {
   }
 // The condition holds for the flags of the comparison; none that is used here does for unordered
 // operands, but `ne` and `vs`.
-#define COMPARE(name, mnemonic, condition)                                         \
-  static bool name(std::uint32_t a, std::uint32_t b) {                             \
-    bool holds;                                                                    \
-    asm volatile(mnemonic " %s1, %s2" : "=@cc" condition(holds) : "w"(a), "w"(b)); \
-    return holds;                                                                  \
-  }                                                                                \
-  static bool name(std::uint64_t a, std::uint64_t b) {                             \
-    bool holds;                                                                    \
-    asm volatile(mnemonic " %d1, %d2" : "=@cc" condition(holds) : "w"(a), "w"(b)); \
-    return holds;                                                                  \
+#define COMPARE(name, mnemonic, condition)                    \
+  static bool name(std::uint32_t a, std::uint32_t b) {        \
+    bool holds;                                               \
+    asm volatile(mnemonic " %s1, %s2\n\tcset %w0, " condition \
+                 : "=r"(holds)                                \
+                 : "w"(a), "w"(b)                             \
+                 : "cc");                                     \
+    return holds;                                             \
+  }                                                           \
+  static bool name(std::uint64_t a, std::uint64_t b) {        \
+    bool holds;                                               \
+    asm volatile(mnemonic " %d1, %d2\n\tcset %w0, " condition \
+                 : "=r"(holds)                                \
+                 : "w"(a), "w"(b)                             \
+                 : "cc");                                     \
+    return holds;                                             \
   }
-#define CONVERT(name, To, From, operands)           \
-  static To name(From a) {                          \
-    To result;                                      \
-    asm volatile(operands : "=w"(result) : "r"(a)); \
-    return result;                                  \
+#define CONVERT(name, To, From, mnemonic, operands)              \
+  static To name(From a) {                                       \
+    To result;                                                   \
+    asm volatile(mnemonic " " operands : "=w"(result) : "r"(a)); \
+    return result;                                               \
   }
 
 struct scalar_unit {
@@ -78,13 +84,13 @@ struct scalar_unit {
   COMPARE(greater_or_equal, "fcmpe", "ge")
   COMPARE(greater, "fcmpe", "gt")
 
-  CONVERT(to_single, std::uint32_t, std::int32_t, "scvtf %s0, %w1")
-  CONVERT(to_single, std::uint32_t, std::uint32_t, "ucvtf %s0, %w1")
-  CONVERT(to_single, std::uint32_t, std::int64_t, "scvtf %s0, %x1")
-  CONVERT(to_double, std::uint64_t, std::int32_t, "scvtf %d0, %w1")
-  CONVERT(to_double, std::uint64_t, std::uint32_t, "ucvtf %d0, %w1")
-  CONVERT(to_double, std::uint64_t, std::int64_t, "scvtf %d0, %x1")
-  CONVERT(to_double, std::uint64_t, std::uint64_t, "ucvtf %d0, %x1")
+  CONVERT(to_single, std::uint32_t, std::int32_t, "scvtf", "%s0, %w1")
+  CONVERT(to_single, std::uint32_t, std::uint32_t, "ucvtf", "%s0, %w1")
+  CONVERT(to_single, std::uint32_t, std::int64_t, "scvtf", "%s0, %x1")
+  CONVERT(to_double, std::uint64_t, std::int32_t, "scvtf", "%d0, %w1")
+  CONVERT(to_double, std::uint64_t, std::uint32_t, "ucvtf", "%d0, %w1")
+  CONVERT(to_double, std::uint64_t, std::int64_t, "scvtf", "%d0, %x1")
+  CONVERT(to_double, std::uint64_t, std::uint64_t, "ucvtf", "%d0, %x1")
 
   // -addend - a x b, rounded once.
   static std::uint32_t negated_multiply_add(std::uint32_t addend, std::uint32_t a,
