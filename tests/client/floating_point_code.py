@@ -55,6 +55,13 @@ def is_call(instruction):
     return instruction[0] in ("bl", "blr")
 
 
+def leaves(instruction, function):
+    """Whether it is a call by a branch, at the end of a function."""
+    mnemonic, operands = instruction
+    target = re.search(r"<([^+>]+)", operands)
+    return mnemonic == "br" or (mnemonic == "b" and target[1] != function.name)
+
+
 def status_accesses(function):
     """The positions of instructions that read or write FPSR or FPCR."""
     return [i for i, (mnemonic, operands) in enumerate(function.instructions)
@@ -64,7 +71,7 @@ def status_accesses(function):
 def faults_of_fast_path(function, operation):
     if raising(function) != {INSTRUCTION[operation]}:
         yield f"raises flags with {raising(function)}, not with {INSTRUCTION[operation]}"
-    if any(is_call(i) or i[0] == "br" for i in function.instructions):
+    if any(is_call(i) or leaves(i, function) for i in function.instructions):
         yield "has a call"
 
 
