@@ -29,8 +29,8 @@ struct alignas(16) thread_context {
   std::uint64_t exit_entry;  // leave_cache_with_record
   std::uint64_t call_entry;  // call_client
   const exit_record* exit;   // how the cache was left
-  std::uint64_t stop_requested;
-  std::uint64_t slots[9];  // the client's save slots
+  std::uint64_t attention;   // a signal, a flush or the end waits: leave the cache soon
+  std::uint64_t slots[9];    // the client's save slots
   alignas(16) std::uint8_t q[32][16];
 };
 
@@ -51,7 +51,7 @@ static_assert(CONTEXT_BRANCH_TABLE <= 504, "must be <= 504 for LDP to reach it")
 static_assert(offsetof(thread_context, exit_entry) == CONTEXT_EXIT_ENTRY);
 static_assert(offsetof(thread_context, call_entry) == CONTEXT_CALL_ENTRY);
 static_assert(offsetof(thread_context, exit) == CONTEXT_EXIT);
-static_assert(offsetof(thread_context, stop_requested) == CONTEXT_STOP);
+static_assert(offsetof(thread_context, attention) == CONTEXT_ATTENTION);
 static_assert(offsetof(thread_context, slots) == CONTEXT_SLOTS);
 static_assert(offsetof(thread_context, q) == CONTEXT_Q);
 static_assert(CONTEXT_Q % 16 == 0, "LDR and STR of a Q register scale their displacement by 16");

@@ -33,6 +33,11 @@ enter_cache:
   mov x2, x1
   mov x9, sp
   str x9, [x28, #CONTEXT_HOST_SP]
+  .globl enter_cache_prepared
+  .hidden enter_cache_prepared
+enter_cache_prepared:
+  ldr x9, [x28, #CONTEXT_ATTENTION]
+  cbnz x9, leave_cache_at_once
   add x9, x28, #CONTEXT_Q
   ldp q0, q1, [x9], #32
   ldp q2, q3, [x9], #32
@@ -76,6 +81,9 @@ enter_cache:
   ldp x26, x27, [x28, #208]
   ldp x29, x30, [x28, #232]
   br x2
+  .globl enter_cache_end
+  .hidden enter_cache_end
+enter_cache_end:
   .size enter_cache, . - enter_cache
 
 // From the cache: X0 and X30 are at home, and X30 points at the address of an exit record.
@@ -130,13 +138,18 @@ leave_cache_with_record:
   stp q26, q27, [x9], #32
   stp q28, q29, [x9], #32
   stp q30, q31, [x9]
+  b leave_cache
   .size leave_cache_with_record, . - leave_cache_with_record
 
-// Returns to the caller of enter_cache. Needs X28 and the host's TPIDR_EL0, and nothing else: a
-// signal handler may continue here, to take a thread out of the cache for good.
+// Returns to the caller of enter_cache. Needs X28 and the host's TPIDR_EL0, and nothing else: the
+// signal entry goes on here with a thread whose state it has seen to.
   .globl leave_cache
   .hidden leave_cache
   .type leave_cache, %function
+leave_cache_at_once:
+  adrp x9, interrupted_record
+  add x9, x9, :lo12:interrupted_record
+  str x9, [x28, #CONTEXT_EXIT]
 leave_cache:
   ldr x9, [x28, #CONTEXT_HOST_SP]
   mov sp, x9
@@ -173,18 +186,25 @@ call_client:
   ldr x10, [x28, #CONTEXT_HOST_SP]
   mov sp, x10
   blr x9
-  ldr x10, [x28, #CONTEXT_STOP]
-  cbnz x10, 1f
+  ldr x10, [x28, #CONTEXT_ATTENTION]
+  .globl call_client_checked
+  .hidden call_client_checked
+call_client_checked:
+  cbnz x10, 2f
+1:
   ldr x10, [x28, #CONTEXT_SP]
   mov sp, x10
   ldr x10, [x28, #CONTEXT_TPIDR]
   msr tpidr_el0, x10
   br x19
-1:
-  adrp x10, stop_record
-  add x10, x10, :lo12:stop_record
-  str x10, [x28, #CONTEXT_EXIT]
-  b leave_cache
+  .globl call_client_end
+  .hidden call_client_end
+call_client_end:
+2:
+  mov x0, x28
+  mov x1, x19
+  bl leave_after_call
+  b 1b
   .size call_client, . - call_client
 
   .section .note.GNU-stack, "", %progbits

@@ -7,21 +7,22 @@
 #include "host/events.h"
 #include "host/fatal.h"
 #include "host/memory_map.h"
-#include "host/signals.h"
+#include "host/signal_delivery.h"
 #include "host/syscalls.h"
-
-constinit const host::exit_record stop_record = {.kind = host::exit_kind::stopped};
 
 namespace host {
 namespace {
 
 constexpr std::uint64_t instruction_cache_line = 64;  // at least; CTR_EL0.IminLine may say less
 
-const fragment& translate(thread_state& thread, std::uint64_t pc, const exit_record*& came_from) {
-  if (const fragment* known = thread.cache.find(pc)) return *known;
-  if (pc % 4 != 0) raise_fetch_fault(SIGBUS, pc);
-  const auto block = build_block(thread, pc);
-  if (!block) raise_fetch_fault(SIGSEGV, pc);
+// Null: there is no code at pc, and the fault waits.
+const fragment* translate(thread_state& thread, std::uint64_t pc, const exit_record*& came_from) {
+  if (const fragment* known = thread.cache.find(pc)) return known;
+  const auto block = pc % 4 == 0 ? build_block(thread, pc) : std::nullopt;
+  if (!block) {
+    raise_fetch_fault(thread, pc % 4 == 0 ? SIGSEGV : SIGBUS);
+    return nullptr;
+  }
   const fragment* made = thread.cache.install(pc, *block);
   if (made == nullptr) {
     thread.cache.flush();
@@ -29,7 +30,7 @@ const fragment& translate(thread_state& thread, std::uint64_t pc, const exit_rec
     made = thread.cache.install(pc, *block);
   }
   if (made == nullptr) fatal("the block at %#lx is larger than the code cache", pc);
-  return *made;
+  return made;
 }
 
 void invalidate_line(const thread_state& thread, unsigned reg) {
@@ -50,7 +51,14 @@ class dispatcher {
   explicit dispatcher(thread_state& thread) : thread_(thread) {}
 
   void run() {
-    while (!ended_ && thread_.context.stop_requested == 0) run_block();
+    while (!ended_ && !thread_.stop_requested) {
+      if (std::atomic_ref(thread_.context.attention).exchange(0) != 0) {
+        deliver_signals(thread_);
+        came_from_ = nullptr;
+      } else {
+        run_block();
+      }
+    }
   }
 
  private:
@@ -59,16 +67,27 @@ class dispatcher {
       thread_.cache.flush();
       came_from_ = nullptr;
     }
-    const fragment& next = translate(thread_, thread_.context.pc, came_from_);
+    const fragment* const next = translate(thread_, thread_.context.pc, came_from_);
+    if (next == nullptr) return;
     if (came_from_ != nullptr && came_from_->kind == exit_kind::direct) {
-      code_cache::link(*came_from_, next);
+      code_cache::link(*came_from_, *next);
     }
     if (came_from_ != nullptr && came_from_->kind == exit_kind::indirect) {
-      thread_.cache.admit(next);
+      thread_.cache.admit(*next);
     }
-    if (thread_.flush_requested) return;  // came while the lookup table was written
-    enter_cache(&thread_.context, next.code);
-    leave(*thread_.context.exit);
+    run_in_cache(*next);
+  }
+
+  // Whoever asks for a flush looks at in_cache after the request, and this thread at the request
+  // after it has set in_cache: one of the two sees the other.
+  void run_in_cache(const fragment& next) {
+    thread_.in_cache = true;
+    if (!thread_.flush_requested) {
+      enter_cache(&thread_.context, next.code);
+      thread_.in_cache = false;
+      leave(*thread_.context.exit);
+    }
+    thread_.in_cache = false;
   }
 
   void leave(const exit_record& exit) {
@@ -76,7 +95,7 @@ class dispatcher {
     switch (exit.kind) {
       case exit_kind::indirect: return;  // thread_context::pc is set
       case exit_kind::direct: break;
-      case exit_kind::stopped: return;
+      case exit_kind::interrupted: came_from_ = nullptr; return;
       case exit_kind::refused: refuse(exit);
       case exit_kind::invalidate: invalidate_line(thread_, exit.reg); break;
       case exit_kind::supervisor_call:

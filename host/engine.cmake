@@ -7,6 +7,7 @@ add_library(host_engine OBJECT
   api_instructions.cpp
   api_operands.cpp
   api_process.cpp
+  application_call.S
   assembler.cpp
   block_builder.cpp
   block_code.cpp
@@ -16,12 +17,17 @@ add_library(host_engine OBJECT
   dispatch.cpp
   events.cpp
   fatal.cpp
+  guarded_copy.S
   instruction_list.cpp
   mangle.cpp
   memory_map.cpp
   program_break.cpp
   register_fields.cpp
   runtime.cpp
+  signal_actions.cpp
+  signal_calls.cpp
+  signal_delivery.cpp
+  signal_frame.cpp
   signals.cpp
   syscalls.cpp
   thread.cpp

@@ -47,6 +47,7 @@ event<void (*)(void*)> thread_init;
 event<void (*)(void*)> thread_exit;
 event<void (*)()> process_exit;
 event<drmgr_xform_cb_t> block;
+event<void (*)(void*, const dr_kernel_xfer_info_t*)> kernel_transfer;
 
 std::mutex tls_mutex;
 bool tls_field_taken[tls_field_count];
@@ -58,6 +59,25 @@ bool is_tls_index(int index) { return index >= 0 && index < tls_field_count; }
 void run_thread_init_events(thread_state& thread) { thread_init.run(&thread); }
 void run_thread_exit_events(thread_state& thread) { thread_exit.run(&thread); }
 void run_exit_events() { process_exit.run(); }
+
+void run_signal_delivery_events(thread_state& thread, int signal) {
+  const dr_kernel_xfer_info_t info = {.type = DR_XFER_SIGNAL_DELIVERY,
+                                      .source_mcontext = nullptr,
+                                      .target_pc = pointer_to<byte>(thread.context.pc),
+                                      .target_xsp = thread.context.sp,
+                                      .sig = signal};
+  kernel_transfer.run(&thread, &info);
+}
+
+void run_signal_return_events(thread_state& thread, std::uint64_t frame) {
+  dr_mcontext_t source = {.size = sizeof source, .flags = DR_MC_CONTROL, .xsp = frame};
+  const dr_kernel_xfer_info_t info = {.type = DR_XFER_SIGNAL_RETURN,
+                                      .source_mcontext = &source,
+                                      .target_pc = pointer_to<byte>(thread.context.pc),
+                                      .target_xsp = thread.context.sp,
+                                      .sig = 0};
+  kernel_transfer.run(&thread, &info);
+}
 
 void run_block_events(thread_state& thread, std::uint64_t pc, _instr_list_t& list) {
   block.run(&thread, pointer_to(pc), &list, false, false);
@@ -78,6 +98,13 @@ bool drmgr_register_bb_app2app_event(drmgr_xform_cb_t func, drmgr_priority_t* /*
 }
 
 bool drmgr_unregister_bb_app2app_event(drmgr_xform_cb_t func) { return block.remove(func); }
+
+bool drmgr_register_kernel_xfer_event(void (*func)(void*, const dr_kernel_xfer_info_t*)) {
+  return kernel_transfer.add(func);
+}
+bool drmgr_unregister_kernel_xfer_event(void (*func)(void*, const dr_kernel_xfer_info_t*)) {
+  return kernel_transfer.remove(func);
+}
 
 void dr_register_exit_event(void (*func)()) { process_exit.add(func); }
 bool dr_unregister_exit_event(void (*func)()) { return process_exit.remove(func); }

@@ -13,6 +13,11 @@ void run_thread_init_events(thread_state& thread);
 void run_thread_exit_events(thread_state& thread);
 void run_exit_events();
 
+// The kernel transfer events: a handler of the application's is about to run, with its frame at the
+// context's SP; it returns by the frame at `frame`.
+void run_signal_delivery_events(thread_state& thread, int signal);
+void run_signal_return_events(thread_state& thread, std::uint64_t frame);
+
 // The application-to-application block events, for the block at `pc`.
 void run_block_events(thread_state& thread, std::uint64_t pc, _instr_list_t& list);
 

@@ -165,14 +165,16 @@ void note_translated(std::uintptr_t start, std::uintptr_t end) {
 }
 
 void note_changed(std::uintptr_t start, std::uintptr_t end) {
+  bool stale = false;
   {
     const std::lock_guard lock(mutex);
     if (overlaps_known_executable(start, end)) {
       executable_mappings.clear();
       mapped_modules.clear();
     }
+    stale = take_translated(start, end);
   }
-  note_rewritten(start, end);
+  if (stale) flush_all_threads();
 }
 
 void note_rewritten(std::uintptr_t start, std::uintptr_t end) {
@@ -181,7 +183,7 @@ void note_rewritten(std::uintptr_t start, std::uintptr_t end) {
     const std::lock_guard lock(mutex);
     stale = take_translated(start, end);
   }
-  if (stale) flush_all_threads();
+  if (stale) request_flush();
 }
 
 }  // namespace host

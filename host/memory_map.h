@@ -30,7 +30,7 @@ void note_translated(std::uintptr_t start, std::uintptr_t end);
 // was translated from there, has all threads drop their translations.
 void note_changed(std::uintptr_t start, std::uintptr_t end);
 
-// Code in a range was written anew: as note_changed, with the mappings as they were.
+// Code in a range was written anew. Other threads see it after their next ISB at the latest.
 void note_rewritten(std::uintptr_t start, std::uintptr_t end);
 
 }  // namespace host

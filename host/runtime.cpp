@@ -4,22 +4,26 @@
 #include "host/fatal.h"
 #include "host/memory_map.h"
 #include "host/program_break.h"
+#include "host/signal_delivery.h"
 #include "host/signals.h"
 #include "host/threads.h"
 
 namespace host {
 
 void initialize(const loaded_program& program) {
+  static signal_actions actions;
   set_loaded_modules(program);
   install_signal_handlers();
   reserve_program_break();
   thread_state* const initial = acquire_thread();
   if (initial == nullptr) fatal("the process is ending before it has begun");
+  initial->actions = &actions;
   bind_thread(*initial);
 }
 
 void run(const loaded_program& program) {
   thread_state& initial = *current_thread();
+  set_application_mask(initial, block_signals(initial));
   initial.context.pc = program.start_pc;
   initial.context.sp = program.stack_pointer;
   run_thread(initial);

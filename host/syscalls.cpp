@@ -14,88 +14,17 @@
 #include <unistd.h>
 
 #include "host/address.h"
+#include "host/application_call.h"
 #include "host/fatal.h"
 #include "host/memory_map.h"
 #include "host/program_break.h"
-#include "host/signals.h"
+#include "host/signal_calls.h"
+#include "host/signal_delivery.h"
 #include "host/thread.h"
 #include "host/threads.h"
 
 namespace host {
 namespace {
-
-// The kernel's record of a signal action, which is not the C library's.
-struct kernel_action {
-  std::uint64_t handler;
-  std::uint64_t flags;
-  std::uint64_t restorer;
-  std::uint64_t mask;
-};
-
-constexpr int highest_signal = 64;
-constexpr int first_real_time_signal = 32;
-
-// Actions that the kernel is not told of, since their signals are the host's.
-std::array<kernel_action, highest_signal + 1> kept_actions{};
-
-// The C library's own two signals, for cancellation and for changing credentials in all threads.
-// It installs their handlers when the first thread starts; they are not sent without need.
-bool is_c_library_signal(std::uint64_t signal) {
-  return signal == first_real_time_signal || signal == first_real_time_signal + 1;
-}
-
-std::int64_t set_kept_action(std::uint64_t signal, std::uint64_t action, std::uint64_t old) {
-  const kernel_action previous = kept_actions[signal];
-  if (action != 0) {
-    std::memcpy(&kept_actions[signal], pointer_to(action), sizeof(kernel_action));
-  }
-  if (old != 0) std::memcpy(pointer_to(old), &previous, sizeof previous);
-  return 0;
-}
-
-std::int64_t set_signal_action(const std::uint64_t* x) {
-  const std::uint64_t signal = x[0];
-  const std::uint64_t action = x[1];
-  if (signal == 0 || signal > highest_signal) return -EINVAL;
-  if (is_c_library_signal(signal)) return set_kept_action(signal, action, x[2]);
-  if (action != 0) {
-    kernel_action wanted{};
-    std::memcpy(&wanted, pointer_to(action), sizeof wanted);
-    const bool is_plain =
-        wanted.handler == address_of(SIG_DFL) || wanted.handler == address_of(SIG_IGN);
-    if (!is_plain) {
-      fatal("a signal handler of the program (here for signal %d, %s) is not supported yet",
-            static_cast<int>(signal), sigdescr_np(static_cast<int>(signal)));
-    }
-  }
-  if (is_host_signal(static_cast<int>(signal))) return set_kept_action(signal, action, x[2]);
-  return kernel_call(SYS_rt_sigaction, signal, action, x[2], x[3]);
-}
-
-std::uint64_t without_host_signals(std::uint64_t mask) {
-  for (int signal = 1; signal <= highest_signal; signal++) {
-    if (is_host_signal(signal)) mask &= ~(1ull << (signal - 1));
-  }
-  return mask;
-}
-
-std::int64_t change_signal_mask(const std::uint64_t* x) {
-  if (x[1] == 0 || x[3] != sizeof(std::uint64_t)) {
-    return kernel_call(SYS_rt_sigprocmask, x[0], x[1], x[2], x[3]);
-  }
-  std::uint64_t mask = 0;
-  std::memcpy(&mask, pointer_to(x[1]), sizeof mask);
-  mask = without_host_signals(mask);
-  return kernel_call(SYS_rt_sigprocmask, x[0], address_of(&mask), x[2], x[3]);
-}
-
-// No handler of the program's runs yet, so its signal stacks are only remembered.
-std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x) {
-  const stack_t old = thread.signal_stack;
-  if (x[0] != 0) std::memcpy(&thread.signal_stack, pointer_to(x[0]), sizeof old);
-  if (x[1] != 0) std::memcpy(pointer_to(x[1]), &old, sizeof old);
-  return 0;
-}
 
 bool is_error(std::int64_t result) { return result < 0 && result > -4096; }
 
@@ -151,16 +80,6 @@ std::int64_t clone(thread_state& thread) {
   return clone_thread(thread);
 }
 
-std::int64_t send_signal_to_thread(std::int64_t number, const std::uint64_t* x) {
-  const std::uint64_t signal = number == SYS_tkill ? x[1] : x[2];
-  if (is_c_library_signal(signal)) {
-    fatal(
-        "signal %d of the C library (pthread_cancel, or setuid with threads) is not supported yet",
-        static_cast<int>(signal));
-  }
-  return kernel_call(number, x[0], x[1], x[2], x[3]);
-}
-
 std::int64_t set_tid_address(thread_state& thread) {
   thread.clear_child_tid = thread.context.x[0];
   return thread.tid;
@@ -180,18 +99,20 @@ std::int64_t call(thread_state& thread) {
     case SYS_rseq:    // its critical sections would be copies in the cache
       return -ENOSYS;
     case SYS_set_tid_address: return set_tid_address(thread);
-    case SYS_rt_sigaction: return set_signal_action(x);
-    case SYS_rt_sigprocmask: return change_signal_mask(x);
+    case SYS_rt_sigaction: return set_signal_action(thread, x);
+    case SYS_rt_sigprocmask: return change_signal_mask(thread, x);
+    case SYS_rt_sigpending: return get_waiting_signals(thread, x);
     case SYS_sigaltstack: return change_signal_stack(thread, x);
-    case SYS_tkill:
-    case SYS_tgkill:
-    case SYS_rt_tgsigqueueinfo: return send_signal_to_thread(number, x);
-    case SYS_rt_sigreturn: fatal("rt_sigreturn is not supported yet");
+    case SYS_rt_sigsuspend:
+    case SYS_ppoll:
+    case SYS_pselect6:
+    case SYS_epoll_pwait:
+    case SYS_epoll_pwait2: return wait_under_mask(thread, x);
     case SYS_execve:
     case SYS_execveat: fatal("execve is not supported yet");
     case SYS_readlinkat: return read_link(x);
     case SYS_openat: return open_file(x);
-    default: return kernel_call(number, x[0], x[1], x[2], x[3], x[4], x[5]);
+    default: return application_call(x, &thread.context.attention);
   }
 }
 
@@ -217,9 +138,15 @@ after_call handle_system_call(thread_state& thread) {
   switch (thread.context.x[8]) {
     case SYS_exit: return exit_thread(thread, static_cast<int>(thread.context.x[0]));
     case SYS_exit_group: return exit_process(thread, static_cast<int>(thread.context.x[0]));
+    case SYS_rt_sigreturn: return_from_signal(thread); return after_call::go_on;
     default: break;
   }
-  thread.context.x[0] = static_cast<std::uint64_t>(call(thread));
+  const std::int64_t result = call(thread);
+  if (result == call_not_started) {
+    thread.context.pc -= 4;  // to its SVC, for after the signal
+  } else {
+    thread.context.x[0] = static_cast<std::uint64_t>(result);
+  }
   return after_call::go_on;
 }
 

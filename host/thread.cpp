@@ -40,16 +40,19 @@ thread_state* add_record() {
   return thread;
 }
 
-// A thread may be about to enter a system call or in code that cannot be left at once, so the
-// signal is repeated. One that does not answer is blocked in the kernel with signals masked; it
-// will find the request when it comes back.
-void ask_to_stop(thread_state& thread) {
+constexpr timespec a_moment = {.tv_sec = 0, .tv_nsec = 1'000'000};
+
+// Has the thread look at its attention word, wherever it is.
+void poke(thread_state& thread) {
+  std::atomic_ref(thread.context.attention).store(1);
+  syscall(SYS_tgkill, getpid(), thread.tid, stop_signal);
+}
+
+// A thread in the kernel may not answer for long, in a call that no signal ends; it will find the
+// request when it comes back.
+void wait_for_stop(thread_state& thread) {
   constexpr int attempts = 3000;
-  const timespec pause = {.tv_sec = 0, .tv_nsec = 1'000'000};
-  for (int i = 0; i < attempts && thread.active; i++) {
-    syscall(SYS_tgkill, getpid(), thread.tid, stop_signal);
-    nanosleep(&pause, nullptr);
-  }
+  for (int i = 0; i < attempts && thread.active; i++) nanosleep(&a_moment, nullptr);
 }
 
 }  // namespace
@@ -59,8 +62,11 @@ void thread_state::reset() {
   cache.flush();
   tls_fields = {};
   clear_child_tid = 0;
-  signal_stack = {.ss_sp = nullptr, .ss_flags = SS_DISABLE, .ss_size = 0};
+  signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
+  waiting = {};
+  blocked_host_signals = 0;
   flush_requested = false;
+  stop_requested = false;
 }
 
 thread_state* current_thread() { return bound_thread; }
@@ -83,7 +89,7 @@ void bind_thread(thread_state& thread) {
   thread.context.host_tpidr = read_tpidr();
   thread.context.exit_entry = address_of(&leave_cache_with_record);
   thread.context.call_entry = address_of(&call_client);
-  install_signal_stack();
+  install_signal_stack(thread);
 }
 
 int retire_thread(thread_state& thread) {
@@ -110,10 +116,19 @@ void for_each_active_thread(const std::function<void(thread_state&)>& visit) {
   }
 }
 
+void request_flush() {
+  for_each_active_thread([](thread_state& thread) { thread.flush_requested = true; });
+}
+
 void flush_all_threads() {
-  for_each_active_thread([](thread_state& thread) {
-    thread.flush_requested = true;
-    thread.cache.forget_branches();
+  request_flush();
+  thread_state* const self = current_thread();
+  for_each_active_thread([self](thread_state& thread) {
+    if (&thread == self || !thread.in_cache) return;
+    poke(thread);
+    while (thread.active && thread.in_cache && thread.flush_requested) {
+      nanosleep(&a_moment, nullptr);
+    }
   });
 }
 
@@ -124,10 +139,12 @@ bool stop_other_threads() {
   }
   thread_state* const self = current_thread();
   for_each_active_thread([self](thread_state& thread) {
-    if (&thread != self) std::atomic_ref(thread.context.stop_requested).store(1);
+    if (&thread == self) return;
+    thread.stop_requested = true;
+    poke(thread);
   });
   for_each_active_thread([self](thread_state& thread) {
-    if (&thread != self) ask_to_stop(thread);
+    if (&thread != self) wait_for_stop(thread);
   });
   return true;
 }

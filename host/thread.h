@@ -13,6 +13,8 @@
 
 #include "host/code_cache.h"
 #include "host/context.h"
+#include "host/signal_actions.h"
+#include "host/signals.h"
 
 namespace host {
 
@@ -25,10 +27,16 @@ struct thread_state {
   pid_t tid = 0;
   std::uint64_t clear_child_tid = 0;  // where the kernel would clear the thread's number at its end
   stack_t signal_stack{};             // that the application asked for
+  signal_actions* actions = nullptr;  // of its process
+  waiting_signals waiting;
+  std::uint64_t blocked_host_signals = 0;  // that the application has blocked; really they are not
+  void* signal_stack_memory = nullptr;     // the host's, kept with the record
   std::atomic<bool> flush_requested = false;
-  std::atomic<bool> active = false;  // between its thread-init and thread-exit events
-  bool in_use = false;               // guarded by the registry's lock
-  thread_state* next = nullptr;      // in the registry
+  std::atomic<bool> stop_requested = false;
+  std::atomic<bool> in_cache = false;  // or in a call from there; not in the dispatcher
+  std::atomic<bool> active = false;    // between its thread-init and thread-exit events
+  bool in_use = false;                 // guarded by the registry's lock
+  thread_state* next = nullptr;        // in the registry
 
   void reset();
 };
@@ -53,8 +61,10 @@ thread_state* thread_of_cache_address(std::uint64_t address);
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit);
 
-// Makes every thread drop its translations before it runs another block that it has not reached
-// by direct branches alone.
+// Makes every thread drop its translations when it next leaves the cache or comes to an ISB.
+void request_flush();
+
+// The same, and returns when no other thread runs any of them.
 void flush_all_threads();
 
 // Takes all other threads out of their code, runs their thread-exit events, and keeps them from

@@ -13,6 +13,7 @@
 #include "host/address.h"
 #include "host/dispatch.h"
 #include "host/events.h"
+#include "host/signal_delivery.h"
 
 namespace host {
 namespace {
@@ -26,6 +27,7 @@ struct birth {
   std::uint64_t flags = 0;
   std::uint64_t parent_tid = 0;
   std::uint64_t child_tid = 0;
+  std::uint64_t signal_mask = 0;
   std::binary_semaphore ready{0};
 };
 
@@ -46,7 +48,9 @@ void* run_new_thread(void* argument) {
   thread_state& thread = *b.thread;
   bind_thread(thread);
   announce(b);
+  const std::uint64_t mask = b.signal_mask;
   b.ready.release();  // `b` is gone from here on
+  set_application_mask(thread, mask);
   run_thread(thread);
   finish_thread(thread);
   return nullptr;
@@ -107,17 +111,20 @@ std::int64_t clone_thread(thread_state& parent) {
   thread_state* const child = acquire_thread();
   if (child == nullptr) return -EAGAIN;
   set_up_child(parent.context, child->context);
+  child->actions = parent.actions;
+  const std::uint64_t mask = block_signals(parent);  // the new thread has no stack for them yet
   birth b = {.thread = child,
              .flags = parent.context.x[0],
              .parent_tid = parent.context.x[2],
-             .child_tid = parent.context.x[4]};
-  if (!start_host_thread(b)) {
-    retire_thread(*child);
-    release_thread(*child);
-    return -EAGAIN;
-  }
-  b.ready.acquire();
-  return child->tid;
+             .child_tid = parent.context.x[4],
+             .signal_mask = mask};
+  const bool started = start_host_thread(b);
+  if (started) b.ready.acquire();
+  set_application_mask(parent, mask);
+  if (started) return child->tid;
+  retire_thread(*child);
+  release_thread(*child);
+  return -EAGAIN;
 }
 
 after_call exit_thread(thread_state& thread, int status) {
@@ -133,6 +140,7 @@ after_call exit_process(thread_state& thread, int status) {
 }
 
 void finish_thread(thread_state& thread) {
+  stop_taking_signals(thread);
   const bool initial = is_initial_thread(thread);
   const std::uint64_t clear_child_tid = thread.clear_child_tid;
   const int left = retire_thread(thread);

@@ -238,6 +238,26 @@ DR_EXPORT module_data_t* dr_lookup_module(byte* pc);
 DR_EXPORT void dr_free_module_data(module_data_t* data);
 DR_EXPORT app_pc dr_fragment_app_pc(void* tag);
 
+// --- Signals -----------------------------------------------------------------------------------
+
+enum dr_kernel_xfer_type_t { DR_XFER_SIGNAL_DELIVERY, DR_XFER_SIGNAL_RETURN };
+enum dr_mcontext_flags_t { DR_MC_CONTROL = 0x02 };
+
+// The application's registers, of which this host only gives SP.
+struct dr_mcontext_t {
+  std::size_t size;
+  dr_mcontext_flags_t flags;
+  reg_t xsp;
+};
+
+struct dr_kernel_xfer_info_t {
+  dr_kernel_xfer_type_t type;
+  const dr_mcontext_t* source_mcontext;  // null in a delivery
+  app_pc target_pc;
+  reg_t target_xsp;
+  int sig;  // of a delivery
+};
+
 // --- Process, threads, output ------------------------------------------------------------------
 
 DR_EXPORT void dr_set_client_name(const char* name, const char* report_url);

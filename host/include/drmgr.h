@@ -25,6 +25,14 @@ DR_EXPORT bool drmgr_register_thread_exit_event(void (*func)(void* drcontext));
 DR_EXPORT bool drmgr_register_bb_app2app_event(drmgr_xform_cb_t func, drmgr_priority_t* priority);
 DR_EXPORT bool drmgr_unregister_bb_app2app_event(drmgr_xform_cb_t func);
 
+// Called on a thread whose application state the kernel is about to change: in signal delivery
+// before the handler's first block, with the frame at target_xsp; in rt_sigreturn before the block
+// that goes on, with the frame at the source's xsp.
+DR_EXPORT bool drmgr_register_kernel_xfer_event(void (*func)(void* drcontext,
+                                                             const dr_kernel_xfer_info_t* info));
+DR_EXPORT bool drmgr_unregister_kernel_xfer_event(void (*func)(void* drcontext,
+                                                               const dr_kernel_xfer_info_t* info));
+
 // An index of a field that every thread has, null at first; -1 if all 16 are taken.
 DR_EXPORT int drmgr_register_tls_field();
 DR_EXPORT bool drmgr_unregister_tls_field(int index);
