@@ -6,6 +6,7 @@ if(NOT TESSALY_CORE_ONLY)
   add_library(sve_client SHARED)
   target_sources(sve_client PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/emulate.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/saved_vectors.cpp
     ${CMAKE_CURRENT_LIST_DIR}/sve_client.cpp
     ${CMAKE_CURRENT_LIST_DIR}/transfer.cpp)
   target_include_directories(sve_client PRIVATE ${PROJECT_SOURCE_DIR}/host/include)

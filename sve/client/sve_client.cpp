@@ -7,11 +7,13 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <pthread.h>
 
 #include "dr_api.h"
 #include "drmgr.h"
 #include "drreg.h"
 #include "sve/client/counters.h"
+#include "sve/client/saved_vectors.h"
 #include "sve/client/thread_state.h"
 #include "sve/client/transfer.h"
 #include "sve/decode/sve_utils.h"
@@ -98,6 +100,17 @@ void event_thread_exit(void* drcontext) {
   dr_thread_free(drcontext, data, sizeof(cpu_state));
 }
 
+thread_local saved_vectors vectors_before_signals;
+
+void event_kernel_transfer(void* drcontext, const dr_kernel_xfer_info_t* info) {
+  cpu_state* const state = thread_state(drcontext);
+  if (info->type == DR_XFER_SIGNAL_DELIVERY) {
+    vectors_before_signals.save(info->target_xsp, *state);
+  } else if (info->type == DR_XFER_SIGNAL_RETURN) {
+    vectors_before_signals.restore(info->source_mcontext->xsp, *state);
+  }
+}
+
 // --- Process -----------------------------------------------------------------------------------
 
 void print_report() {
@@ -147,5 +160,9 @@ void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
 
   sve_instr_count = 0;
   aarch64_instr_count = 0;
+  drmgr_register_kernel_xfer_event(event_kernel_transfer);
+  // A child of fork must not find the counts locked by a thread that it hasn't.
+  pthread_atfork([] { icounts_mutex.lock(); }, [] { icounts_mutex.unlock(); },
+                 [] { icounts_mutex.unlock(); });
   dr_log(nullptr, DR_LOG_ALL, 1, "SVE client initializing\n");
 }
