@@ -92,15 +92,17 @@ void set_application_mask(thread_state& thread, std::uint64_t mask) {
 
 void deliver_signals(thread_state& thread) {
   waiting_signals& waiting = thread.waiting;
-  std::uint64_t mask = block_signals(thread);
+  const std::uint64_t interrupted_mask = block_signals(thread);
+  std::uint64_t mask = interrupted_mask;
   if (waiting.fault.signal != 0) deliver_fault(thread, take(waiting.fault), mask);
   for (waiting_signal& sent : waiting.sent_faults) {
     if (sent.signal == 0 || (mask & signal_bit(sent.signal)) != 0) continue;
     deliver_sent(thread, take(sent), mask);
   }
   if (waiting.other.signal != 0) {
+    // The kernel has let it come, whatever the mask says that waits behind sigsuspend.
     const waiting_signal other = take(waiting.other);
-    if ((mask & signal_bit(other.signal)) != 0) {
+    if ((mask & ~interrupted_mask & signal_bit(other.signal)) != 0) {
       send_again(other.signal, other.info);
     } else {
       deliver_sent(thread, other, mask);

@@ -70,7 +70,8 @@ const char* name_of(int signal) {
 
 void report_application_fault(int signal, std::uint64_t pc, const void* address) {
   std::uint32_t word = 0;
-  if (!read_from_application(pc, word)) {
+  const bool is_fetch = address_of(address) == pc;
+  if (is_fetch || !read_from_application(pc, word)) {
     print_line("%s at %#lx: there is no code to execute", name_of(signal), pc);
   } else if (signal == SIGSEGV || signal == SIGBUS) {
     print_line("%s at %#lx, instruction word 0x%08x, accessing %p", name_of(signal), pc, word,

@@ -43,8 +43,6 @@ static void jump_to(uintptr_t address) {
   function();
 }
 
-static void handle(int signal) { _exit(signal); }
-
 static int end(const char* how) {
   if (strcmp(how, "status") == 0) return 42;
   if (strcmp(how, "negative") == 0) return -1;
@@ -77,7 +75,6 @@ static int end(const char* how) {
     start(print_late, NULL);
     pthread_exit(NULL);
   }
-  if (strcmp(how, "handler") == 0) return signal(SIGUSR1, handle) == SIG_ERR;
   if (strcmp(how, "ignore") == 0) return signal(SIGUSR1, SIG_IGN) == SIG_ERR || raise(SIGUSR1);
   if (strcmp(how, "fork") == 0) return fork();
   if (strcmp(how, "system") == 0) return system("true");

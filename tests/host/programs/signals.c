@@ -1,0 +1,414 @@
+// The kernel's rules on signals, a line for each: natively and under the launcher all are the same.
+#define _GNU_SOURCE
+#include <errno.h>
+#include <poll.h>
+#include <pthread.h>
+#include <setjmp.h>
+#include <signal.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/signalfd.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <time.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+static void handle(int signal, void (*handler)(int, siginfo_t*, void*), int flags,
+                   const int* blocked) {
+  struct sigaction action = {.sa_flags = SA_SIGINFO | flags};
+  action.sa_sigaction = handler;
+  sigemptyset(&action.sa_mask);
+  for (; blocked != NULL && *blocked != 0; ++blocked) sigaddset(&action.sa_mask, *blocked);
+  if (sigaction(signal, &action, NULL) != 0) perror("sigaction");
+}
+
+static sigset_t set_of(int signal) {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, signal);
+  return set;
+}
+
+static void change_mask(int how, int signal) {
+  const sigset_t set = set_of(signal);
+  pthread_sigmask(how, &set, NULL);
+}
+
+static int is_blocked(int signal) {
+  sigset_t now;
+  pthread_sigmask(SIG_BLOCK, NULL, &now);
+  return sigismember(&now, signal);
+}
+
+static int is_pending(int signal) {
+  sigset_t pending;
+  sigpending(&pending);
+  return sigismember(&pending, signal);
+}
+
+// --- What handlers are told and in which order they run ----------------------------------------
+
+static volatile int depth, deepest, runs;
+
+static void tell(int signal, siginfo_t* info, void* context) {
+  const ucontext_t* const uc = context;
+  printf("  signal %d, code %d, from here %d, value %d, blocked in it %d, in the context %d\n",
+         signal, info->si_code, info->si_pid == getpid(), info->si_value.sival_int,
+         is_blocked(signal), sigismember(&uc->uc_sigmask, signal));
+}
+
+static void count(int signal, siginfo_t* info, void* context) {
+  (void)signal, (void)info, (void)context;
+  ++runs;
+}
+
+static void recurse(int signal, siginfo_t* info, void* context) {
+  (void)info, (void)context;
+  ++depth;
+  if (depth > deepest) deepest = depth;
+  if (++runs < 4) raise(signal);
+  --depth;
+}
+
+static void raise_another(int signal, siginfo_t* info, void* context) {
+  (void)info, (void)context;
+  printf("  %d begins\n", signal);
+  if (signal == SIGUSR1) raise(SIGUSR2);
+  printf("  %d ends\n", signal);
+}
+
+static void information(void) {
+  handle(SIGUSR1, tell, 0, NULL);
+  handle(SIGRTMIN + 3, tell, SA_NODEFER, NULL);
+  raise(SIGUSR1);
+  kill(getpid(), SIGUSR1);
+  sigqueue(getpid(), SIGUSR1, (union sigval){.sival_int = 42});
+  change_mask(SIG_BLOCK, SIGRTMIN + 3);
+  for (int i = 0; i < 3; ++i) sigqueue(getpid(), SIGRTMIN + 3, (union sigval){.sival_int = i});
+  change_mask(SIG_UNBLOCK, SIGRTMIN + 3);
+}
+
+static void nesting(void) {
+  static const int usr2[] = {SIGUSR2, 0};
+  handle(SIGUSR2, raise_another, 0, NULL);
+  handle(SIGUSR1, raise_another, 0, NULL);
+  raise(SIGUSR1);
+  handle(SIGUSR1, raise_another, 0, usr2);
+  raise(SIGUSR1);
+  handle(SIGUSR1, recurse, 0, NULL);
+  raise(SIGUSR1);
+  printf("  deferred: %d runs, %d deep\n", runs, deepest);
+  runs = deepest = 0;
+  handle(SIGUSR1, recurse, SA_NODEFER, NULL);
+  raise(SIGUSR1);
+  printf("  not deferred: %d runs, %d deep\n", runs, deepest);
+  runs = 0;
+  handle(SIGURG, count, SA_RESETHAND, NULL);
+  raise(SIGURG);
+  raise(SIGURG);
+  struct sigaction now;
+  sigaction(SIGURG, NULL, &now);
+  printf("  reset after %d, to the default %d\n", runs, now.sa_handler == SIG_DFL);
+}
+
+// --- Masks and waiting -------------------------------------------------------------------------
+
+static void masks(void) {
+  runs = 0;
+  handle(SIGUSR1, count, 0, NULL);
+  change_mask(SIG_BLOCK, SIGUSR1);
+  raise(SIGUSR1);
+  raise(SIGUSR1);
+  printf("  blocked: %d runs, pending %d\n", runs, is_pending(SIGUSR1));
+  change_mask(SIG_UNBLOCK, SIGUSR1);
+  printf("  unblocked: %d runs, pending %d\n", runs, is_pending(SIGUSR1));
+  handle(SIGFPE, count, 0, NULL);
+  change_mask(SIG_BLOCK, SIGFPE);
+  raise(SIGFPE);
+  printf("  a fault's signal that was sent: %d runs, pending %d, blocked %d\n", runs,
+         is_pending(SIGFPE), is_blocked(SIGFPE));
+  change_mask(SIG_UNBLOCK, SIGFPE);
+  printf("  unblocked: %d runs, pending %d\n", runs, is_pending(SIGFPE));
+  signal(SIGUSR1, SIG_IGN);
+  signal(SIGBUS, SIG_IGN);
+  raise(SIGUSR1);
+  raise(SIGBUS);
+  printf("  ignored: %d runs\n", runs);
+}
+
+static void waiting(void) {
+  runs = 0;
+  handle(SIGUSR1, count, 0, NULL);
+  change_mask(SIG_BLOCK, SIGUSR1);
+  raise(SIGUSR1);
+  sigset_t none;
+  sigemptyset(&none);
+  const int suspended = sigsuspend(&none);
+  printf("  sigsuspend %d %s, %d runs, blocked again %d\n", suspended, strerror(errno), runs,
+         is_blocked(SIGUSR1));
+  raise(SIGUSR1);
+  const sigset_t set = set_of(SIGUSR1);
+  int taken = 0;
+  sigwait(&set, &taken);
+  printf("  sigwait took %d, %d runs\n", taken, runs);
+  const struct timespec soon = {.tv_nsec = 1000000};
+  printf("  sigtimedwait %d %s\n", sigtimedwait(&set, NULL, &soon), strerror(errno));
+  const int file = signalfd(-1, &set, 0);
+  raise(SIGUSR1);
+  struct signalfd_siginfo told;
+  const ssize_t length = read(file, &told, sizeof told);
+  printf("  signalfd %d bytes, signal %u\n", (int)length, told.ssi_signo);
+  close(file);
+  raise(SIGUSR1);
+  const int ready = ppoll(NULL, 0, NULL, &none);
+  printf("  ppoll %d %s, %d runs\n", ready, strerror(errno), runs);
+  change_mask(SIG_UNBLOCK, SIGUSR1);
+}
+
+// --- Signals in system calls -------------------------------------------------------------------
+
+static void alarm_in(int microseconds) {
+  const struct itimerval once = {.it_value.tv_usec = microseconds};
+  setitimer(ITIMER_REAL, &once, NULL);
+}
+
+static int write_end;
+
+static void write_byte(int signal, siginfo_t* info, void* context) {
+  (void)signal, (void)info, (void)context;
+  ++runs;
+  if (write(write_end, "x", 1) != 1) perror("write");
+}
+
+static void system_calls(void) {
+  int ends[2];
+  if (pipe(ends) != 0) return;
+  write_end = ends[1];
+  char byte;
+  runs = 0;
+  handle(SIGALRM, write_byte, SA_RESTART, NULL);
+  alarm_in(20000);
+  ssize_t got = read(ends[0], &byte, 1);
+  printf("  read with SA_RESTART: %d, %d runs\n", (int)got, runs);
+  handle(SIGALRM, count, 0, NULL);
+  alarm_in(20000);
+  got = read(ends[0], &byte, 1);
+  printf("  read without: %d %s, %d runs\n", (int)got, strerror(errno), runs);
+  handle(SIGALRM, count, SA_RESTART, NULL);
+  alarm_in(20000);
+  struct timespec rest = {.tv_sec = 10};
+  const int slept = nanosleep(&rest, &rest);
+  printf("  nanosleep: %d %s, most of it is left %d\n", slept, strerror(errno), rest.tv_sec == 9);
+  alarm_in(20000);
+  const int ready = poll(NULL, 0, 10000);
+  printf("  poll: %d %s\n", ready, strerror(errno));
+  alarm_in(20000);
+  const int paused = pause();
+  printf("  pause: %d %s, %d runs\n", paused, strerror(errno), runs);
+  close(ends[0]);
+  close(ends[1]);
+}
+
+// --- Stacks ------------------------------------------------------------------------------------
+
+static char alternate[64 << 10];
+static volatile int on_alternate;
+static sigjmp_buf recovery;
+
+static void look_at_stack(int signal, siginfo_t* info, void* context) {
+  (void)signal, (void)info;
+  char here;
+  const ucontext_t* const uc = context;
+  stack_t now;
+  sigaltstack(NULL, &now);
+  on_alternate = &here >= alternate && &here < alternate + sizeof alternate;
+  printf("  on it %d, says so %d, in the context %d, changing it %d\n", on_alternate,
+         (now.ss_flags & SS_ONSTACK) != 0, uc->uc_stack.ss_sp == alternate,
+         sigaltstack(&now, NULL));
+}
+
+static void jump_out(int signal, siginfo_t* info, void* context) {
+  (void)info, (void)context;
+  siglongjmp(recovery, signal);
+}
+
+static __attribute__((noinline)) int use_stack(int levels) {
+  volatile char room[4096];
+  room[0] = (char)levels;
+  return levels == 0 ? 0 : use_stack(levels + 1) + room[0];
+}
+
+static void stacks(void) {
+  const stack_t stack = {.ss_sp = alternate, .ss_size = sizeof alternate};
+  const stack_t small = {.ss_sp = alternate, .ss_size = 1000};
+  printf("  too small %d %s\n", sigaltstack(&small, NULL), strerror(errno));
+  sigaltstack(&stack, NULL);
+  handle(SIGUSR1, look_at_stack, SA_ONSTACK, NULL);
+  raise(SIGUSR1);
+  handle(SIGUSR1, look_at_stack, 0, NULL);
+  raise(SIGUSR1);
+  handle(SIGSEGV, jump_out, SA_ONSTACK, NULL);
+  const int jumped = sigsetjmp(recovery, 1);
+  if (jumped == 0) use_stack(1);
+  printf("  out of an overflow by %d, blocked %d\n", jumped, is_blocked(SIGSEGV));
+}
+
+// --- Faults ------------------------------------------------------------------------------------
+
+// Each faults at its label, with its own number plus 100 in all registers but SP and the operands.
+void fault_load(void), fault_store_pair(void), fault_undefined(void), fault_break(void),
+    fault_literal(void);
+extern char at_load[], at_store_pair[], at_undefined[], at_break[], at_literal[];
+extern uint64_t registers_after[31];
+
+static const char* expected_pc;
+static volatile int wrong_registers;
+
+static void fix_up(int signal, siginfo_t* info, void* context) {
+  mcontext_t* const machine = &((ucontext_t*)context)->uc_mcontext;
+  printf("  signal %d, code %d, its pc %d, at address 16 %d", signal, info->si_code,
+         (char*)machine->pc == expected_pc, info->si_addr == (void*)16);
+  wrong_registers = 0;
+  for (int i = 2; i < 30; ++i) wrong_registers += machine->regs[i] != 100 + (uint64_t)i;
+  machine->regs[28] = 5000;
+  machine->regs[3] = 3000;
+  machine->pc += 4;
+}
+
+static void fault_at(const char* where, void (*faulting)(void)) {
+  expected_pc = where;
+  faulting();
+  printf(", wrong registers %d; then x3 %d, x28 %d\n", wrong_registers, (int)registers_after[3],
+         (int)registers_after[28]);
+}
+
+static void return_to_caller(int signal, siginfo_t* info, void* context) {
+  mcontext_t* const machine = &((ucontext_t*)context)->uc_mcontext;
+  printf("  signal %d, code %d, pc %lx, at it %d\n", signal, info->si_code,
+         (unsigned long)machine->pc & 0xfff, (uint64_t)info->si_addr == machine->pc);
+  machine->pc = machine->regs[30];
+}
+
+static void faults(void) {
+  static const int signals[] = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP};
+  for (int i = 0; i < 4; ++i) handle(signals[i], fix_up, 0, NULL);
+  fault_at(at_load, fault_load);
+  fault_at(at_store_pair, fault_store_pair);
+  fault_at(at_undefined, fault_undefined);
+  fault_at(at_break, fault_break);
+  fault_at(at_literal, fault_literal);
+  for (int i = 0; i < 4; ++i) handle(signals[i], return_to_caller, 0, NULL);
+  void* const page = mmap(NULL, 4096, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void (*volatile nowhere)(void) = NULL;
+  nowhere();
+  void (*volatile data)(void) = (void (*)(void))page;
+  data();
+  munmap(page, 4096);
+}
+
+// --- Threads, timers ---------------------------------------------------------------------------
+
+static volatile int taken_by_thread;
+static pthread_t thread;
+
+static void note_thread(int signal, siginfo_t* info, void* context) {
+  (void)signal, (void)info, (void)context;
+  taken_by_thread += pthread_equal(pthread_self(), thread) ? 1 : 100;
+}
+
+static void* spin(void* unused) {
+  while (taken_by_thread < 3) {
+  }
+  return unused;
+}
+
+static void wait_on(clockid_t clock, int milliseconds) {
+  const struct timespec time = {.tv_nsec = milliseconds * 1000000};
+  while (clock_nanosleep(clock, 0, &time, NULL) == EINTR) {
+  }
+}
+
+static void threads(void) {
+  handle(SIGUSR1, note_thread, 0, NULL);
+  pthread_create(&thread, NULL, spin, NULL);
+  change_mask(SIG_BLOCK, SIGUSR1);
+  for (int i = 1; i <= 2; ++i) {
+    pthread_kill(thread, SIGUSR1);
+    while (taken_by_thread < i) {
+    }
+  }
+  kill(getpid(), SIGUSR1);  // only the other thread has it unblocked
+  pthread_join(thread, NULL);
+  change_mask(SIG_UNBLOCK, SIGUSR1);
+  printf("  taken by the thread %d\n", taken_by_thread);
+}
+
+static void timers(void) {
+  runs = 0;
+  handle(SIGRTMIN, count, 0, NULL);
+  struct sigevent event = {.sigev_notify = SIGEV_SIGNAL, .sigev_signo = SIGRTMIN};
+  timer_t timer;
+  timer_create(CLOCK_MONOTONIC, &event, &timer);
+  const struct itimerspec often = {{.tv_nsec = 2000000}, {.tv_nsec = 2000000}};
+  timer_settime(timer, 0, &often, NULL);
+  while (runs < 5) wait_on(CLOCK_MONOTONIC, 1);
+  timer_delete(timer);
+  printf("  a timer came five times\n");
+}
+
+// --- What a handler leaves of the interrupted code ---------------------------------------------
+
+// Counts down with known values in all registers, vectors and flags; returns how many it found
+// changed.
+uint64_t watch_registers(uint64_t rounds);
+void spoil_registers(void);
+
+static void spoil(int signal, siginfo_t* info, void* context) {
+  (void)signal, (void)info, (void)context;
+  ++runs;
+  spoil_registers();
+}
+
+static void state(void) {
+  runs = 0;
+  handle(SIGALRM, spoil, SA_RESTART, NULL);
+  const struct itimerval often = {{.tv_usec = 1000}, {.tv_usec = 1000}};
+  setitimer(ITIMER_REAL, &often, NULL);
+  uint64_t changed = 0;
+  while (runs < 200) changed += watch_registers(1000);
+  setitimer(ITIMER_REAL, &(struct itimerval){{0, 0}, {0, 0}}, NULL);
+  printf("  changed by handlers: %d\n", (int)changed);
+}
+
+static void errors(void) {
+  struct sigaction action = {.sa_handler = SIG_IGN};
+  printf("  SIGKILL %d %s\n", sigaction(SIGKILL, &action, NULL), strerror(errno));
+  printf("  65 %d %s\n", sigaction(65, &action, NULL), strerror(errno));
+  const long bad_action = syscall(SYS_rt_sigaction, SIGUSR1, 16, NULL, 8);
+  printf("  bad action %ld %s\n", bad_action, strerror(errno));
+  const long bad_mask = syscall(SYS_rt_sigprocmask, SIG_BLOCK, 16, NULL, 8);
+  printf("  bad mask %ld %s\n", bad_mask, strerror(errno));
+  const long bad_stack = syscall(SYS_sigaltstack, 16, NULL);
+  printf("  bad stack %ld %s\n", bad_stack, strerror(errno));
+}
+
+int main(int argc, char** argv) {
+  static const struct {
+    const char* name;
+    void (*run)(void);
+  } parts[] = {
+      {"information", information}, {"nesting", nesting}, {"masks", masks},   {"waiting", waiting},
+      {"calls", system_calls},      {"stacks", stacks},   {"faults", faults}, {"threads", threads},
+      {"timers", timers},           {"state", state},     {"errors", errors}};
+  setvbuf(stdout, NULL, _IONBF, 0);
+  for (size_t i = 0; i < sizeof parts / sizeof parts[0]; ++i) {
+    if (argc > 1 && strcmp(argv[1], parts[i].name) != 0) continue;
+    puts(parts[i].name);
+    parts[i].run();
+  }
+  return 0;
+}
