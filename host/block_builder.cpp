@@ -40,9 +40,7 @@ bool ends_block(const instr_t& instr) {
 
 void emit(const instr_t& instr, block_code& out) {
   const auto pc = address_of(instr.pc);
-  if (pc != 0 && (out.map.empty() || out.map.back().pc != pc)) {
-    out.map.push_back({static_cast<std::uint32_t>(out.code.size()), pc});
-  }
+  if (pc != 0) begin_instruction(pc, out);
   if (instr.meta) return out.code.push_back(instr.word);
   if (ends_block(instr)) return emit_control_flow(instr.word, pc, out);
   emit_straight(instr.word, pc, processor_has_sve(), out);

@@ -45,6 +45,7 @@ void emit_conditional(std::uint32_t word, const control_flow& branch, std::uint6
 // X0 holds the target; its own value is at home, and so is that of X1.
 void emit_authentication(const control_flow& branch, block_code& out) {
   if (branch.authenticate == 0) return;
+  out.map.back().borrowed = 0b11;
   unsigned modifier = branch.modifier;
   if (branch.has_modifier && (modifier == 0 || modifier == context_register)) {
     out.code.push_back(a64::ldr(1, context_register, home_of(modifier)));
@@ -69,20 +70,27 @@ void emit_indirect(const control_flow& branch, std::uint64_t pc, block_code& out
 
 }  // namespace
 
+void begin_instruction(std::uint64_t pc, block_code& out) {
+  if (!out.map.empty() && out.map.back().pc == pc) return;
+  out.map.push_back({static_cast<std::uint32_t>(out.code.size()), pc});
+}
+
 void emit_exit(const exit_record& record, block_code& out) {
   out.exits.push_back({static_cast<std::uint32_t>(out.code.size()), record});
   out.code.push_back(open_branch);
 }
 
 void emit_straight(std::uint32_t word, std::uint64_t pc, bool processor_has_sve, block_code& out) {
+  begin_instruction(pc, out);
   const bool is_sve = field(word, 28, 25) == 2;
   if (is_sve && !processor_has_sve) return out.code.push_back(word);  // raises SIGILL
-  if (!mangle(word, pc, out.code)) {
-    emit_exit({.kind = exit_kind::refused, .target = pc, .word = word}, out);
-  }
+  const mangling done = mangle(word, pc, out.code);
+  out.map.back().borrowed = done.borrowed;
+  if (!done) emit_exit({.kind = exit_kind::refused, .target = pc, .word = word}, out);
 }
 
 void emit_control_flow(std::uint32_t word, std::uint64_t pc, block_code& out) {
+  begin_instruction(pc, out);
   const control_flow branch = decode_control_flow(word, pc);
   switch (branch.kind) {
     case flow::none: break;

@@ -15,7 +15,7 @@ enum class exit_kind : std::uint8_t {
   supervisor_call,  // the application's SVC; goes on at `target`
   invalidate,       // IC IVAU of the address in register `reg`; goes on at `target`
   refused,          // at the instruction `word` at `target`, which cannot be translated
-  stopped,          // another thread ends the process
+  interrupted,      // taken out by the signal entry; the context is complete
 };
 
 // How a block is left: what the translator finds in thread_context::exit.
@@ -25,6 +25,7 @@ struct exit_record {
   unsigned reg = 0;
   std::uint32_t word = 0;
   std::uint32_t* branch = nullptr;  // the branch to be linked, once the block has an address
+  std::uint32_t* stub = nullptr;    // where it goes while it is not linked
 };
 
 struct open_exit {
@@ -35,6 +36,7 @@ struct open_exit {
 struct translated_pc {
   std::uint32_t index;  // of the first word that stands for the instruction
   std::uint64_t pc;
+  std::uint32_t borrowed = 0;  // registers, by bit, that are at home while the instruction runs
 };
 
 struct block_code {
@@ -50,6 +52,9 @@ inline constexpr std::uint32_t entry_word = a64::load_home(2);
 
 // Appends an exit that leaves the cache.
 void emit_exit(const exit_record& record, block_code& out);
+
+// Makes what is appended next stand for the instruction at `pc`.
+void begin_instruction(std::uint64_t pc, block_code& out);
 
 // Appends an application instruction that does not branch, or the exit that refuses it.
 void emit_straight(std::uint32_t word, std::uint64_t pc, bool processor_has_sve, block_code& out);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <asm/sigcontext.h>
 #include <atomic>
 #include <cstring>
 #include <sys/mman.h>
@@ -65,6 +66,11 @@ constexpr std::array<std::uint32_t, 3> exit_words = {
     a64::br(0),                                         // br  x0
 };
 
+// Places in it, by the index of a word.
+constexpr std::size_t lookup_reads_table = 1;
+constexpr std::size_t lookup_has_found = 9;  // X0 and X1 are the application's again
+constexpr std::size_t lookup_has_missed = 11;
+
 void synchronise(std::uint32_t* begin, std::uint32_t* end) {
   __builtin___clear_cache(reinterpret_cast<char*>(begin), reinterpret_cast<char*>(end));
 }
@@ -74,6 +80,18 @@ std::int64_t distance(const std::uint32_t* from, const std::uint32_t* to) {
 }
 
 constexpr std::size_t stub_words = 4;
+
+constexpr std::uint64_t nzcv_mask = 0xf0000000;
+
+// The kernel always writes this record, and always before those that may lie elsewhere.
+const fpsimd_context& vectors_of(const mcontext_t& interrupted) {
+  const auto* record = reinterpret_cast<const _aarch64_ctx*>(interrupted.__reserved);
+  while (record->magic != FPSIMD_MAGIC) {
+    if (record->magic == 0) fatal("a signal frame has no record of the vector registers");
+    record = pointer_to<const _aarch64_ctx>(address_of(record) + record->size);
+  }
+  return *reinterpret_cast<const fpsimd_context*>(record);
+}
 
 }  // namespace
 
@@ -114,8 +132,12 @@ const fragment* code_cache::find(std::uint64_t pc) const {
 const fragment* code_cache::install(std::uint64_t pc, const block_code& block) {
   const std::size_t size = 1 + block.code.size() + stub_words * block.exits.size();
   if (cursor_ + size > pointer_to<std::uint32_t>(end_)) return nullptr;
-  fragment& made = fragments_.emplace_back(fragment{
-      .pc = pc, .code = cursor_, .size = static_cast<std::uint32_t>(size), .map = block.map});
+  fragment& made = fragments_.emplace_back(fragment{.pc = pc,
+                                                    .code = cursor_,
+                                                    .size = static_cast<std::uint32_t>(size),
+                                                    .map = block.map,
+                                                    .first_exit = exits_.size(),
+                                                    .exit_count = block.exits.size()});
   *cursor_ = entry_word;
   std::uint32_t* const body = cursor_ + 1;
   std::uint32_t* stub = std::ranges::copy(block.code, body).out;
@@ -125,6 +147,7 @@ const fragment* code_cache::install(std::uint64_t pc, const block_code& block) {
   for (const open_exit& exit : block.exits) {
     exit_record& record = exits_.emplace_back(exit.record);
     record.branch = body + exit.index;
+    record.stub = stub;
     *record.branch = a64::b(distance(record.branch, stub));
     stub = emit_stub(stub, &record);
   }
@@ -163,6 +186,7 @@ void code_cache::grow_table() {
 }
 
 void code_cache::admit(const fragment& target) {
+  point_context_at_table();
   const std::size_t entries = table_.size() - overflow_entries;
   if (table_used_ * 2 > entries && entries < last_table_entries) grow_table();
   insert(target.pc, address_of(target.code));
@@ -190,17 +214,59 @@ void code_cache::forget_branches() {
   std::atomic_ref<std::uint64_t>(context_.branch_table).store(empty_table());
 }
 
-std::uint64_t code_cache::application_pc(std::uint64_t address) const {
-  auto next = by_code_.upper_bound(address);
-  if (next == by_code_.begin()) return 0;
-  const fragment& found = *std::prev(next)->second;
-  const auto index = static_cast<std::int64_t>((address - address_of(found.code)) / 4) - 1;
-  std::uint64_t pc = found.pc;
-  for (const translated_pc& entry : found.map) {
-    if (entry.index > index) break;
-    pc = entry.pc;
+void code_cache::leave_soon(mcontext_t& interrupted) {
+  const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
+  const auto index = static_cast<std::size_t>(pc - lookup_routine_);
+  if (pc < lookup_routine_ || index >= lookup_words.size()) return leave_soon_at(interrupted.pc);
+  if (index >= lookup_has_missed) return;
+  if (index >= lookup_has_found) return leave_soon_at(interrupted.regs[2]);
+  forget_branches();
+  if (index > lookup_reads_table) {
+    interrupted.pc = address_of(lookup_routine_ + lookup_reads_table);
   }
-  return pc;
+}
+
+void code_cache::leave_soon_at(std::uint64_t address) {
+  const fragment* const running = fragment_at(address);
+  if (running == nullptr) return;  // in the exit routine
+  forget_branches();
+  for (std::size_t i = 0; i < running->exit_count; i++) {
+    const exit_record& exit = exits_[running->first_exit + i];
+    *exit.branch = a64::b(distance(exit.branch, exit.stub));
+    synchronise(exit.branch, exit.branch + 1);
+  }
+}
+
+void code_cache::recover(const mcontext_t& interrupted, thread_context& context) const {
+  const translated_pc instruction = at(interrupted.pc);
+  const std::uint32_t at_home = instruction.borrowed | 1u << context_register;
+  for (unsigned reg = 0; reg < 31; reg++) {
+    if ((at_home >> reg & 1) == 0) context.x[reg] = interrupted.regs[reg];
+  }
+  context.sp = interrupted.sp;
+  context.pc = instruction.pc;
+  context.nzcv = interrupted.pstate & nzcv_mask;
+  const fpsimd_context& vectors = vectors_of(interrupted);
+  context.fpcr = vectors.fpcr;
+  context.fpsr = vectors.fpsr;
+  std::memcpy(context.q, vectors.vregs, sizeof context.q);
+}
+
+const fragment* code_cache::fragment_at(std::uint64_t address) const {
+  const auto next = by_code_.upper_bound(address);
+  return next == by_code_.begin() ? nullptr : std::prev(next)->second;
+}
+
+translated_pc code_cache::at(std::uint64_t address) const {
+  const fragment* const found = fragment_at(address);
+  if (found == nullptr) return {};
+  const auto index = static_cast<std::int64_t>((address - address_of(found->code)) / 4) - 1;
+  translated_pc last = {.index = 0, .pc = found->pc};
+  for (const translated_pc& entry : found->map) {
+    if (entry.index > index) break;
+    last = entry;
+  }
+  return last;
 }
 
 }  // namespace host

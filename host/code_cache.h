@@ -7,9 +7,11 @@
 // everything is dropped at once; the caller must not be about to run any of it.
 #pragma once
 
+#include <csignal>
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <ucontext.h>
 #include <unordered_map>
 #include <vector>
 
@@ -23,6 +25,8 @@ struct fragment {
   std::uint32_t* code = nullptr;  // starts with entry_word
   std::uint32_t size = 0;         // in words, with the stubs
   std::vector<translated_pc> map;
+  std::size_t first_exit = 0;  // in code_cache::exits_
+  std::size_t exit_count = 0;
 };
 
 class code_cache {
@@ -52,8 +56,20 @@ class code_cache {
   // Empties the lookup, so that the next indirect branch leaves the cache. Safe from any thread.
   void forget_branches();
 
+  // For a signal handler on the cache's own thread, interrupted in the arena: makes the block that
+  // runs, or that the shared lookup is about to run, leave to the dispatcher at its end, whatever
+  // it was linked to. Its exits are linked again when they are next taken.
+  void leave_soon(mcontext_t& interrupted);
+
+  // The same for the block that holds an address: where a call of the client's returns to.
+  void leave_soon_at(std::uint64_t address);
+
+  // Makes the context the application's state before the instruction whose translation was
+  // interrupted, which must be by a fault of the instruction itself. TPIDR_EL0 is left alone.
+  void recover(const mcontext_t& interrupted, thread_context& context) const;
+
   // The application address of an instruction in the arena, or 0 for the shared routines.
-  std::uint64_t application_pc(std::uint64_t address) const;
+  std::uint64_t application_pc(std::uint64_t address) const { return at(address).pc; }
 
  private:
   struct branch_entry {
@@ -61,6 +77,8 @@ class code_cache {
     std::uint64_t code;  // 0: the entry is free
   };
 
+  const fragment* fragment_at(std::uint64_t address) const;
+  translated_pc at(std::uint64_t address) const;
   void emit_shared_routines();
   void point_context_at_table();
   void grow_table();

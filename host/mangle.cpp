@@ -11,11 +11,12 @@ unsigned field_at(std::uint32_t word, unsigned position) {
   return field(word, position + 4, position);
 }
 
-// A register that appears in none of the word's register fields, whatever they mean. The second of
-// a pair at an even number is free as well.
-unsigned free_register(std::uint32_t word) {
+// A register that appears in none of the word's register fields, whatever they mean, and is none of
+// eight that begin at one. The second of a pair at an even number is free as well.
+unsigned free_register(std::uint32_t word, const register_roles& roles) {
+  const unsigned first_of_eight = roles[0] == role::octet ? field_at(word, 0) : no_register;
   for (unsigned candidate = 0; candidate < context_register; candidate += 2) {
-    bool taken = false;
+    bool taken = candidate >= first_of_eight && candidate < first_of_eight + 8;
     for (const unsigned position : field_positions) {
       taken |= field_at(word, position) / 2 == candidate / 2;
     }
@@ -50,6 +51,15 @@ std::uint32_t load_from_register(std::uint32_t word, unsigned n) {
   }
 }
 
+// The page that an instruction was read from can be read: as long as its translation runs, nothing
+// has changed the mapping.
+bool shares_page(std::uint64_t pc, std::uint64_t address) {
+  constexpr std::uint64_t page_bytes = 4096;
+  constexpr std::uint64_t largest_load = 16;
+  return pc / page_bytes == address / page_bytes &&
+         pc / page_bytes == (address + largest_load - 1) / page_bytes;
+}
+
 void mangle_address(std::uint32_t word, std::uint64_t pc, words& out) {
   const unsigned d = field(word, 4, 0);
   const std::uint64_t value = address_value(word, pc);
@@ -61,15 +71,20 @@ void mangle_address(std::uint32_t word, std::uint64_t pc, words& out) {
   out.push_back(a64::load_home(0));
 }
 
-void mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
+constexpr std::uint32_t borrowed(unsigned reg) { return 1u << reg; }
+
+std::uint32_t mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
   const unsigned t = field(word, 4, 0);
   const std::uint64_t address = pc + static_cast<std::uint64_t>(signed_field(word, 23, 5) * 4);
   const bool is_prefetch = field(word, 31, 30) == 3;
   const bool is_vector = field(word, 26, 26) != 0;
-  if (load_from_register(word, 0) == 0) return out.push_back(word);  // unallocated: SIGILL
+  if (load_from_register(word, 0) == 0) return out.push_back(word), 0;  // unallocated: SIGILL
   if (!is_vector && !is_prefetch && t != context_register && t != zero_register) {
+    const bool may_fault = !shares_page(pc, address);
+    if (may_fault) out.push_back(a64::store_home(t));
     append(out, a64::mov_constant(t, address));
-    return out.push_back(load_from_register(word, t));
+    out.push_back(load_from_register(word, t));
+    return may_fault ? borrowed(t) : 0;
   }
   const bool loads_x28 = !is_vector && !is_prefetch && t == context_register;
   out.push_back(a64::store_home(0));
@@ -81,6 +96,7 @@ void mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
     out.push_back(load_from_register(word, 0));
   }
   out.push_back(a64::load_home(0));
+  return borrowed(0);
 }
 
 // CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is: the translator
@@ -153,22 +169,24 @@ void mangle_pair(std::uint32_t renamed, unsigned reg, words& out) {
 
 }  // namespace
 
-bool mangle(std::uint32_t word, std::uint64_t pc, words& out) {
-  if (is_address(word)) return mangle_address(word, pc, out), true;
-  if (is_literal_load(word)) return mangle_literal_load(word, pc, out), true;
+mangling mangle(std::uint32_t word, std::uint64_t pc, words& out) {
+  if (is_address(word)) return mangle_address(word, pc, out), mangling{};
+  if (is_literal_load(word)) return {.borrowed = mangle_literal_load(word, pc, out)};
   const register_roles roles = roles_of(word);
   const x28_use use = use_of_x28(word, roles);
-  if (use.refused) return false;
+  if (use.refused) return {.known = false};
   if (use.named) {
-    const unsigned reg = free_register(word);
+    const unsigned reg = free_register(word, roles);
     const std::uint32_t renamed = rename_x28(word, roles, reg);
     use.paired ? mangle_pair(renamed, reg, out) : mangle_one(renamed, use, reg, out);
-  } else if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
+    return {.borrowed = borrowed(reg) | (use.paired ? borrowed(reg + 1) : 0)};
+  }
+  if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
     mangle_cache_type(word, out);
   } else {
     out.push_back(word);
   }
-  return true;
+  return {};
 }
 
 }  // namespace host

@@ -15,8 +15,15 @@
 
 namespace host {
 
-// Appends the words for the instruction at `pc` to `out`. False, with nothing appended: the word
-// may name X28 in an encoding that this translator does not know.
-[[nodiscard]] bool mangle(std::uint32_t word, std::uint64_t pc, words& out);
+struct mangling {
+  bool known = true;           // false: the word may name X28 in a way that is not known here
+  std::uint32_t borrowed = 0;  // registers, by bit, that are at home while the instruction runs
+
+  explicit operator bool() const { return known; }
+};
+
+// Appends the words for the instruction at `pc` to `out`; nothing, if it is not known. A fault of
+// the instruction itself leaves all homes and all registers that are not borrowed as they were.
+[[nodiscard]] mangling mangle(std::uint32_t word, std::uint64_t pc, words& out);
 
 }  // namespace host

@@ -101,6 +101,11 @@ b0001a23  // adrp x3, .+0x345000
   d2846c03  // mov  x3, #0x2360
   f2a00823  // movk x3, #0x41, lsl #16
   f9400063  // ldr  x3, [x3]
+58007fe5  // ldr x5, .+0xffc: in another page, which may be unmapped
+  f9001785  // str  x5, [x28, #40]
+  d2866785  // mov  x5, #0x333c
+  f2a00825  // movk x5, #0x41, lsl #16
+  f94000a5  // ldr  x5, [x5]
 98ffff84  // ldrsw x4, .-0x10
   d2846604  // mov   x4, #0x2330
   f2a00824  // movk  x4, #0x41, lsl #16

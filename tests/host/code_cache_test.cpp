@@ -4,8 +4,12 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/syscall.h>
+#include <ucontext.h>
 
 #include "host/context_switch.h"
+#include "host/signal_actions.h"
+#include "host/syscalls.h"
 #include "host/thread.h"
 
 namespace host {
@@ -27,9 +31,7 @@ class cache_test : public testing::Test {
   // A block of one instruction and its branch.
   const fragment& install(std::uint64_t pc, std::uint32_t straight, std::uint32_t branch) {
     block_code block;
-    block.map.push_back({0, pc});
     emit_straight(straight, pc, false, block);
-    block.map.push_back({static_cast<std::uint32_t>(block.code.size()), pc + 4});
     emit_control_flow(branch, pc + 4, block);
     return *cache().install(pc, block);
   }
@@ -123,6 +125,121 @@ TEST_F(cache_test, tells_the_application_address_of_each_word) {
   EXPECT_EQ(cache().application_pc(address(first, 5)), 0x1004u);
   EXPECT_EQ(cache().application_pc(address(second, 1)), 0x2000u);
   EXPECT_EQ(cache().application_pc(address(first, 0) - 4), 0u);  // the shared routines
+}
+
+// Signals that take a thread out of cache code by leave_soon or recover, as the signal entry does.
+// SIGTRAP is for blocks that hold a BRK, which stands for the moment at which a signal arrives.
+class interrupted_test : public cache_test {
+ protected:
+  interrupted_test() {
+    test = this;
+    signal_stack.resize(256 << 10);
+    const stack_t stack = {.ss_sp = signal_stack.data(), .ss_flags = 0, .ss_size = 256 << 10};
+    sigaltstack(&stack, nullptr);
+    set_actions({.handler = reinterpret_cast<std::uint64_t>(take),
+                 .flags = SA_SIGINFO | SA_ONSTACK,
+                 .restorer = 0,
+                 .mask = 0});
+    for (unsigned i = 0; i < 31; i++) context().x[i] = 0x10 + i;
+    context().x[9] = context().x[28] = unmapped;
+    context().sp = 0x5550;
+    context().nzcv = 0x60000000;
+  }
+
+  ~interrupted_test() override {
+    set_actions({});
+    const stack_t none = {.ss_sp = nullptr, .ss_flags = SS_DISABLE, .ss_size = 0};
+    sigaltstack(&none, nullptr);
+  }
+
+  // The kernel's, since the engine's sigaction keeps those of faults to itself.
+  static void set_actions(const kernel_action& action) {
+    for (const std::uint64_t signal : {SIGSEGV, SIGBUS, SIGILL, SIGTRAP}) {
+      kernel_call(SYS_rt_sigaction, signal, reinterpret_cast<std::uint64_t>(&action), 0,
+                  sizeof action.mask);
+    }
+  }
+
+  static void take(int signal, siginfo_t*, void* raw) {
+    mcontext_t& machine = static_cast<ucontext_t*>(raw)->uc_mcontext;
+    if (signal == SIGTRAP) {
+      machine.pc += 4;
+      test->cache().leave_soon(machine);
+      return;
+    }
+    test->cache().recover(machine, test->context());
+    test->context().exit = &recovered_record;
+    machine.regs[28] = reinterpret_cast<std::uint64_t>(&test->context());
+    machine.pc = reinterpret_cast<std::uint64_t>(&leave_cache);
+  }
+
+  static constexpr std::uint64_t unmapped = 0x1008;
+  static constexpr exit_record recovered_record = {.kind = exit_kind::interrupted};
+  static inline interrupted_test* test = nullptr;
+  std::vector<char> signal_stack;
+};
+
+constexpr std::uint32_t brk = 0xd4200000;  // brk #0
+
+TEST_F(interrupted_test, recovers_the_state_before_the_instruction_that_faults) {
+  constexpr std::uint64_t pc = 0x2000'0000;
+  constexpr std::uint32_t faulting[] = {
+      0xf9400123,  // ldr x3, [x9]
+      0xf8408523,  // ldr x3, [x9], #8
+      0xf9400380,  // ldr x0, [x28]
+      0xf8408f80,  // ldr x0, [x28, #8]!
+      0xf940013c,  // ldr x28, [x9]
+      0xa9c10783,  // ldp x3, x1, [x28, #16]!
+      0xa9c17123,  // ldp x3, x28, [x9, #16]!
+      0xf9000382,  // str x2, [x28]
+      0xf81f8f9d,  // str x29, [x28, #-8]!
+      0x48227d3c,  // casp x2, x3, x28, x29, [x9]
+      0x48207f84,  // casp x0, x1, x4, x5, [x28]
+      0xc85f7f80,  // ldxr x0, [x28]
+      0xc85f7d3c,  // ldxr x28, [x9]
+      0x58080003,  // ldr x3, .+0x10000
+      0x9808001c,  // ldrsw x28, .+0x10000
+      0x9c080005,  // ldr q5, .+0x10000
+      0x0000001c,  // udf #28
+  };
+  for (const std::uint32_t word : faulting) {
+    SCOPED_TRACE(testing::Message() << std::hex << word);
+    const thread_context before = context();
+    const fragment& block = install(pc, word, svc);
+    ASSERT_EQ(run(block).kind, exit_kind::interrupted);
+    const thread_context& after = context();
+    EXPECT_EQ(after.pc, pc);
+    for (unsigned i = 0; i < 31; i++) EXPECT_EQ(after.x[i], before.x[i]) << i;
+    EXPECT_EQ(std::memcmp(after.q, before.q, sizeof before.q), 0);
+    EXPECT_EQ(after.sp, before.sp);
+    EXPECT_EQ(after.nzcv, before.nzcv);
+    EXPECT_EQ(after.fpcr, before.fpcr);
+    EXPECT_EQ(after.fpsr, before.fpsr);
+    cache().flush();
+  }
+}
+
+TEST_F(interrupted_test, leaves_a_linked_loop_at_the_end_of_its_block) {
+  const fragment& loop = install(0x1000, add_x3_1, 0x17ffffff);  // b .-4
+  const fragment& other = install(0x2000, brk, 0x17fffbff);      // b .-0x1004
+  code_cache::link(run(loop), loop);
+  code_cache::link(run(other), loop);
+  cache().leave_soon_at(reinterpret_cast<std::uint64_t>(loop.code));
+  EXPECT_EQ(run(loop).target, 0x1000u);
+  EXPECT_EQ(run(other).target, 0x1000u);  // interrupted in the block itself
+  EXPECT_EQ(context().x[3], 0x13u + 2);
+}
+
+TEST_F(interrupted_test, leaves_at_an_indirect_branch_and_finds_its_way_later) {
+  const fragment& first = install(0x1000, brk, br_x5);
+  const fragment& second = install(0x2000, add_x3_1, svc);
+  context().x[5] = 0x2000;
+  cache().admit(second);
+  EXPECT_EQ(run(first).kind, exit_kind::indirect);
+  EXPECT_EQ(context().pc, 0x2000u);
+  cache().admit(second);
+  const fragment& third = install(0x3000, add_x3_1, br_x5);
+  EXPECT_EQ(run(third).kind, exit_kind::supervisor_call);
 }
 
 TEST_F(cache_test, is_empty_after_a_flush_and_refuses_more_than_it_holds) {
