@@ -97,7 +97,8 @@ constexpr std::string_view patterns[] = {
     "xxx01011xxxrrrrrxxxxxxrrrrrwwwww",  // ADD, SUB (shifted and extended register)
     "10111010000xxxxxx00001rrrrr0xxxx",  // RMIF
     "00111010000000000x0010rrrrr01101",  // SETF8, SETF16
-    "xxx11010000rrrrr00xxxxrrrrrwwwww",  // ADC, SBC, ADDPT, SUBPT
+    "xxx11010000rrrrr000000rrrrrwwwww",  // ADC, SBC
+    "xxx11010000rrrrr001xxxrrrrrwwwww",  // ADDPT, SUBPT
     "xx111010010rrrrrxxxx0xrrrrr0xxxx",  // CCMN, CCMP (register)
     "xx111010010xxxxxxxxx1xrrrrr0xxxx",  // CCMN, CCMP (immediate)
     "xx011010100rrrrrxxxxxxrrrrrwwwww",  // CSEL, CSINC, CSINV, CSNEG
