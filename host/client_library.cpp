@@ -25,11 +25,15 @@ std::string with_slash(const std::string& path) {
 
 }  // namespace
 
-std::string default_client_path() {
+std::string launcher_path() {
   std::array<char, PATH_MAX> buffer;
   const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-  if (length <= 0) fail("cannot read /proc/self/exe to find libsve_client.so; give it with -c");
-  const std::string executable(buffer.data(), static_cast<std::size_t>(length));
+  if (length <= 0) fail("cannot read /proc/self/exe to find the launcher's own file");
+  return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+std::string default_client_path() {
+  const std::string executable = launcher_path();
   const std::string directory = executable.substr(0, executable.rfind('/'));
   return directory + "/../lib/libsve_client.so";
 }
@@ -61,6 +65,11 @@ void client_library::start(const std::vector<std::string>& arguments) const {
   using client_main = void(unsigned id, int argc, const char** argv);
   const auto entry = reinterpret_cast<client_main*>(symbol("dr_client_main"));
   entry(client_id, static_cast<int>(arguments.size()), argv.data());
+}
+
+unsigned client_library::vector_bytes() const {
+  const auto tell = reinterpret_cast<unsigned (*)()>(symbol("sve_vector_bytes"));
+  return tell();
 }
 
 void client_library::list_instructions() const {

@@ -7,6 +7,9 @@
 
 namespace host {
 
+// The launcher's own file, absolute.
+std::string launcher_path();
+
 // libsve_client.so in the launcher's ../lib.
 std::string default_client_path();
 
@@ -19,6 +22,10 @@ class client_library {
   // Checks the interface version that the client was built for and calls its dr_client_main.
   // `arguments` starts with the client's path. Throws launch_error.
   void start(const std::vector<std::string>& arguments) const;
+
+  // The vector length of the processor that the client emulates, in bytes. Throws launch_error if
+  // it doesn't tell.
+  [[nodiscard]] unsigned vector_bytes() const;
 
   // Prints the instruction forms that our own client knows. Throws launch_error for another one.
   void list_instructions() const;

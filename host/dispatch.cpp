@@ -101,6 +101,7 @@ class dispatcher {
       case exit_kind::supervisor_call:
         thread_.context.pc = exit.target;
         ended_ = handle_system_call(thread_) == after_call::end_thread;
+        came_from_ = nullptr;  // a vforked child has used this thread's cache
         return;
     }
     thread_.context.pc = exit.target;
@@ -115,8 +116,10 @@ class dispatcher {
 
 void run_thread(thread_state& thread) {
   run_thread_init_events(thread);
-  dispatcher(thread).run();
+  run_blocks(thread);
   run_thread_exit_events(thread);
 }
+
+void run_blocks(thread_state& thread) { dispatcher(thread).run(); }
 
 }  // namespace host

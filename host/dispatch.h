@@ -10,4 +10,7 @@ namespace host {
 // another thread ends the process. Its thread events are run.
 void run_thread(thread_state& thread);
 
+// The same without the events: for a vforked child, whose thread is its parent's.
+void run_blocks(thread_state& thread);
+
 }  // namespace host

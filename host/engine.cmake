@@ -3,11 +3,13 @@
 enable_language(ASM)
 find_package(Threads REQUIRED)
 add_library(host_engine OBJECT
+  advertised_sve.cpp
   api_inserted_code.cpp
   api_instructions.cpp
   api_operands.cpp
   api_process.cpp
   application_call.S
+  application_memory.cpp
   assembler.cpp
   block_builder.cpp
   block_code.cpp
@@ -16,11 +18,16 @@ add_library(host_engine OBJECT
   control_flow.cpp
   dispatch.cpp
   events.cpp
+  execution.cpp
   fatal.cpp
+  fork_lock.cpp
   guarded_copy.S
   instruction_list.cpp
   mangle.cpp
   memory_map.cpp
+  own_files.cpp
+  process_call.S
+  processes.cpp
   program_break.cpp
   register_fields.cpp
   runtime.cpp
@@ -32,4 +39,4 @@ add_library(host_engine OBJECT
   syscalls.cpp
   thread.cpp
   threads.cpp)
-target_link_libraries(host_engine PUBLIC Threads::Threads ${CMAKE_DL_LIBS})
+target_link_libraries(host_engine PUBLIC host_loader Threads::Threads ${CMAKE_DL_LIBS})

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <mutex>
-#include <shared_mutex>
 #include <vector>
 
 #include "host/address.h"
+#include "host/fork_lock.h"
 #include "host/include/drmgr.h"
 #include "host/include/drreg.h"
 #include "host/thread.h"
@@ -18,13 +18,13 @@ template <typename Function>
 class event {
  public:
   bool add(Function function) {
-    const std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     functions_.push_back(function);
     return true;
   }
 
   bool remove(Function function) {
-    const std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     return std::erase(functions_, function) != 0;
   }
 
@@ -35,11 +35,11 @@ class event {
 
  private:
   std::vector<Function> copy() const {
-    const std::shared_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     return functions_;
   }
 
-  mutable std::shared_mutex mutex_;
+  mutable fork_safe_mutex mutex_;
   std::vector<Function> functions_;
 };
 
@@ -49,7 +49,7 @@ event<void (*)()> process_exit;
 event<drmgr_xform_cb_t> block;
 event<void (*)(void*, const dr_kernel_xfer_info_t*)> kernel_transfer;
 
-std::mutex tls_mutex;
+fork_safe_mutex tls_mutex;
 bool tls_field_taken[tls_field_count];
 
 bool is_tls_index(int index) { return index >= 0 && index < tls_field_count; }

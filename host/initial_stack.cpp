@@ -132,6 +132,13 @@ std::vector<Elf64_auxv_t> application_auxiliary_vector(const Elf64_auxv_t* own,
   return result;
 }
 
+void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector) {
+  constexpr std::uint64_t hwcap_sve = 1u << 22;
+  for (Elf64_auxv_t& entry : auxiliary_vector) {
+    if (entry.a_type == AT_HWCAP) entry.a_un.a_val |= hwcap_sve;
+  }
+}
+
 std::vector<std::byte> build_initial_stack(const process_start& start, std::uint64_t top,
                                            std::span<const std::byte, 16> random) {
   pointed_to upper;
@@ -161,13 +168,14 @@ std::vector<std::byte> build_initial_stack(const process_start& start, std::uint
   return stack;
 }
 
-std::uintptr_t map_initial_stack(const process_start& start) {
+mapped_stack map_initial_stack(const process_start& start) {
   const auto random = fresh_random_bytes();
   const std::size_t filled = build_initial_stack(start, 0, random).size();
-  const std::uintptr_t top = map_stack(stack_size(filled), start.executable_stack);
+  const std::size_t size = stack_size(filled);
+  const std::uintptr_t top = map_stack(size, start.executable_stack);
   const std::vector<std::byte> content = build_initial_stack(start, top, random);
   std::memcpy(pointer_to(top - content.size()), content.data(), content.size());
-  return top - content.size();
+  return {top - size, top, top - content.size()};
 }
 
 }  // namespace host

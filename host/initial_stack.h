@@ -36,13 +36,22 @@ struct program_addresses {
 std::vector<Elf64_auxv_t> application_auxiliary_vector(const Elf64_auxv_t* own,
                                                        const program_addresses& program);
 
+// Makes AT_HWCAP that of a processor with SVE, without SVE2.
+void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector);
+
 // The bytes of the stack from the stack pointer, a multiple of 16, to `top`. Everything that the
 // auxiliary vector points to (AT_EXECFN, AT_PLATFORM, AT_RANDOM) is copied onto the stack.
 std::vector<std::byte> build_initial_stack(const process_start& start, std::uint64_t top,
                                            std::span<const std::byte, 16> random);
 
-// Maps a stack of the size that RLIMIT_STACK allows, with a guard below, and fills it. Returns the
-// stack pointer. Throws launch_error.
-std::uintptr_t map_initial_stack(const process_start& start);
+struct mapped_stack {
+  std::uintptr_t start = 0;  // lowest address that can be used
+  std::uintptr_t end = 0;
+  std::uintptr_t pointer = 0;
+};
+
+// Maps a stack of the size that RLIMIT_STACK allows, with a guard below, and fills it. Throws
+// launch_error.
+mapped_stack map_initial_stack(const process_start& start);
 
 }  // namespace host

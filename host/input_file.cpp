@@ -27,7 +27,9 @@ std::string explain(int error) {
 
 [[noreturn]] void fail(const std::string& what, int error) {
   const auto status = error == ENOENT ? exit_status::not_found : exit_status::cannot_run;
-  throw launch_error(status, what + ": " + explain(error));
+  // Of what is no regular file, execve says that it may not be executed.
+  const int of_execve = error == EISDIR || error == EINVAL ? EACCES : error;
+  throw launch_error(status, what + ": " + explain(error), of_execve);
 }
 
 std::string descriptor_path(int descriptor) {

@@ -1,7 +1,9 @@
-// Why a program could not be started, for the one line that the user sees, and the exit status that
-// a shell would give for it.
+// Why a program could not be started: the one line that the user sees and the exit status that a
+// shell would give for it, or, where the running program has asked for it, the error number of
+// execve.
 #pragma once
 
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 
@@ -17,13 +19,18 @@ enum class exit_status : int {
 
 class launch_error : public std::runtime_error {
  public:
+  // Without a number of its own, a file that cannot be run is one that the kernel knows no way to.
   launch_error(exit_status status, const std::string& message)
-      : std::runtime_error(message), status_(status) {}
+      : launch_error(status, message, status == exit_status::not_found ? ENOENT : ENOEXEC) {}
+  launch_error(exit_status status, const std::string& message, int error_number)
+      : std::runtime_error(message), status_(status), error_number_(error_number) {}
 
   [[nodiscard]] exit_status status() const { return status_; }
+  [[nodiscard]] int error_number() const { return error_number_; }
 
  private:
   exit_status status_;
+  int error_number_;
 };
 
 }  // namespace host

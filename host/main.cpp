@@ -1,14 +1,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <elf.h>
+#include <filesystem>
 #include <string>
 #include <sys/prctl.h>
+#include <unistd.h>
 #include <vector>
 
+#include "host/advertised_sve.h"
 #include "host/client_library.h"
 #include "host/launch_error.h"
 #include "host/loader.h"
 #include "host/options.h"
+#include "host/processes.h"
 #include "host/program_search.h"
 #include "host/runtime.h"
 
@@ -35,21 +39,41 @@ std::string search_path() {
   return path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
 }
 
+// A name without a slash is searched only where it is the user's, not where it is execve's.
+program_to_run find(const options& chosen) {
+  if (chosen.executable.empty()) return find_program(chosen.program, search_path());
+  const std::string& name =
+      chosen.executable_name.empty() ? chosen.executable : chosen.executable_name;
+  program_to_run found = follow_scripts({chosen.executable, name}, chosen.program);
+  if (chosen.executable_descriptor >= 0) close(chosen.executable_descriptor);
+  return found;
+}
+
 loaded_program load(const options& chosen, char** environment) {
-  const program_to_run program = find_program(chosen.program, search_path());
-  loaded_program loaded =
-      load_program(program, collect(environment), auxiliary_vector(environment));
+  const program_to_run program = find(chosen);
+  loaded_program loaded = load_program(program, collect(environment), auxiliary_vector(environment),
+                                       chosen.advertise_sve);
   // The process bears the program's name, as after exec.
   const std::string& name = program.executable_name;
   prctl(PR_SET_NAME, name.c_str() + name.rfind('/') + 1);
   return loaded;
 }
 
+// Programs that this one executes may be in another directory by then.
+std::string absolute(const std::string& path) {
+  return std::filesystem::absolute(path).lexically_normal();
+}
+
 [[noreturn]] void run_program(options chosen, char** environment) {
   const loaded_program program = load(chosen, environment);
   if (chosen.client.empty()) chosen.client.push_back(default_client_path());
+  launch_settings settings{launcher_path(), chosen.client, chosen.advertise_sve};
+  settings.client.front() = absolute(settings.client.front());
+  set_launch_settings(settings);
   initialize(program);
-  client_library(chosen.client.front()).start(chosen.client);
+  const client_library client(chosen.client.front());
+  if (chosen.advertise_sve) advertise_sve(client.vector_bytes());
+  client.start(chosen.client);
   run(program);
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "host/address.h"
+#include "host/fork_lock.h"
 #include "host/thread.h"
 
 namespace host {
@@ -29,7 +30,7 @@ struct mapping {
   std::string path;
 };
 
-std::mutex mutex;
+fork_safe_mutex mutex;
 std::vector<module_info> loaded_modules;  // the first is the main module
 std::vector<mapping> executable_mappings;
 std::vector<module_info> mapped_modules;

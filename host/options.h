@@ -7,6 +7,15 @@
 
 namespace host {
 
+// Options that the launcher gives itself where the program calls execve; see execute_program.
+namespace option_name {
+inline constexpr const char* client = "-c";
+inline constexpr const char* advertise_sve = "--advertise-sve";
+inline constexpr const char* executable = "--executable";
+inline constexpr const char* executable_name = "--executable-name";
+inline constexpr const char* executable_descriptor = "--executable-descriptor";
+}  // namespace option_name
+
 enum class requested_action { run, show_help, show_version, list_instructions };
 
 struct options {
@@ -15,6 +24,13 @@ struct options {
   std::vector<std::string> client;
   // argv for the program, from the name that the user gave.
   std::vector<std::string> program;
+  // The file to run where it is not the one that argv[0] names; empty: it is.
+  std::string executable;
+  // What the file is called in AT_EXECFN and as the process's name; empty: as `executable`.
+  std::string executable_name;
+  // An open descriptor on the file that the program is not to inherit, or -1.
+  int executable_descriptor = -1;
+  bool advertise_sve = false;
 };
 
 extern const char* const help_text;

@@ -23,7 +23,9 @@ struct loaded_program {
   std::vector<module_info> other_modules;  // the interpreter, if there is one
   std::uintptr_t start_pc = 0;             // first instruction: the interpreter's or the program's
   std::uintptr_t stack_pointer = 0;        // points at argc, as the kernel leaves it
-  std::uintptr_t program_break = 0;        // initial break: the page after the program's data
+  std::uintptr_t stack_start = 0;          // without the guard below it
+  std::uintptr_t stack_end = 0;
+  std::uintptr_t program_break = 0;  // initial break: the page after the program's data
 };
 
 }  // namespace host

@@ -2,17 +2,19 @@
 
 #include <mutex>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include "host/address.h"
 #include "host/fatal.h"
+#include "host/fork_lock.h"
 
 namespace host {
 namespace {
 
-constexpr std::uint64_t page_bytes = 65536;  // a multiple of every page size of the architecture
+const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 constexpr std::uint64_t reserved_bytes = 256u << 20;
 
-std::mutex mutex;
+fork_safe_mutex mutex;
 std::uint64_t region_start = 0;
 std::uint64_t region_end = 0;  // of the reservation
 std::uint64_t usable_end = 0;  // of what can be read and written
@@ -74,6 +76,11 @@ std::uint64_t move_program_break(std::uint64_t wanted) {
   if (end < usable_end) give_back(end);
   current = wanted;
   return current;
+}
+
+std::pair<std::uint64_t, std::uint64_t> program_break_range() {
+  const std::lock_guard lock(mutex);
+  return {region_start, usable_end};
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace host {
 
@@ -11,5 +12,8 @@ void reserve_program_break();
 
 // As the brk system call: returns the new break, or the old one if it cannot be moved.
 std::uint64_t move_program_break(std::uint64_t wanted);
+
+// From its start to the end of its last page; equal if the program has not moved it.
+std::pair<std::uint64_t, std::uint64_t> program_break_range();
 
 }  // namespace host

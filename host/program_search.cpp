@@ -93,18 +93,25 @@ std::optional<script_line> read_script_line(const std::string& path, std::string
 program_to_run find_program(const std::vector<std::string>& arguments,
                             std::string_view search_path) {
   const std::string name = find_in_path(arguments.front(), search_path);
-  program_to_run program{input_file(name), name, arguments};
+  return follow_scripts({name, name}, arguments);
+}
+
+program_to_run follow_scripts(const executable_file& executable,
+                              const std::vector<std::string>& arguments) {
+  program_to_run program{input_file(executable.path), executable.name, arguments};
+  std::string name = executable.name;  // of the file in view
   for (int depth = 0;; ++depth) {
-    const std::string path = program.file.path();
-    const auto line = read_script_line(path, as_text(program.file.bytes()));
+    const auto line = read_script_line(name, as_text(program.file.bytes()));
     if (!line) return program;
     if (depth == nesting_limit) {
       throw launch_error(exit_status::cannot_run,
-                         name + ": scripts that interpret scripts more than " +
-                             std::to_string(nesting_limit) + " deep; shorten the chain");
+                         executable.name + ": scripts that interpret scripts more than " +
+                             std::to_string(nesting_limit) + " deep; shorten the chain",
+                         ELOOP);
     }
-    program = {input_file(line->interpreter, path + ": interpreter "), name,
-               interpreter_arguments(*line, path, program.arguments)};
+    program = {input_file(line->interpreter, name + ": interpreter "), executable.name,
+               interpreter_arguments(*line, name, program.arguments)};
+    name = line->interpreter;
   }
 }
 

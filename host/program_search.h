@@ -36,4 +36,15 @@ std::optional<script_line> read_script_line(const std::string& path, std::string
 program_to_run find_program(const std::vector<std::string>& arguments,
                             std::string_view search_path);
 
+// A file that execve is asked to execute. The two differ where the path is the host's own way to a
+// file that the program has named by a descriptor.
+struct executable_file {
+  std::string path;  // that opens it
+  std::string name;  // for AT_EXECFN, for the process's name, and as a script's own argument
+};
+
+// The same for a file that is known; arguments.front() is only what the program shall see there.
+program_to_run follow_scripts(const executable_file& executable,
+                              const std::vector<std::string>& arguments);
+
 }  // namespace host

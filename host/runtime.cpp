@@ -1,8 +1,10 @@
 #include "host/runtime.h"
 
+#include "host/application_memory.h"
 #include "host/dispatch.h"
 #include "host/fatal.h"
 #include "host/memory_map.h"
+#include "host/own_files.h"
 #include "host/program_break.h"
 #include "host/signal_delivery.h"
 #include "host/signals.h"
@@ -13,6 +15,8 @@ namespace host {
 void initialize(const loaded_program& program) {
   static signal_actions actions;
   set_loaded_modules(program);
+  note_loaded_memory(program);
+  note_initial_stack(program.stack_pointer);
   install_signal_handlers();
   reserve_program_break();
   thread_state* const initial = acquire_thread();

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <mutex>
 
+#include "host/fork_lock.h"
+
 namespace host {
 
 inline constexpr int highest_signal = 64;
@@ -47,7 +49,7 @@ class signal_actions {
   void tell_kernel_of_ignored() const;
 
  private:
-  mutable std::mutex mutex_;
+  mutable fork_safe_mutex mutex_;
   std::array<kernel_action, highest_signal + 1> actions_{};
 };
 

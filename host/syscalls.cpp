@@ -10,13 +10,18 @@
 #include <sched.h>
 #include <string_view>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include "host/address.h"
+#include "host/advertised_sve.h"
 #include "host/application_call.h"
+#include "host/application_memory.h"
 #include "host/fatal.h"
 #include "host/memory_map.h"
+#include "host/own_files.h"
+#include "host/processes.h"
 #include "host/program_break.h"
 #include "host/signal_calls.h"
 #include "host/signal_delivery.h"
@@ -28,13 +33,27 @@ namespace {
 
 bool is_error(std::int64_t result) { return result < 0 && result > -4096; }
 
+std::uint64_t page_up(std::uint64_t address) {
+  static const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+  return (address + page_bytes - 1) & ~(page_bytes - 1);
+}
+
 std::int64_t change_mapping(std::int64_t number, const std::uint64_t* x) {
   const std::int64_t result = kernel_call(number, x[0], x[1], x[2], x[3], x[4], x[5]);
   if (is_error(result)) return result;
   const auto start = static_cast<std::uint64_t>(result);
   switch (number) {
-    case SYS_mmap: note_changed(start, start + x[1]); break;
+    case SYS_mmap:
+      note_mapped(start, page_up(start + x[1]));
+      note_changed(start, start + x[1]);
+      break;
+    case SYS_munmap:
+      note_unmapped(x[0], page_up(x[0] + x[1]));
+      note_changed(x[0], x[0] + x[1]);
+      break;
     case SYS_mremap:
+      if ((x[3] & MREMAP_DONTUNMAP) == 0) note_unmapped(x[0], page_up(x[0] + x[1]));
+      note_mapped(start, page_up(start + x[2]));
       note_changed(x[0], x[0] + x[1]);
       note_changed(start, start + x[2]);
       break;
@@ -43,41 +62,43 @@ std::int64_t change_mapping(std::int64_t number, const std::uint64_t* x) {
   return result;
 }
 
-// /proc/self/exe shall be the program, not the launcher. The kernel is asked first whether the path
-// can be read at all.
-bool names_own_executable(std::uint64_t directory, std::uint64_t path) {
-  if (is_error(kernel_call(SYS_faccessat, directory, path, F_OK))) return false;
-  return std::strcmp(pointer_to<const char>(path), "/proc/self/exe") == 0;
-}
-
-std::int64_t read_link(const std::uint64_t* x) {
-  const auto module = main_module();
-  if (!module || x[3] == 0 || !names_own_executable(x[0], x[1])) {
-    return kernel_call(SYS_readlinkat, x[0], x[1], x[2], x[3]);
-  }
-  const std::size_t length = std::min<std::size_t>(module->full_path.size(), x[3]);
-  std::memcpy(pointer_to(x[2]), module->full_path.data(), length);
-  return static_cast<std::int64_t>(length);
-}
-
-std::int64_t open_file(const std::uint64_t* x) {
-  const std::int64_t result = kernel_call(SYS_openat, x[0], x[1], x[2], x[3]);
-  if (is_error(result) || !names_own_executable(x[0], x[1])) return result;
-  const auto module = main_module();
-  if (!module) return result;
-  close(static_cast<int>(result));
-  return kernel_call(SYS_openat, x[0], address_of(module->full_path.c_str()), x[2], x[3]);
-}
-
 std::int64_t clone(thread_state& thread) {
   const std::uint64_t flags = thread.context.x[0];
-  constexpr std::uint64_t thread_flags = CLONE_VM | CLONE_SIGHAND | CLONE_THREAD;
-  if ((flags & CLONE_VFORK) != 0) fatal("vfork (clone, flags %#lx) is not supported yet", flags);
-  if ((flags & CLONE_VM) == 0) fatal("fork (clone, flags %#lx) is not supported yet", flags);
-  if ((flags & thread_flags) != thread_flags) {
-    fatal("clone with the flags %#lx is not supported yet", flags);
+  const auto has = [flags](std::uint64_t flag) { return (flags & flag) != 0; };
+  if (has(CLONE_SIGHAND) && !has(CLONE_VM)) return -EINVAL;
+  if (has(CLONE_THREAD) && !has(CLONE_SIGHAND)) return -EINVAL;
+  return has(CLONE_THREAD) && !has(CLONE_VFORK) ? clone_thread(thread) : clone_process(thread);
+}
+
+// Files by which the application learns of itself.
+std::int64_t call_with_path(const thread_state& thread, std::int64_t number) {
+  std::array<std::uint64_t, 9> x{};
+  std::copy_n(thread.context.x, x.size(), x.begin());
+  if (number == SYS_openat) {
+    if (const auto opened = open_own_file(x.data())) return *opened;
+  } else if (number == SYS_readlinkat) {
+    if (const auto length = read_own_link(x.data())) return *length;
+  } else {
+    const std::uint64_t flags = number == SYS_statx ? x[2] : x[3];
+    const bool follows = number == SYS_faccessat || (flags & AT_SYMLINK_NOFOLLOW) == 0;
+    if (follows) x[1] = followed_path(x[0], x[1]);
   }
-  return clone_thread(thread);
+  return application_call(x.data(), &thread.context.attention);
+}
+
+// A filter would judge the host's own calls, too, so this is a kernel without them.
+std::int64_t control_process(thread_state& thread, const std::uint64_t* x) {
+  switch (x[0]) {
+    case PR_SET_SECCOMP: return -EINVAL;
+    case PR_SVE_GET_VL:
+      if (sve_is_advertised()) return get_vector_length(thread);
+      break;
+    case PR_SVE_SET_VL:
+      if (sve_is_advertised()) return set_vector_length(thread, x[1]);
+      break;
+    default: break;
+  }
+  return application_call(x, &thread.context.attention);
 }
 
 std::int64_t set_tid_address(thread_state& thread) {
@@ -109,9 +130,16 @@ std::int64_t call(thread_state& thread) {
     case SYS_epoll_pwait:
     case SYS_epoll_pwait2: return wait_under_mask(thread, x);
     case SYS_execve:
-    case SYS_execveat: fatal("execve is not supported yet");
-    case SYS_readlinkat: return read_link(x);
-    case SYS_openat: return open_file(x);
+    case SYS_execveat: return execute_program(thread);
+    case SYS_openat:
+    case SYS_readlinkat:
+    case SYS_newfstatat:
+    case SYS_statx:
+    case SYS_faccessat:
+    case SYS_faccessat2: return call_with_path(thread, number);
+    case SYS_prctl: return control_process(thread, x);
+    case SYS_seccomp: return -ENOSYS;
+    case SYS_ptrace: fatal("ptrace (request %ld) is not supported", x[0]);
     default: return application_call(x, &thread.context.attention);
   }
 }

@@ -8,6 +8,7 @@
 
 #include "host/address.h"
 #include "host/context_switch.h"
+#include "host/fork_lock.h"
 #include "host/signals.h"
 
 namespace host {
@@ -15,10 +16,11 @@ namespace {
 
 constinit thread_local thread_state* bound_thread = nullptr;
 
-std::mutex registry_mutex;
+fork_safe_mutex registry_mutex;
 std::atomic<thread_state*> registry = nullptr;
 std::atomic<int> active_threads = 0;
 std::atomic<bool> ending = false;
+pid_t process = getpid();  // whose threads are registered; not that of a vforked child
 
 std::uint64_t read_tpidr() {
   std::uint64_t value = 0;
@@ -45,7 +47,7 @@ constexpr timespec a_moment = {.tv_sec = 0, .tv_nsec = 1'000'000};
 // Has the thread look at its attention word, wherever it is.
 void poke(thread_state& thread) {
   std::atomic_ref(thread.context.attention).store(1);
-  syscall(SYS_tgkill, getpid(), thread.tid, stop_signal);
+  syscall(SYS_tgkill, process, thread.tid, stop_signal);
 }
 
 // A thread in the kernel may not answer for long, in a call that no signal ends; it will find the
@@ -67,6 +69,8 @@ void thread_state::reset() {
   blocked_host_signals = 0;
   flush_requested = false;
   stop_requested = false;
+  is_vfork_child = false;
+  inherits_vector_length = false;
 }
 
 thread_state* current_thread() { return bound_thread; }
@@ -108,6 +112,19 @@ thread_state* thread_of_cache_address(std::uint64_t address) {
     if (thread->cache.contains(address)) return thread;
   }
   return nullptr;
+}
+
+int active_thread_count() { return active_threads; }
+
+// The records of the others are not used again: they may have been in the middle of a change.
+void keep_only(thread_state& survivor) {
+  survivor.next = nullptr;
+  survivor.tid = static_cast<pid_t>(syscall(SYS_gettid));
+  survivor.stop_requested = false;
+  registry = &survivor;
+  active_threads = 1;
+  ending = false;
+  process = survivor.tid;
 }
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit) {

@@ -33,10 +33,12 @@ struct thread_state {
   void* signal_stack_memory = nullptr;     // the host's, kept with the record
   std::atomic<bool> flush_requested = false;
   std::atomic<bool> stop_requested = false;
-  std::atomic<bool> in_cache = false;  // or in a call from there; not in the dispatcher
-  std::atomic<bool> active = false;    // between its thread-init and thread-exit events
-  bool in_use = false;                 // guarded by the registry's lock
-  thread_state* next = nullptr;        // in the registry
+  std::atomic<bool> in_cache = false;   // or in a call from there; not in the dispatcher
+  std::atomic<bool> active = false;     // between its thread-init and thread-exit events
+  bool is_vfork_child = false;          // its memory and all records are its parent's
+  bool inherits_vector_length = false;  // PR_SVE_VL_INHERIT
+  bool in_use = false;                  // guarded by the registry's lock
+  thread_state* next = nullptr;         // in the registry
 
   void reset();
 };
@@ -58,6 +60,11 @@ void release_thread(thread_state& thread);
 
 // The thread in whose code cache an address lies, or null. Safe in a signal handler.
 thread_state* thread_of_cache_address(std::uint64_t address);
+
+int active_thread_count();
+
+// After fork, in the child: no other thread is left. To be called with all locks held.
+void keep_only(thread_state& survivor);
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit);
 

@@ -13,6 +13,7 @@
 #include "host/address.h"
 #include "host/dispatch.h"
 #include "host/events.h"
+#include "host/fatal.h"
 #include "host/signal_delivery.h"
 
 namespace host {
@@ -56,17 +57,6 @@ void* run_new_thread(void* argument) {
   return nullptr;
 }
 
-void copy_registers(const thread_context& from, thread_context& to) {
-  std::copy(std::begin(from.x), std::end(from.x), to.x);
-  std::copy(&from.q[0][0], &from.q[0][0] + sizeof from.q, &to.q[0][0]);
-  to.sp = from.sp;
-  to.pc = from.pc;
-  to.nzcv = from.nzcv;
-  to.fpcr = from.fpcr;
-  to.fpsr = from.fpsr;
-  to.tpidr = from.tpidr;
-}
-
 void set_up_child(const thread_context& parent, thread_context& child) {
   const std::uint64_t flags = parent.x[0];
   const std::uint64_t stack = parent.x[1];
@@ -105,13 +95,31 @@ void clear_and_wake(std::uint64_t address) {
   std::exit(status);
 }
 
+// A vforked child takes nothing with it: its memory and its threads are its parent's.
+[[noreturn]] void leave_vforked(int status) {
+  for (;;) kernel_call(SYS_exit_group, static_cast<std::uint64_t>(status));
+}
+
 }  // namespace
 
+void copy_registers(const thread_context& from, thread_context& to) {
+  std::copy(std::begin(from.x), std::end(from.x), to.x);
+  std::copy(&from.q[0][0], &from.q[0][0] + sizeof from.q, &to.q[0][0]);
+  to.sp = from.sp;
+  to.pc = from.pc;
+  to.nzcv = from.nzcv;
+  to.fpcr = from.fpcr;
+  to.fpsr = from.fpsr;
+  to.tpidr = from.tpidr;
+}
+
 std::int64_t clone_thread(thread_state& parent) {
+  if (parent.is_vfork_child) fatal("a thread in a process that vfork made is not supported");
   thread_state* const child = acquire_thread();
   if (child == nullptr) return -EAGAIN;
   set_up_child(parent.context, child->context);
   child->actions = parent.actions;
+  child->inherits_vector_length = parent.inherits_vector_length;
   const std::uint64_t mask = block_signals(parent);  // the new thread has no stack for them yet
   birth b = {.thread = child,
              .flags = parent.context.x[0],
@@ -128,11 +136,13 @@ std::int64_t clone_thread(thread_state& parent) {
 }
 
 after_call exit_thread(thread_state& thread, int status) {
+  if (thread.is_vfork_child) leave_vforked(status);
   if (is_initial_thread(thread)) status_of_initial_thread = status;
   return after_call::end_thread;
 }
 
 after_call exit_process(thread_state& thread, int status) {
+  if (thread.is_vfork_child) leave_vforked(status);
   if (!stop_other_threads()) return after_call::end_thread;
   run_thread_exit_events(thread);
   retire_thread(thread);

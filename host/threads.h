@@ -12,6 +12,9 @@ namespace host {
 // Returns the new thread's number or a negative error number.
 std::int64_t clone_thread(thread_state& parent);
 
+// The application's registers.
+void copy_registers(const thread_context& from, thread_context& to);
+
 // exit: the thread leaves the dispatcher; `finish_thread` does the rest.
 after_call exit_thread(thread_state& thread, int status);
 

@@ -76,9 +76,6 @@ static int end(const char* how) {
     pthread_exit(NULL);
   }
   if (strcmp(how, "ignore") == 0) return signal(SIGUSR1, SIG_IGN) == SIG_ERR || raise(SIGUSR1);
-  if (strcmp(how, "fork") == 0) return fork();
-  if (strcmp(how, "system") == 0) return system("true");
-  if (strcmp(how, "exec") == 0) return execl("/bin/true", "true", NULL);
   return 100;
 }
 
