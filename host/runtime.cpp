@@ -1,5 +1,9 @@
 #include "host/runtime.h"
 
+#include <csignal>
+#include <sys/syscall.h>
+
+#include "host/address.h"
 #include "host/application_memory.h"
 #include "host/dispatch.h"
 #include "host/fatal.h"
@@ -8,6 +12,7 @@
 #include "host/program_break.h"
 #include "host/signal_delivery.h"
 #include "host/signals.h"
+#include "host/syscalls.h"
 #include "host/threads.h"
 
 namespace host {
@@ -27,7 +32,9 @@ void initialize(const loaded_program& program) {
 
 void run(const loaded_program& program) {
   thread_state& initial = *current_thread();
-  set_application_mask(initial, block_signals(initial));
+  std::uint64_t inherited_mask = 0;
+  kernel_call(SYS_rt_sigprocmask, SIG_BLOCK, 0, address_of(&inherited_mask), sizeof inherited_mask);
+  set_application_mask(initial, inherited_mask);
   initial.context.pc = program.start_pc;
   initial.context.sp = program.stack_pointer;
   run_thread(initial);

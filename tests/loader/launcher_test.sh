@@ -121,7 +121,7 @@ expect 2 "no program given"
 expect 125 "cannot load the client library: .*absent.so" -c ./absent.so -- ./show
 expect 125 "cannot load the client library: .*text" -c text -- ./show
 tessaly --help >out 2>err || fail "--help: $(cat err)"
-grep -q "^Usage: tessaly PROGRAM" out || fail "--help prints $(cat out err)"
+grep -q "^Usage: tessaly .OPTIONS. PROGRAM" out || fail "--help prints $(cat out err)"
 tessaly --version >out 2>err || fail "--version: $(cat err)"
 grep -Eqx "tessaly [0-9.]+" out || fail "--version prints $(cat out err)"
 

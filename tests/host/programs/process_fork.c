@@ -1,0 +1,181 @@
+// fork as the kernel has it: what the child shares, what it has of its own, what it finds of
+// numbers, threads and signals, and how it ends.
+#define _GNU_SOURCE
+#include <errno.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
+#include <stdatomic.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+static int private_number = 1;
+static int* shared;  // visible to all processes
+static volatile sig_atomic_t handled;
+
+static void handle(int signal) { handled = signal; }
+
+// Prints how the child of this number ended.
+static void report(const char* what, pid_t child) {
+  int status = 0;
+  if (waitpid(child, &status, 0) != child) {
+    printf("%s: no child, error %d\n", what, errno);
+  } else if (WIFEXITED(status)) {
+    printf("%s: exit %d\n", what, WEXITSTATUS(status));
+  } else {
+    printf("%s: signal %d\n", what, WTERMSIG(status));
+  }
+}
+
+static void memory(void) {
+  const pid_t child = fork();
+  if (child == 0) {
+    private_number = 2;
+    *shared = 3;
+    exit(7);
+  }
+  report("memory", child);
+  printf("private %d shared %d\n", private_number, *shared);
+}
+
+static void numbers(void) {
+  const pid_t parent = getpid();
+  const pid_t child = fork();
+  if (child == 0) {
+    const int right = getpid() == gettid() && getpid() != parent && getppid() == parent;
+    _exit(right ? 0 : 1);
+  }
+  report("numbers", child);
+}
+
+// Each generation's status is one more than that of the next.
+static int generations(int depth) {
+  if (depth == 0) return 11;
+  const pid_t child = fork();
+  if (child == 0) _exit(generations(depth - 1));
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WEXITSTATUS(status) + 1;
+}
+
+static void ends(void) {
+  pid_t child = fork();
+  if (child == 0) abort();
+  report("abort", child);
+  child = fork();
+  if (child == 0) pause();
+  kill(child, SIGTERM);
+  report("term", child);
+  child = fork();
+  if (child == 0) pthread_exit(NULL);
+  report("last thread", child);
+  child = fork();
+  if (child == 0) _exit(generations(4));
+  report("generations", child);
+}
+
+static void signals(void) {
+  signal(SIGUSR1, handle);
+  sigset_t blocked, now, pending;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR1);
+  sigaddset(&blocked, SIGUSR2);
+  sigprocmask(SIG_BLOCK, &blocked, NULL);
+  raise(SIGUSR1);
+  const pid_t child = fork();
+  if (child == 0) {
+    sigprocmask(SIG_SETMASK, NULL, &now);
+    sigpending(&pending);
+    const int inherited = sigismember(&now, SIGUSR1) && sigismember(&now, SIGUSR2);
+    const int clean = !sigismember(&pending, SIGUSR1);
+    sigprocmask(SIG_UNBLOCK, &blocked, NULL);
+    const int quiet = handled == 0;
+    raise(SIGUSR1);
+    _exit(inherited + 2 * clean + 4 * quiet + 8 * (handled == SIGUSR1));
+  }
+  report("signals", child);
+  sigprocmask(SIG_UNBLOCK, &blocked, NULL);
+  printf("handled %d\n", handled);
+}
+
+static void raw_flags(void) {
+  pid_t* tids = (pid_t*)shared + 16;  // of the child, in the child, and in the parent
+  const long flags = CLONE_CHILD_SETTID | CLONE_CHILD_CLEARTID | CLONE_PARENT_SETTID | SIGCHLD;
+  const long child = syscall(SYS_clone, flags, 0, &tids[0], 0, &tids[1]);
+  if (child == 0) {
+    tids[2] = getpid();
+    // The exit clears tids[1], since the memory is shared with the parent.
+    syscall(SYS_exit, tids[1] == getpid() ? 0 : 1);
+  }
+  report("raw flags", (pid_t)child);
+  printf("parent's %d child's own %d cleared %d\n", tids[0] == child, tids[2] == child,
+         tids[1] == 0);
+  printf("refused %ld", syscall(SYS_clone, CLONE_SIGHAND | SIGCHLD, 0, 0, 0, 0));
+  printf(" %d\n", errno);
+}
+
+static atomic_int stop;
+
+static void* churn(void* argument) {
+  while (!stop) {
+    void* volatile block = malloc(100);
+    free(block);
+  }
+  return argument;
+}
+
+static void* count(void* argument) {
+  ++*(int*)argument;
+  return NULL;
+}
+
+// The child of a process with threads in the middle of everything still has a working C library.
+static void* fork_many(void* argument) {
+  int failures = 0;
+  for (int i = 0; i < 12; i++) {
+    const pid_t child = fork();
+    if (child == 0) {
+      int counted = 0;
+      pthread_t thread;
+      free(malloc(100));
+      if (pthread_create(&thread, NULL, count, &counted) != 0) _exit(1);
+      pthread_join(thread, NULL);
+      _exit(counted == 1 ? 0 : 2);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    if (status != 0) failures++;
+  }
+  *(int*)argument = failures;
+  return NULL;
+}
+
+static void threads(void) {
+  pthread_t churning[3], forking;
+  int failures = -1;
+  for (int i = 0; i < 3; i++) pthread_create(&churning[i], NULL, churn, NULL);
+  pthread_create(&forking, NULL, fork_many, &failures);
+  pthread_join(forking, NULL);
+  stop = 1;
+  for (int i = 0; i < 3; i++) pthread_join(churning[i], NULL);
+  printf("threads: %d failures\n", failures);
+}
+
+int main(void) {
+  setbuf(stdout, NULL);
+  shared = mmap(NULL, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  memory();
+  numbers();
+  ends();
+  signals();
+  raw_flags();
+  threads();
+  return 0;
+}
