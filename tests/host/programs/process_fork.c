@@ -139,7 +139,7 @@ static void* count(void* argument) {
 // The child of a process with threads in the middle of everything still has a working C library.
 static void* fork_many(void* argument) {
   int failures = 0;
-  for (int i = 0; i < 12; i++) {
+  for (int i = 0; i < 8; i++) {
     const pid_t child = fork();
     if (child == 0) {
       int counted = 0;
