@@ -144,6 +144,12 @@ void register_events() {
   CLIENT_ASSERT(drmgr_register_bb_app2app_event(event_instruction_change, nullptr), "false");
 }
 
+// A child of fork must not find the counts locked by a thread that it hasn't.
+int hold_counts_across_fork() {
+  return pthread_atfork([] { icounts_mutex.lock(); }, [] { icounts_mutex.unlock(); },
+                        [] { icounts_mutex.unlock(); });
+}
+
 }  // namespace
 
 void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
@@ -161,8 +167,6 @@ void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
   sve_instr_count = 0;
   aarch64_instr_count = 0;
   drmgr_register_kernel_xfer_event(event_kernel_transfer);
-  // A child of fork must not find the counts locked by a thread that it hasn't.
-  pthread_atfork([] { icounts_mutex.lock(); }, [] { icounts_mutex.unlock(); },
-                 [] { icounts_mutex.unlock(); });
+  [[maybe_unused]] static const int registered = hold_counts_across_fork();
   dr_log(nullptr, DR_LOG_ALL, 1, "SVE client initializing\n");
 }

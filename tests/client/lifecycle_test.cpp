@@ -24,6 +24,7 @@ TEST_F(ClientTest, StartsAndEndsInOrder) {
       "dr_register_exit_event",
       "drmgr_register_bb_app2app_event",
       "drmgr_register_tls_field",
+      "drmgr_register_kernel_xfer_event",
       "dr_log SVE client initializing\n",
       "dr_log SVE client exiting\n",
       "drmgr_unregister_bb_app2app_event",

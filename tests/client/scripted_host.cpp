@@ -126,6 +126,10 @@ bool drmgr_unregister_bb_app2app_event(drmgr_xform_cb_t func) {
 }
 
 constexpr int field_index = 5;
+bool drmgr_register_kernel_xfer_event(void (*)(void*, const dr_kernel_xfer_info_t*)) {
+  return host_script.record("drmgr_register_kernel_xfer_event");
+}
+
 int drmgr_register_tls_field() {
   host_script.record("drmgr_register_tls_field");
   return field_index;

@@ -39,7 +39,7 @@ static size_t state_bytes(void) { return 32 * svcntb() + 17 * (svcntb() / 8); }
 static void use_vectors(int signal) {
   struct image in, out;
   fill(&in, (unsigned)signal * 77 + (unsigned)handled);
-  if (++depth < 3) raise(signal);
+  if (++depth < 3) raise(SIGUSR1);
   hold_vectors(&in, &out, &at_once);
   if (memcmp(in.bytes, out.bytes, state_bytes()) != 0) puts("changed within the handler");
   --depth;
@@ -47,8 +47,10 @@ static void use_vectors(int signal) {
 }
 
 static void return_to_interrupted(void) {
-  struct sigaction action = {.sa_handler = use_vectors, .sa_flags = SA_NODEFER};
+  struct sigaction action = {.sa_handler = use_vectors};
   sigaction(SIGALRM, &action, NULL);
+  action.sa_flags = SA_NODEFER;
+  sigaction(SIGUSR1, &action, NULL);
   const struct itimerval often = {{.tv_usec = 2000}, {.tv_usec = 2000}};
   setitimer(ITIMER_REAL, &often, NULL);
   struct image in, out;
