@@ -59,3 +59,6 @@ const instruction_row* find_row(std::uint32_t word);
 
 // Prints the table, one line a row: pattern, kind, name.
 extern "C" void list_sve_instructions(std::FILE* out);
+
+// The vector length of this build, in bytes, for a host that tells programs of it.
+extern "C" unsigned sve_vector_bytes();

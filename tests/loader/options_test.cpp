@@ -32,6 +32,21 @@ TEST(options, separates_client_and_program) {
   }
 }
 
+TEST(options, stand_before_the_program) {
+  const options chosen =
+      parse_options(words{"--executable", "file", "--advertise-sve", "--executable-name", "name",
+                          "--executable-descriptor", "7", "-c", "c.so", "x", "--", "", "-y"});
+  EXPECT_TRUE(chosen.advertise_sve);
+  EXPECT_EQ(chosen.executable, "file");
+  EXPECT_EQ(chosen.executable_name, "name");
+  EXPECT_EQ(chosen.executable_descriptor, 7);
+  EXPECT_EQ(chosen.client, (words{"c.so", "x"}));
+  EXPECT_EQ(chosen.program, (words{"", "-y"}));
+  const options plain = parse_options(words{"prog", "--advertise-sve"});
+  EXPECT_FALSE(plain.advertise_sve);
+  EXPECT_EQ(plain.executable_descriptor, -1);
+}
+
 TEST(options, knows_requests_for_information) {
   EXPECT_EQ(parse_options(words{"--help"}).action, requested_action::show_help);
   EXPECT_EQ(parse_options(words{"--version"}).action, requested_action::show_version);
@@ -55,6 +70,10 @@ TEST(options, refuses_what_makes_no_sense) {
       {{"--helpful"}, "unknown option --helpful"},
       {{"-"}, "unknown option -"},
       {{"--version", "prog"}, "--version takes no"},
+      {{"--advertise-sve"}, "no program given"},
+      {{"--executable"}, "--executable needs a value"},
+      {{"--executable-descriptor", "1x", "prog"}, "needs a number, not 1x"},
+      {{"--executable-descriptor", "-1", "prog"}, "needs a number, not -1"},
   };
   for (const auto& row : table) {
     try {

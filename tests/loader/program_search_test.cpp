@@ -121,6 +121,38 @@ TEST_F(program_search, follows_nested_scripts) {
   EXPECT_EQ(status_of({put("self", "#!" + at("self"))}, ""), exit_status::cannot_run);
 }
 
+TEST_F(program_search, tells_the_path_of_a_file_from_its_name) {
+  const std::string elf = put("elf", "\177ELF...");
+  const std::string script = put("script", "#!" + elf);
+  const program_to_run program = follow_scripts({script, "/dev/fd/3"}, {"lost", "x"});
+  EXPECT_EQ(program.file.path(), elf);
+  EXPECT_EQ(program.executable_name, "/dev/fd/3");
+  EXPECT_EQ(program.arguments, (words{elf, "/dev/fd/3", "x"}));
+}
+
+// As execve has them.
+TEST_F(program_search, numbers_its_errors) {
+  const auto error_of = [](const std::string& path) {
+    try {
+      follow_scripts({path, path}, {"x"});
+      return 0;
+    } catch (const launch_error& error) {
+      return error.error_number();
+    }
+  };
+  put("plain", "x", 0644);
+  EXPECT_EQ(error_of(put("elf", "\177ELF...")), 0);
+  EXPECT_EQ(error_of(at("absent")), ENOENT);
+  EXPECT_EQ(error_of(at("plain")), EACCES);
+  EXPECT_EQ(error_of(at("plain/x")), ENOTDIR);
+  EXPECT_EQ(error_of(root_), EACCES);
+  EXPECT_EQ(error_of("/dev/null"), EACCES);
+  EXPECT_EQ(error_of(put("empty", "")), ENOEXEC);
+  EXPECT_EQ(error_of(put("bare", "#!\n")), ENOEXEC);
+  EXPECT_EQ(error_of(put("lost", "#!/does/not/exist\n")), ENOENT);
+  EXPECT_EQ(error_of(put("self", "#!" + at("self"))), ELOOP);
+}
+
 TEST_F(program_search, tells_what_is_wrong_with_an_interpreter) {
   const std::string plain = put("plain", "x", 0644);
   EXPECT_EQ(status_of({put("s1", "#!/does/not/exist\n")}, ""), exit_status::not_found);

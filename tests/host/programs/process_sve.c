@@ -1,0 +1,88 @@
+// What a program is told of SVE, in all the places where it may ask.
+//
+// process_sve LENGTH [again]: LENGTH is that of a vector in bytes, 0 for a processor without SVE.
+// The status is the number of wrong answers. With `again` the program executes itself for a second
+// round.
+#include <errno.h>
+#include <pthread.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/auxv.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+static int wrong;
+
+static void expect(const char* what, long seen, long wanted) {
+  if (seen == wanted) return;
+  printf("%s: %ld instead of %ld\n", what, seen, wanted);
+  wrong++;
+}
+
+// Whether all processors have the feature. The emulator's own file knows no features.
+static int has_feature(int otherwise) {
+  char line[1024];
+  int lines = 0, found = 0;
+  FILE* file = fopen("/proc/cpuinfo", "r");
+  while (fgets(line, sizeof line, file) != NULL) {
+    line[strcspn(line, "\n")] = ' ';
+    if (strncmp(line, "Features", 8) != 0) continue;
+    lines++;
+    found += strstr(line, " sve ") != NULL;
+  }
+  fclose(file);
+  return lines == 0 ? otherwise : found == lines;
+}
+
+static long set_length(unsigned long argument) {
+  const int result = prctl(PR_SVE_SET_VL, argument);
+  return result < 0 ? -errno : result;
+}
+
+static void* get_length(void* length) {
+  *(int*)length = prctl(PR_SVE_GET_VL);
+  return NULL;
+}
+
+// A processor with a single length: the length never changes, whatever is asked for.
+static void check_lengths(int length) {
+  const struct {
+    unsigned long argument;
+    long result;
+  } table[] = {
+      {16, length},
+      {8192, length},
+      {8208, -EINVAL},
+      {24, -EINVAL},
+      {0, -EINVAL},
+      {32 | PR_SVE_SET_VL_ONEXEC, length},
+      {16 | 1u << 19, -EINVAL},
+      {16 | PR_SVE_VL_INHERIT, length | PR_SVE_VL_INHERIT},
+  };
+  expect("length", prctl(PR_SVE_GET_VL), length);
+  for (unsigned i = 0; i < sizeof table / sizeof table[0]; i++) {
+    expect("PR_SVE_SET_VL", set_length(table[i].argument), table[i].result);
+  }
+  pthread_t thread;
+  int in_thread = 0;
+  pthread_create(&thread, NULL, get_length, &in_thread);
+  pthread_join(thread, NULL);
+  expect("length in a thread", in_thread, length | PR_SVE_VL_INHERIT);
+}
+
+int main(int argc, char** argv) {
+  if (argc < 2) return 100;
+  const int length = atoi(argv[1]);
+  const int there = length != 0;
+  expect("AT_HWCAP", (getauxval(AT_HWCAP) & HWCAP_SVE) != 0, there);
+  expect("AT_HWCAP2", (getauxval(AT_HWCAP2) & HWCAP2_SVE2) != 0, 0);
+  expect("/proc/cpuinfo", has_feature(there), there);
+  if (there) {
+    check_lengths(length);
+  } else {
+    expect("PR_SVE_GET_VL", prctl(PR_SVE_GET_VL), -1);
+  }
+  if (argc > 2 && wrong == 0) return execl("/proc/self/exe", argv[0], argv[1], NULL);
+  return wrong;
+}
