@@ -70,6 +70,26 @@ constexpr std::uint32_t movk(unsigned d, unsigned immediate, unsigned half) {
   return 0xf2800000 | half << 21 | immediate << 5 | d;
 }
 
+// LDR Xt, label
+constexpr std::uint32_t ldr_literal(unsigned t, std::int64_t offset) {
+  return 0x58000000 | (static_cast<std::uint32_t>(offset / 4) & 0x7ffff) << 5 | t;
+}
+// SUB Xd, Xn, Xm
+constexpr std::uint32_t sub(unsigned d, unsigned n, unsigned m) {
+  return 0xcb000000 | m << 16 | n << 5 | d;
+}
+constexpr std::uint32_t cbnz(unsigned t, std::int64_t offset) {
+  return 0xb5000000 | (static_cast<std::uint32_t>(offset / 4) & 0x7ffff) << 5 | t;
+}
+// ADD Xd|SP, Xn|SP, #immediate, LSL #12
+constexpr std::uint32_t add_pages(unsigned d, unsigned n, unsigned pages) {
+  return 0x91400000 | pages << 10 | n << 5 | d;
+}
+// BFI Xd, Xn, #position, #width
+constexpr std::uint32_t bfi(unsigned d, unsigned n, unsigned position, unsigned width) {
+  return 0xb3400000 | (64 - position) << 16 | (width - 1) << 10 | n << 5 | d;
+}
+
 // The home of a register, to and from it.
 constexpr std::uint32_t load_home(unsigned reg) { return ldr(reg, context_register, reg * 8); }
 constexpr std::uint32_t store_home(unsigned reg) { return str(reg, context_register, reg * 8); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "host/assembler.h"
@@ -13,6 +14,7 @@ enum class exit_kind : std::uint8_t {
   direct,           // to `target`; the branch can be linked to the target's translation
   indirect,         // to thread_context::pc, not found by the lookup in the cache
   supervisor_call,  // the application's SVC; goes on at `target`
+  synchronize,      // ISB: other threads may have changed code; goes on at `target`
   invalidate,       // IC IVAU of the address in register `reg`; goes on at `target`
   refused,          // at the instruction `word` at `target`, which cannot be translated
   interrupted,      // taken out by the signal entry; the context is complete
@@ -24,14 +26,28 @@ struct exit_record {
   std::uint64_t target = 0;
   unsigned reg = 0;
   std::uint32_t word = 0;
-  std::uint32_t* branch = nullptr;  // the branch to be linked, once the block has an address
+  std::uint32_t* branch = nullptr;  // to be linked, once the block has an address; null: the target
+                                    // stands in its place
   std::uint32_t* stub = nullptr;    // where it goes while it is not linked
 };
 
 struct open_exit {
-  std::uint32_t index;  // of the word that shall branch to the exit
+  std::uint32_t index;  // of the word that shall branch to the exit, always or by its condition
   exit_record record;
 };
+
+struct open_literal {
+  std::uint32_t index;  // of the LDR (literal)
+  std::uint64_t value;
+};
+
+// An indirect branch: BR X28 behind a look into the table of a register, or, if that is no_table,
+// a B that shall go to the shared lookup, with the target in X0, and X0 and X1 at home.
+struct open_jump {
+  std::uint32_t index;
+  unsigned reg;
+};
+inline constexpr unsigned no_table = 31;
 
 struct translated_pc {
   std::uint32_t index;  // of the first word that stands for the instruction
@@ -42,13 +58,14 @@ struct translated_pc {
 struct block_code {
   words code;
   std::vector<open_exit> exits;
-  std::vector<std::uint32_t> lookups;  // indices of words that shall branch to the indirect lookup
-  std::vector<translated_pc> map;      // in ascending order of both
+  std::vector<open_literal> literals;
+  std::vector<std::uint32_t> reloads;  // indices of LDRs that shall load X28 with the context
+  std::optional<open_jump> jump;
+  std::vector<translated_pc> map;  // in ascending order of both
 };
 
-// The first word of each block: LDR X2, [X28, #16]. Who jumps here through X2 left it at home; a
-// linked branch goes to the second word.
-inline constexpr std::uint32_t entry_word = a64::load_home(2);
+// The look into the table of a register, but X28, and the branch (host/branch_tables.h).
+words jump_by_table(unsigned reg);
 
 // Appends an exit that leaves the cache.
 void emit_exit(const exit_record& record, block_code& out);

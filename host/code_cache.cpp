@@ -1,14 +1,14 @@
 #include "host/code_cache.h"
 
 #include <algorithm>
-#include <array>
 #include <asm/sigcontext.h>
-#include <atomic>
 #include <cstring>
 #include <sys/mman.h>
 
 #include "host/address.h"
+#include "host/branch_tables.h"
 #include "host/fatal.h"
+#include "host/mangle.h"
 
 namespace host {
 namespace {
@@ -16,48 +16,61 @@ namespace {
 constexpr std::size_t arena_bytes = 64u << 20;
 static_assert(arena_bytes <= 128u << 20, "B and BL must reach from one end to the other");
 
+// What bounds the memory beside the arena.
+constexpr std::size_t most_fragments = 1u << 17;
+
+constexpr std::size_t chunk_words = (32u << 10) / 4;
+static_assert(chunk_words * 4 <= 32u << 10, "TBZ must reach from one end to the other");
+
+// A larger block gets a chunk of its own size. TBZ still reaches its stub, since it is the block's
+// last word but one and the stub is the nearest thing behind.
+constexpr std::size_t most_chunk_words = (1u << 20) / 4;
+static_assert(most_chunk_words * 4 <= 1u << 20, "LDR (literal) must reach the end");
+
 // Entries that a lookup may touch: the mask selects one of 2^n, and probing goes on upward without
 // wrapping round, through as many more.
-constexpr std::size_t first_table_entries = 1u << 10;
-constexpr std::size_t last_table_entries = 1u << 20;
+constexpr std::size_t first_lookup_entries = 1u << 10;
+constexpr std::size_t last_lookup_entries = 1u << 18;
 constexpr std::size_t overflow_entries = 64;
 constexpr std::size_t entry_bytes = 16;
 
-void* map_memory(std::size_t bytes, int protection) {
-  void* memory =
-      mmap(nullptr, bytes, protection, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (memory == MAP_FAILED) fatal("cannot map %zu bytes for the code cache", bytes);
-  return memory;
-}
+constexpr std::uint64_t nzcv_mask = 0xf0000000;
 
-// An empty table, good for every mask.
-std::uint64_t empty_table() {
-  static const void* const table =
-      map_memory((last_table_entries + overflow_entries) * entry_bytes, PROT_READ);
-  return address_of(table);
-}
+// Indirect branches that were not found in the cache, by register.
+constexpr auto indirect_records = [] {
+  std::array<exit_record, 32> records{};
+  for (unsigned reg = 0; reg < records.size(); reg++) {
+    records[reg] = {.kind = exit_kind::indirect, .reg = reg};
+  }
+  return records;
+}();
 
-exit_record indirect_record = {.kind = exit_kind::indirect};
-
-// Expects the target in X0, and X0 and X1 at home. Found: all registers are restored but X2, which
-// the block's first word restores. Not found: the target goes to thread_context::pc.
-constexpr std::array<std::uint32_t, 14> lookup_words = {
+// Expects the target in X0, and X0 and X1 at home. Found: goes to the target's plain entry with all
+// other registers restored. Not found: the target goes to thread_context::pc.
+constexpr std::array<std::uint32_t, 16> lookup_words = {
     0xa9010f82,  // stp  x2, x3, [x28, #16]
     0xa9538f82,  // ldp  x2, x3, [x28, #312]   table and mask
     0x8a000861,  // and  x1, x3, x0, lsl #2
     0x8b010041,  // add  x1, x2, x1
-    0xa8c10823,  // ldp  x3, x2, [x1], #16     probe: address and code
-    0xb40000c2,  // cbz  x2, miss
+    0xa8c10823,  // ldp  x3, x2, [x1], #16     probe: address and entry
+    0xb4000102,  // cbz  x2, miss
     0xcb000063,  // sub  x3, x3, x0
     0xb5ffffa3,  // cbnz x3, probe
-    0xa9400780,  // ldp  x0, x1, [x28]
-    0xf9400f83,  // ldr  x3, [x28, #24]
-    0xd61f0040,  // br   x2
-    0xf9008380,  // str  x0, [x28, #256]       miss: thread_context::pc
+    0xf900db82,  // str  x2, [x28, #432]       thread_context::entry
     0xa9410f82,  // ldp  x2, x3, [x28, #16]
     0xa9400780,  // ldp  x0, x1, [x28]
+    0xf940db9c,  // ldr  x28, [x28, #432]
+    0xd61f0380,  // br   x28
+    0xa9410f82,  // ldp  x2, x3, [x28, #16]    miss
+    0xf9008380,  // str  x0, [x28, #256]       thread_context::pc
+    0xa9400780,  // ldp  x0, x1, [x28]
 };
-static_assert(CONTEXT_BRANCH_TABLE == 312 && CONTEXT_PC == 256);
+static_assert(CONTEXT_BRANCH_TABLE == 312 && CONTEXT_PC == 256 && CONTEXT_ENTRY == 432);
+
+// Places in it, by the index of a word.
+constexpr std::size_t lookup_restored = 11;  // X0 and X1 are the application's again
+constexpr std::size_t lookup_missed = 13;
+constexpr std::size_t lookup_missed_early = 14;  // if X2 and X3 are the application's
 
 // Expects X30 at home and the address of the record's address in X30.
 constexpr std::array<std::uint32_t, 3> exit_words = {
@@ -66,10 +79,12 @@ constexpr std::array<std::uint32_t, 3> exit_words = {
     a64::br(0),                                         // br  x0
 };
 
-// Places in it, by the index of a word.
-constexpr std::size_t lookup_reads_table = 1;
-constexpr std::size_t lookup_has_found = 9;  // X0 and X1 are the application's again
-constexpr std::size_t lookup_has_missed = 11;
+constexpr std::size_t stub_words = 4;
+constexpr std::size_t literal_words = 2;
+constexpr std::size_t plain_entry_words = 2;      // with the branch to the code
+constexpr std::size_t checked_entry_words = 4;    // and what follows them, or the branch
+constexpr std::size_t conflict_branch_words = 2;  // one, and one to keep to even numbers
+constexpr std::uint32_t enter_lookup = a64::b(0);
 
 void synchronise(std::uint32_t* begin, std::uint32_t* end) {
   __builtin___clear_cache(reinterpret_cast<char*>(begin), reinterpret_cast<char*>(end));
@@ -79,9 +94,53 @@ std::int64_t distance(const std::uint32_t* from, const std::uint32_t* to) {
   return (to - from) * 4;
 }
 
-constexpr std::size_t stub_words = 4;
+void write(std::uint32_t* at, std::uint32_t word) {
+  *at = word;
+  synchronise(at, at + 1);
+}
 
-constexpr std::uint64_t nzcv_mask = 0xf0000000;
+// --- Words that branch ---------------------------------------------------------------------------
+
+bool is_b(std::uint32_t word) { return (word & 0xfc000000) == 0x14000000; }
+bool is_test_branch(std::uint32_t word) { return (word & 0x7e000000) == 0x36000000; }
+
+const std::uint32_t* target_of_b(const std::uint32_t* at) { return at + signed_field(*at, 25, 0); }
+
+bool reaches(std::uint32_t word, std::int64_t bytes) {
+  const std::int64_t limit = is_b(word) ? 1 << 27 : is_test_branch(word) ? 1 << 15 : 1 << 20;
+  return bytes >= -limit && bytes < limit;
+}
+
+// The branch word with another distance: B, B.cond, CBZ or TBZ.
+std::uint32_t with_distance(std::uint32_t word, std::int64_t bytes) {
+  const auto units = static_cast<std::uint32_t>(bytes / 4);
+  if (is_b(word)) return a64::b(bytes);
+  if (is_test_branch(word)) return (word & ~(0x3fffu << 5)) | (units & 0x3fff) << 5;
+  return (word & ~(0x7ffffu << 5)) | (units & 0x7ffff) << 5;
+}
+
+void unlink(const exit_record& exit) {
+  if (exit.branch == nullptr) return;
+  write(exit.stub, a64::store_home(30));
+  write(exit.branch, with_distance(*exit.branch, distance(exit.branch, exit.stub)));
+}
+
+// --- Words of entries ----------------------------------------------------------------------------
+
+bool is_load_of_x28(std::uint32_t word) { return (word & 0xff00001f) == (0x58000000 | 28); }
+bool is_check(std::uint32_t word) { return (word & 0xffe0ffff) == a64::sub(28, 28, 0); }
+bool is_branch_to_conflict(std::uint32_t word) { return (word & 0xff00001f) == a64::cbnz(28, 0); }
+
+// Keeps what cannot be told from the entry before, if both instructions went in as they are.
+std::vector<translated_pc> without_the_regular(const std::vector<translated_pc>& map) {
+  std::vector<translated_pc> kept;
+  for (const translated_pc& next : map) {
+    const bool regular = !kept.empty() && kept.back().borrowed == 0 && next.borrowed == 0 &&
+                         next.pc - kept.back().pc == (next.index - kept.back().index) * 4;
+    if (!regular) kept.push_back(next);
+  }
+  return kept;
+}
 
 // The kernel always writes this record, and always before those that may lie elsewhere.
 const fpsimd_context& vectors_of(const mcontext_t& interrupted) {
@@ -93,148 +152,369 @@ const fpsimd_context& vectors_of(const mcontext_t& interrupted) {
   return *reinterpret_cast<const fpsimd_context*>(record);
 }
 
+std::uintptr_t map_arena() {
+  void* const memory = mmap(nullptr, arena_bytes, PROT_READ | PROT_WRITE | PROT_EXEC,
+                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (memory == MAP_FAILED) fatal("cannot map %zu bytes for the code cache", arena_bytes);
+  return address_of(memory);
+}
+
 }  // namespace
 
 code_cache::code_cache(thread_context& context)
-    : context_(context),
-      begin_(reinterpret_cast<std::uintptr_t>(
-          map_memory(arena_bytes, PROT_READ | PROT_WRITE | PROT_EXEC))),
-      end_(begin_ + arena_bytes) {
+    : context_(context), begin_(map_arena()), end_(begin_ + arena_bytes) {
   flush();
 }
 
 code_cache::~code_cache() { munmap(pointer_to(begin_), arena_bytes); }
 
+// --- Space ---------------------------------------------------------------------------------------
+
+bool code_cache::has_room(std::size_t words_needed) const {
+  return static_cast<std::size_t>(far_ - cursor_) >= words_needed;
+}
+
+bool code_cache::open_chunk(std::size_t words_needed) {
+  const std::size_t size = std::max(chunk_words, (words_needed + literal_words + 1) & ~1u);
+  if (size > most_chunk_words) return false;
+  if (next_chunk_ + size > pointer_to<std::uint32_t>(end_)) return false;
+  cursor_ = next_chunk_;
+  next_chunk_ += size;
+  far_ = next_chunk_;
+  reload_ = far_literal(address_of(&context_));
+  return true;
+}
+
+std::uint32_t* code_cache::take_far(std::size_t count) { return far_ -= count; }
+
+std::uint32_t* code_cache::far_literal(std::uint64_t value) {
+  std::uint32_t* const at = take_far(literal_words);
+  std::memcpy(at, &value, sizeof value);
+  return at;
+}
+
+std::uint32_t* code_cache::far_stub(const exit_record& record) {
+  std::uint32_t* const at = take_far(stub_words);
+  emit_stub(at, record);
+  return at;
+}
+
 // str x30, [x28, #240]; bl exit; the record's address
-std::uint32_t* code_cache::emit_stub(std::uint32_t* at, const exit_record* record) {
+std::uint32_t* code_cache::emit_stub(std::uint32_t* at, const exit_record& record) {
   *at++ = a64::store_home(30);
   *at = a64::bl(distance(at, exit_routine_));
   at++;
-  const std::uint64_t address = address_of(record);
+  const std::uint64_t address = address_of(&record);
   std::memcpy(at, &address, sizeof address);
   return at + 2;
 }
+
+void code_cache::emit_reload(std::uint32_t*& at) const {
+  *at = a64::ldr_literal(context_register, distance(at, reload_));
+  at++;
+}
+
+// --- Shared routines -----------------------------------------------------------------------------
 
 void code_cache::emit_shared_routines() {
   exit_routine_ = cursor_;
   cursor_ = std::ranges::copy(exit_words, cursor_).out;
   lookup_routine_ = cursor_;
   cursor_ = std::ranges::copy(lookup_words, cursor_).out;
-  cursor_ = emit_stub(cursor_, &indirect_record);
+  cursor_ = emit_stub(cursor_, indirect_records[no_table]);
+  for (unsigned reg = 0; reg < 31; reg++) emit_routines_of(reg);
+  end_of_routines_ = cursor_;
   synchronise(exit_routine_, cursor_);
 }
+
+// Both expect the target in the register, and any value in X28.
+void code_cache::emit_routines_of(unsigned reg) {
+  leave_routines_[reg] = cursor_;
+  emit_reload(cursor_);
+  emit(a64::str(reg, context_register, CONTEXT_PC));
+  cursor_ = emit_stub(cursor_, indirect_records[reg]);
+  conflict_routines_[reg] = cursor_;
+  emit_reload(cursor_);
+  emit(a64::stp(0, 1, context_register, 0));
+  emit(a64::mov(0, reg));
+  emit(a64::b(distance(cursor_, lookup_routine_)));
+}
+
+// --- Blocks --------------------------------------------------------------------------------------
 
 const fragment* code_cache::find(std::uint64_t pc) const {
   const auto found = by_pc_.find(pc);
   return found == by_pc_.end() ? nullptr : found->second;
 }
 
-const fragment* code_cache::install(std::uint64_t pc, const block_code& block) {
-  const std::size_t size = 1 + block.code.size() + stub_words * block.exits.size();
-  if (cursor_ + size > pointer_to<std::uint32_t>(end_)) return nullptr;
-  fragment& made = fragments_.emplace_back(fragment{.pc = pc,
-                                                    .code = cursor_,
-                                                    .size = static_cast<std::uint32_t>(size),
-                                                    .map = block.map,
-                                                    .first_exit = exits_.size(),
-                                                    .exit_count = block.exits.size()});
-  *cursor_ = entry_word;
-  std::uint32_t* const body = cursor_ + 1;
-  std::uint32_t* stub = std::ranges::copy(block.code, body).out;
-  for (const std::uint32_t index : block.lookups) {
-    body[index] = a64::b(distance(body + index, lookup_routine_));
-  }
-  for (const open_exit& exit : block.exits) {
-    exit_record& record = exits_.emplace_back(exit.record);
-    record.branch = body + exit.index;
-    record.stub = stub;
-    *record.branch = a64::b(distance(record.branch, stub));
-    stub = emit_stub(stub, &record);
-  }
-  synchronise(cursor_, stub);
-  cursor_ = stub;
+const fragment* code_cache::install(std::uint64_t pc, const block_code& block,
+                                    const exit_record* came_from) {
+  if (fragments_.size() == most_fragments) return nullptr;
+  const std::size_t needed =
+      checked_entry_words + block.code.size() + literal_words + conflict_branch_words +
+      plain_entry_words + stub_words * block.exits.size() + literal_words * block.literals.size();
+  if (!has_room(needed) && !open_chunk(needed)) return nullptr;
+  fragment& made = fragments_.emplace_back();
+  made.pc = pc;
+  made.end = block.map.empty() ? pc + 4 : block.map.back().pc + 4;
+  made.map = without_the_regular(block.map);
+  begin_fragment(made, came_from);
+  made.size = static_cast<std::uint32_t>(block.code.size());
+  cursor_ = std::ranges::copy(block.code, cursor_).out;
+  close_open_words(block, made);
+  synchronise(made.checked != nullptr ? made.checked : made.code - 1, cursor_);
   by_pc_[pc] = &made;
-  by_code_[address_of(made.code)] = &made;
   return &made;
 }
 
+// Everything before the code itself.
+void code_cache::begin_fragment(fragment& made, const exit_record* came_from) {
+  const bool is_direct = came_from != nullptr && came_from->kind == exit_kind::direct;
+  const bool is_indirect = came_from != nullptr && came_from->kind == exit_kind::indirect;
+  if (is_direct && came_from->branch == cursor_ - 1) {
+    take_place_of_last_branch(made);
+  } else if (is_indirect && came_from->reg != no_table) {
+    made.checked = cursor_;
+    made.checked_register = came_from->reg;
+    made.entry = cursor_ + 3;
+    emit_checked_entry(cursor_, made.pc, came_from->reg);
+    made.code = cursor_;
+  } else {
+    made.entry = cursor_;
+    emit_reload(cursor_);
+    made.code = cursor_;
+  }
+}
+
+// The branch is that of the last exit of the fragment before.
+void code_cache::take_place_of_last_branch(fragment& made) {
+  fragment& before = fragments_[fragments_.size() - 2];
+  before.runs_into = &made;
+  before.size--;
+  exits_.back().branch = nullptr;
+  made.code = --cursor_;
+  made.entry = take_far(plain_entry_words);
+  std::uint32_t* at = made.entry;
+  emit_reload(at);
+  *at = a64::b(distance(at, made.code));
+  synchronise(made.entry, made.entry + plain_entry_words);
+}
+
+void code_cache::emit_checked_entry(std::uint32_t*& at, std::uint64_t pc, unsigned reg) {
+  const std::uint32_t* const literal = far_literal(pc);
+  std::uint32_t* const conflict = take_far(conflict_branch_words);
+  conflict[0] = a64::b(distance(conflict, conflict_routines_[reg]));
+  synchronise(conflict, conflict + 1);
+  *at = a64::ldr_literal(context_register, distance(at, literal));
+  at++;
+  *at++ = a64::sub(context_register, context_register, reg);
+  *at = a64::cbnz(context_register, distance(at, conflict));
+  at++;
+  emit_reload(at);
+}
+
+// The exits' records, their stubs, and the constants.
+void code_cache::close_open_words(const block_code& block, fragment& made) {
+  made.first_exit = exits_.size();
+  made.exit_count = block.exits.size();
+  for (const open_literal& open : block.literals) {
+    std::uint32_t* const word = made.code + open.index;
+    *word = a64::ldr_literal(field(*word, 4, 0), distance(word, far_literal(open.value)));
+  }
+  for (const std::uint32_t index : block.reloads) {
+    std::uint32_t* word = made.code + index;
+    emit_reload(word);
+  }
+  std::uint32_t* const end = far_;
+  for (const open_exit& open : block.exits) {
+    exit_record& record = exits_.emplace_back(open.record);
+    record.branch = made.code + open.index;
+    record.stub = far_stub(record);
+    *record.branch = with_distance(*record.branch, distance(record.branch, record.stub));
+  }
+  synchronise(far_, end);
+  if (block.jump) {
+    made.jump = made.code + block.jump->index;
+    made.jump_register = block.jump->reg;
+    if (made.jump_register == no_table) {
+      *made.jump = a64::b(distance(made.jump, lookup_routine_));
+    } else {
+      prepare_branch_table(made.jump_register);
+    }
+  }
+}
+
 void code_cache::link(const exit_record& exit, const fragment& target) {
-  *exit.branch = a64::b(distance(exit.branch, target.code + 1));
-  synchronise(exit.branch, exit.branch + 1);
+  if (exit.branch == nullptr) return;
+  const std::int64_t straight = distance(exit.branch, target.code);
+  if (reaches(*exit.branch, straight)) {
+    write(exit.branch, with_distance(*exit.branch, straight));
+  } else {
+    write(exit.stub, a64::b(distance(exit.stub, target.code)));
+  }
+}
+
+// --- Indirect branches ---------------------------------------------------------------------------
+
+void code_cache::prepare_branch_table(unsigned reg) {
+  if (has_branch_table_[reg]) return;
+  has_branch_table_[reg] = true;
+  std::fill_n(branch_table(&context_, reg), branch_slots, address_of(leave_routines_[reg]));
+}
+
+void code_cache::admit(const fragment& target, unsigned reg) {
+  if (reg != no_table) admit_to_table(target, reg);
+  admit_to_lookup(target);
+}
+
+void code_cache::admit_to_table(const fragment& target, unsigned reg) {
+  const std::uint32_t* const entry = checked_entry_of(target, reg);
+  if (entry != nullptr) branch_table(&context_, reg)[target.pc % branch_slots] = address_of(entry);
+}
+
+// Null: there is no room any more, which the next block will find.
+std::uint32_t* code_cache::checked_entry_of(const fragment& target, unsigned reg) {
+  if (target.checked != nullptr && target.checked_register == reg) return target.checked;
+  constexpr std::size_t words_of_entry = checked_entry_words + 2;
+  constexpr std::size_t needed = words_of_entry + literal_words + conflict_branch_words;
+  if (!has_room(needed) && !open_chunk(needed)) return nullptr;
+  std::uint32_t* const made = take_far(words_of_entry);
+  std::uint32_t* at = made;
+  emit_checked_entry(at, target.pc, reg);
+  *at = a64::b(distance(at, target.code));
+  synchronise(made, at + 1);
+  return made;
 }
 
 void code_cache::insert(std::uint64_t pc, std::uint64_t code) {
-  const std::size_t mask = table_.size() - overflow_entries - 1;
+  const std::size_t mask = lookup_.size() - overflow_entries - 1;
   std::size_t index = (pc / 4) & mask;
-  while (index < table_.size() - 1 && table_[index].code != 0) {
-    if (table_[index].pc == pc) return;
+  while (index < lookup_.size() - 1 && lookup_[index].code != 0) {
+    if (lookup_[index].pc == pc) return;
     index++;
   }
-  if (index == table_.size() - 1) return;  // the last entry stays free, to end every probe
-  table_[index] = {pc, code};
-  table_used_++;
+  if (index == lookup_.size() - 1) return;  // the last entry stays free, to end every probe
+  lookup_[index] = {pc, code};
+  lookup_used_++;
 }
 
-void code_cache::grow_table() {
-  std::vector<branch_entry> old(2 * (table_.size() - overflow_entries) + overflow_entries);
-  old.swap(table_);
-  table_used_ = 0;
+void code_cache::grow_lookup() {
+  std::vector<branch_entry> old(2 * (lookup_.size() - overflow_entries) + overflow_entries);
+  old.swap(lookup_);
+  lookup_used_ = 0;
   for (const branch_entry& entry : old) {
     if (entry.code != 0) insert(entry.pc, entry.code);
   }
-  point_context_at_table();
+  point_context_at_lookup();
 }
 
-void code_cache::admit(const fragment& target) {
-  point_context_at_table();
-  const std::size_t entries = table_.size() - overflow_entries;
-  if (table_used_ * 2 > entries && entries < last_table_entries) grow_table();
-  insert(target.pc, address_of(target.code));
+void code_cache::admit_to_lookup(const fragment& target) {
+  const std::size_t entries = lookup_.size() - overflow_entries;
+  if (lookup_used_ * 2 > entries && entries < last_lookup_entries) grow_lookup();
+  insert(target.pc, address_of(target.entry));
 }
 
-void code_cache::point_context_at_table() {
-  const std::size_t entries = table_.size() - overflow_entries;
+void code_cache::point_context_at_lookup() {
+  const std::size_t entries = lookup_.size() - overflow_entries;
   context_.branch_mask = (entries - 1) * entry_bytes;
-  context_.branch_table = address_of(table_.data());
+  context_.branch_table = address_of(lookup_.data());
 }
 
 void code_cache::flush() {
   fragments_.clear();
   exits_.clear();
   by_pc_.clear();
-  by_code_.clear();
-  table_.assign(first_table_entries + overflow_entries, {});
-  table_used_ = 0;
-  cursor_ = pointer_to<std::uint32_t>(begin_);
+  lookup_.assign(first_lookup_entries + overflow_entries, {});
+  lookup_used_ = 0;
+  has_branch_table_ = {};
+  leaving_ = nullptr;
+  next_chunk_ = pointer_to<std::uint32_t>(begin_);
+  open_chunk(chunk_words);
   emit_shared_routines();
-  point_context_at_table();
+  point_context_at_lookup();
 }
 
-void code_cache::forget_branches() {
-  std::atomic_ref<std::uint64_t>(context_.branch_table).store(empty_table());
-}
+// --- Interrupted threads -------------------------------------------------------------------------
 
 void code_cache::leave_soon(mcontext_t& interrupted) {
   const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
   const auto index = static_cast<std::size_t>(pc - lookup_routine_);
-  if (pc < lookup_routine_ || index >= lookup_words.size()) return leave_soon_at(interrupted.pc);
-  if (index >= lookup_has_missed) return;
-  if (index >= lookup_has_found) return leave_soon_at(interrupted.regs[2]);
-  forget_branches();
-  if (index > lookup_reads_table) {
-    interrupted.pc = address_of(lookup_routine_ + lookup_reads_table);
+  if (pc >= lookup_routine_ && index < lookup_words.size()) {
+    leave_lookup(interrupted, index);
+  } else if (const fragment* const running = fragment_at(interrupted.pc)) {
+    leave_from(running);
+  } else {
+    leave_outside_of_blocks(interrupted);
   }
 }
 
-void code_cache::leave_soon_at(std::uint64_t address) {
-  const fragment* const running = fragment_at(address);
-  if (running == nullptr) return;  // in the exit routine
-  forget_branches();
-  for (std::size_t i = 0; i < running->exit_count; i++) {
-    const exit_record& exit = exits_[running->first_exit + i];
-    *exit.branch = a64::b(distance(exit.branch, exit.stub));
-    synchronise(exit.branch, exit.branch + 1);
+void code_cache::leave_soon_at(std::uint64_t address) { leave_from(fragment_at(address)); }
+
+void code_cache::leave_lookup(mcontext_t& interrupted, std::size_t index) {
+  if (index >= lookup_missed) return;
+  if (index >= lookup_restored) {
+    return leave_from(fragment_behind_entry(pointer_to<const std::uint32_t>(context_.entry)));
   }
+  const std::size_t miss = index == 0 ? lookup_missed_early : lookup_missed;
+  interrupted.pc = address_of(lookup_routine_ + miss);
+}
+
+// Entries, stubs and the shared routines. An entry that has not yet loaded X28 again, and a routine
+// for a conflict, have changed nothing else, so the branch is as good as not found.
+void code_cache::leave_outside_of_blocks(mcontext_t& interrupted) {
+  const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
+  const auto leave_by = [&](unsigned reg) { interrupted.pc = address_of(leave_routines_[reg]); };
+  for (unsigned reg = 0; reg < conflict_routines_.size(); reg++) {
+    const std::uint32_t* const conflict = conflict_routines_[reg];
+    const bool comes_to_it = is_b(*pc) && target_of_b(pc) == conflict;
+    if (comes_to_it || (pc >= conflict && pc < conflict + 3)) return leave_by(reg);
+    if (pc == conflict + 3) {
+      interrupted.pc = address_of(lookup_routine_ + lookup_missed_early);
+      return;
+    }
+  }
+  if (pc < end_of_routines_) return;
+  if (is_load_of_x28(*pc) && is_check(pc[1])) return leave_by(field(pc[1], 20, 16));
+  if (is_check(*pc)) return leave_by(field(*pc, 20, 16));
+  if (is_branch_to_conflict(*pc)) return leave_by(field(pc[-1], 20, 16));
+  if (is_load_of_x28(*pc)) return leave_from(fragment_behind_entry(pc));
+  if (is_b(*pc)) leave_from(fragment_at(address_of(target_of_b(pc))));
+}
+
+const fragment* code_cache::fragment_behind_entry(const std::uint32_t* entry) const {
+  const std::uint32_t* const next = entry + 1;
+  if (const fragment* const behind = fragment_at(address_of(next))) return behind;
+  return is_b(*next) ? fragment_at(address_of(target_of_b(next))) : nullptr;
+}
+
+// With what it runs into: there is no branch between. Only what leave_soon was done to can run
+// until the thread has left, so that once is enough.
+void code_cache::leave_from(const fragment* running) {
+  if (running == nullptr || leaving_ != nullptr) return;
+  leaving_ = running;
+  for (const fragment* each = running; each != nullptr; each = each->runs_into) {
+    for (std::size_t i = 0; i < each->exit_count; i++) unlink(exits_[each->first_exit + i]);
+  }
+  set_jumps(running, true);
+}
+
+std::uint32_t* code_cache::way_out(unsigned reg) const {
+  return reg == no_table ? lookup_routine_ + lookup_missed_early : leave_routines_[reg];
+}
+
+void code_cache::set_jumps(const fragment* first, bool leaving) {
+  for (const fragment* each = first; each != nullptr; each = each->runs_into) {
+    if (each->jump == nullptr) continue;
+    const bool by_table = each->jump_register != no_table;
+    const std::uint32_t* const to = leaving ? way_out(each->jump_register) : lookup_routine_;
+    write(each->jump,
+          !leaving && by_table ? a64::br(context_register) : a64::b(distance(each->jump, to)));
+  }
+}
+
+void code_cache::settle() {
+  if (leaving_ != nullptr) set_jumps(leaving_, false);
+  leaving_ = nullptr;
 }
 
 void code_cache::recover(const mcontext_t& interrupted, thread_context& context) const {
@@ -253,19 +533,24 @@ void code_cache::recover(const mcontext_t& interrupted, thread_context& context)
 }
 
 const fragment* code_cache::fragment_at(std::uint64_t address) const {
-  const auto next = by_code_.upper_bound(address);
-  return next == by_code_.begin() ? nullptr : std::prev(next)->second;
+  const auto* const word = pointer_to<const std::uint32_t>(address);
+  const auto next = std::ranges::upper_bound(fragments_, word, {}, &fragment::code);
+  if (next == fragments_.begin()) return nullptr;
+  const fragment& found = *std::prev(next);
+  return word < found.code + found.size ? &found : nullptr;
 }
 
+// Between two entries of the map, addresses go on by words, as far as there are any.
 translated_pc code_cache::at(std::uint64_t address) const {
   const fragment* const found = fragment_at(address);
   if (found == nullptr) return {};
-  const auto index = static_cast<std::int64_t>((address - address_of(found->code)) / 4) - 1;
-  translated_pc last = {.index = 0, .pc = found->pc};
-  for (const translated_pc& entry : found->map) {
-    if (entry.index > index) break;
-    last = entry;
-  }
+  const auto index = static_cast<std::uint32_t>((address - address_of(found->code)) / 4);
+  auto next = std::ranges::upper_bound(found->map, index, {}, &translated_pc::index);
+  if (next == found->map.begin()) return {.index = 0, .pc = found->pc};
+  translated_pc last = *std::prev(next);
+  if (last.borrowed != 0) return last;
+  const std::uint64_t end = next == found->map.end() ? found->end : next->pc;
+  last.pc = std::min(last.pc + (index - last.index) * 4, end - 4);
   return last;
 }
 

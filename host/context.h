@@ -24,13 +24,14 @@ struct alignas(16) thread_context {
   std::uint64_t tpidr;
   std::uint64_t host_sp;  // of the frame that entered the cache
   std::uint64_t host_tpidr;
-  std::uint64_t branch_table;  // of the indirect branch lookup; other threads may redirect it
+  std::uint64_t branch_table;  // of the indirect branch lookup
   std::uint64_t branch_mask;
   std::uint64_t exit_entry;  // leave_cache_with_record
   std::uint64_t call_entry;  // call_client
   const exit_record* exit;   // how the cache was left
   std::uint64_t attention;   // a signal, a flush or the end waits: leave the cache soon
   std::uint64_t slots[9];    // the client's save slots
+  std::uint64_t entry;       // of the block that runs next, while X28 is needed to jump there
   alignas(16) std::uint8_t q[32][16];
 };
 
@@ -53,6 +54,7 @@ static_assert(offsetof(thread_context, call_entry) == CONTEXT_CALL_ENTRY);
 static_assert(offsetof(thread_context, exit) == CONTEXT_EXIT);
 static_assert(offsetof(thread_context, attention) == CONTEXT_ATTENTION);
 static_assert(offsetof(thread_context, slots) == CONTEXT_SLOTS);
+static_assert(offsetof(thread_context, entry) == CONTEXT_ENTRY);
 static_assert(offsetof(thread_context, q) == CONTEXT_Q);
 static_assert(CONTEXT_Q % 16 == 0, "LDR and STR of a Q register scale their displacement by 16");
 

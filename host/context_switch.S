@@ -10,8 +10,8 @@
 
 // void enter_cache(thread_context* context, const void* code)
 //
-// No register is left to jump with once all are the application's, so X2 is, and the code begins
-// with the load of X2 from its home.
+// No register is left to jump with once all are the application's but X28, and so the code begins
+// with the load of X28.
   .globl enter_cache
   .hidden enter_cache
   .type enter_cache, %function
@@ -30,7 +30,7 @@ enter_cache:
   mrs x9, fpcr
   str x9, [sp, #160]
   mov x28, x0
-  mov x2, x1
+  str x1, [x28, #CONTEXT_ENTRY]
   mov x9, sp
   str x9, [x28, #CONTEXT_HOST_SP]
   .globl enter_cache_prepared
@@ -66,7 +66,7 @@ enter_cache_prepared:
   msr tpidr_el0, x10
   mov sp, x9
   ldp x0, x1, [x28]
-  ldr x3, [x28, #24]
+  ldp x2, x3, [x28, #16]
   ldp x4, x5, [x28, #32]
   ldp x6, x7, [x28, #48]
   ldp x8, x9, [x28, #64]
@@ -80,7 +80,8 @@ enter_cache_prepared:
   ldp x24, x25, [x28, #192]
   ldp x26, x27, [x28, #208]
   ldp x29, x30, [x28, #232]
-  br x2
+  ldr x28, [x28, #CONTEXT_ENTRY]
+  br x28
   .globl enter_cache_end
   .hidden enter_cache_end
 enter_cache_end:

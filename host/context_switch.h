@@ -4,7 +4,7 @@
 #include "host/context.h"
 
 extern "C" {
-// Runs cache code, which must start with entry_word, until the cache is left; thread_context::exit
+// Runs cache code from a fragment's entry until the cache is left; thread_context::exit
 // then tells how. All of the application's registers come from the context and go back to it.
 void enter_cache(host::thread_context* context, const void* code);
 

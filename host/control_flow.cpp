@@ -73,6 +73,7 @@ control_flow decode_control_flow(std::uint32_t word, std::uint64_t pc) {
   if (matches(word, 0xffffffe0, 0xd50b7520)) {  // IC IVAU, Xt
     return {.kind = flow::invalidate, .reg = field(word, 4, 0)};
   }
+  if (matches(word, 0xfffff0ff, 0xd50330df)) return {.kind = flow::synchronize};
   if (is_later_branch(word)) return {.kind = flow::unknown};
   return {};
 }

@@ -1,4 +1,5 @@
-// The instructions that end a block: branches, SVC, and IC IVAU, which must reach the translator.
+// The instructions that end a block: branches, SVC, and IC IVAU and ISB, which must reach the
+// translator.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +13,7 @@ enum class flow : std::uint8_t {
   indirect,         // BR, BLR, RET and their authenticated forms
   supervisor_call,  // SVC
   invalidate,       // IC IVAU
+  synchronize,      // ISB
   unknown,          // a branch of a later architecture than this translator knows
 };
 

@@ -23,7 +23,7 @@ const fragment* translate(thread_state& thread, std::uint64_t pc, const exit_rec
     raise_fetch_fault(thread, pc % 4 == 0 ? SIGSEGV : SIGBUS);
     return nullptr;
   }
-  const fragment* made = thread.cache.install(pc, *block);
+  const fragment* made = thread.cache.install(pc, *block, came_from);
   if (made == nullptr) {
     thread.cache.flush();
     came_from = nullptr;
@@ -73,7 +73,7 @@ class dispatcher {
       code_cache::link(*came_from_, *next);
     }
     if (came_from_ != nullptr && came_from_->kind == exit_kind::indirect) {
-      thread_.cache.admit(*next);
+      thread_.cache.admit(*next, came_from_->reg);
     }
     run_in_cache(*next);
   }
@@ -83,7 +83,8 @@ class dispatcher {
   void run_in_cache(const fragment& next) {
     thread_.in_cache = true;
     if (!thread_.flush_requested) {
-      enter_cache(&thread_.context, next.code);
+      enter_cache(&thread_.context, next.entry);
+      thread_.cache.settle();
       thread_.in_cache = false;
       leave(*thread_.context.exit);
     }
@@ -95,6 +96,7 @@ class dispatcher {
     switch (exit.kind) {
       case exit_kind::indirect: return;  // thread_context::pc is set
       case exit_kind::direct: break;
+      case exit_kind::synchronize: break;
       case exit_kind::interrupted: came_from_ = nullptr; return;
       case exit_kind::refused: refuse(exit);
       case exit_kind::invalidate: invalidate_line(thread_, exit.reg); break;

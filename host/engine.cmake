@@ -13,6 +13,7 @@ add_library(host_engine OBJECT
   assembler.cpp
   block_builder.cpp
   block_code.cpp
+  branch_tables.cpp
   code_cache.cpp
   context_switch.S
   control_flow.cpp

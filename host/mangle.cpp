@@ -60,43 +60,55 @@ bool shares_page(std::uint64_t pc, std::uint64_t address) {
          pc / page_bytes == (address + largest_load - 1) / page_bytes;
 }
 
-void mangle_address(std::uint32_t word, std::uint64_t pc, words& out) {
+// Appends the word or words that load a constant.
+void load_constant(unsigned d, std::uint64_t value, words& out, mangling& done) {
+  const words moves = a64::mov_constant(d, value);
+  if (moves.size() == 1) return append(out, moves);
+  out.push_back(load_literal(d));
+  done.literal = value;
+}
+
+mangling mangle_address(std::uint32_t word, std::uint64_t pc, words& out) {
   const unsigned d = field(word, 4, 0);
   const std::uint64_t value = address_value(word, pc);
-  if (d == zero_register) return;
-  if (d != context_register) return append(out, a64::mov_constant(d, value));
+  mangling done;
+  if (d == zero_register) return done;
+  if (d != context_register) return load_constant(d, value, out, done), done;
   out.push_back(a64::store_home(0));
-  append(out, a64::mov_constant(0, value));
+  load_constant(0, value, out, done);
   out.push_back(a64::str(0, context_register, 28 * 8));
   out.push_back(a64::load_home(0));
+  return done;
 }
 
 constexpr std::uint32_t borrowed(unsigned reg) { return 1u << reg; }
 
-std::uint32_t mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
+mangling mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
   const unsigned t = field(word, 4, 0);
   const std::uint64_t address = pc + static_cast<std::uint64_t>(signed_field(word, 23, 5) * 4);
   const bool is_prefetch = field(word, 31, 30) == 3;
   const bool is_vector = field(word, 26, 26) != 0;
-  if (load_from_register(word, 0) == 0) return out.push_back(word), 0;  // unallocated: SIGILL
-  if (!is_vector && !is_prefetch && t != context_register && t != zero_register) {
-    const bool may_fault = !shares_page(pc, address);
-    if (may_fault) out.push_back(a64::store_home(t));
-    append(out, a64::mov_constant(t, address));
-    out.push_back(load_from_register(word, t));
-    return may_fault ? borrowed(t) : 0;
-  }
-  const bool loads_x28 = !is_vector && !is_prefetch && t == context_register;
-  out.push_back(a64::store_home(0));
-  append(out, a64::mov_constant(0, address));
-  if (loads_x28) {
+  mangling done;
+  if (load_from_register(word, 0) == 0) return out.push_back(word), done;  // unallocated: SIGILL
+  if (is_vector || is_prefetch || t == zero_register) {
+    load_constant(context_register, address, out, done);
+    out.push_back(load_from_register(word, context_register));
+    out.push_back(reload_context);
+  } else if (t == context_register) {
+    out.push_back(a64::store_home(0));
+    load_constant(0, address, out, done);
     out.push_back(load_from_register(replace_field(word, 0, 0), 0));
     out.push_back(a64::str(0, context_register, 28 * 8));
+    out.push_back(a64::load_home(0));
+    done.borrowed = borrowed(0);
   } else {
-    out.push_back(load_from_register(word, 0));
+    const bool may_fault = !shares_page(pc, address);
+    if (may_fault) out.push_back(a64::store_home(t));
+    load_constant(t, address, out, done);
+    out.push_back(load_from_register(word, t));
+    if (may_fault) done.borrowed = borrowed(t);
   }
-  out.push_back(a64::load_home(0));
-  return borrowed(0);
+  return done;
 }
 
 // CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is: the translator
@@ -144,7 +156,13 @@ std::uint32_t rename_x28(std::uint32_t word, const register_roles& roles, unsign
   return word;
 }
 
-void mangle_one(std::uint32_t renamed, const x28_use& use, unsigned reg, words& out) {
+void mangle_reader(std::uint32_t word, words& out) {
+  out.push_back(a64::ldr(context_register, context_register, 28 * 8));
+  out.push_back(word);
+  out.push_back(reload_context);
+}
+
+void mangle_writer(std::uint32_t renamed, const x28_use& use, unsigned reg, words& out) {
   out.push_back(a64::store_home(reg));
   if (use.read) out.push_back(a64::ldr(reg, context_register, 28 * 8));
   if (reads_cache_type(renamed)) {
@@ -152,7 +170,7 @@ void mangle_one(std::uint32_t renamed, const x28_use& use, unsigned reg, words& 
   } else {
     out.push_back(renamed);
   }
-  if (use.written) out.push_back(a64::str(reg, context_register, 28 * 8));
+  out.push_back(a64::str(reg, context_register, 28 * 8));
   out.push_back(a64::load_home(reg));
 }
 
@@ -167,20 +185,24 @@ void mangle_pair(std::uint32_t renamed, unsigned reg, words& out) {
   out.push_back(a64::ldp(reg, reg + 1, context_register, home));
 }
 
+mangling mangle_x28(std::uint32_t word, const register_roles& roles, const x28_use& use,
+                    words& out) {
+  if (!use.written) return mangle_reader(word, out), mangling{};
+  const unsigned reg = free_register(word, roles);
+  const std::uint32_t renamed = rename_x28(word, roles, reg);
+  use.paired ? mangle_pair(renamed, reg, out) : mangle_writer(renamed, use, reg, out);
+  return {.borrowed = borrowed(reg) | (use.paired ? borrowed(reg + 1) : 0)};
+}
+
 }  // namespace
 
 mangling mangle(std::uint32_t word, std::uint64_t pc, words& out) {
-  if (is_address(word)) return mangle_address(word, pc, out), mangling{};
-  if (is_literal_load(word)) return {.borrowed = mangle_literal_load(word, pc, out)};
+  if (is_address(word)) return mangle_address(word, pc, out);
+  if (is_literal_load(word)) return mangle_literal_load(word, pc, out);
   const register_roles roles = roles_of(word);
   const x28_use use = use_of_x28(word, roles);
   if (use.refused) return {.known = false};
-  if (use.named) {
-    const unsigned reg = free_register(word, roles);
-    const std::uint32_t renamed = rename_x28(word, roles, reg);
-    use.paired ? mangle_pair(renamed, reg, out) : mangle_one(renamed, use, reg, out);
-    return {.borrowed = borrowed(reg) | (use.paired ? borrowed(reg + 1) : 0)};
-  }
+  if (use.named) return mangle_x28(word, roles, use, out);
   if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
     mangle_cache_type(word, out);
   } else {

@@ -11,6 +11,7 @@
 #include <functional>
 #include <sys/types.h>
 
+#include "host/branch_tables.h"
 #include "host/code_cache.h"
 #include "host/context.h"
 #include "host/signal_actions.h"
@@ -20,7 +21,7 @@ namespace host {
 
 inline constexpr int tls_field_count = 16;
 
-struct thread_state {
+struct thread_state : followed_by_branch_tables {
   thread_context context{};  // first: X28 points here, and a drcontext is this record's address
   code_cache cache{context};
   std::array<void*, tls_field_count> tls_fields{};

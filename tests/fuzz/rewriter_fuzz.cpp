@@ -17,9 +17,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <vector>
 
 #include "host/block_code.h"
+#include "host/mangle.h"
 #include "host/register_fields.h"
 #include "tests/conformance/random.h"
 
@@ -28,7 +30,6 @@ namespace {
 using namespace host;
 using conformance::random_source;
 
-constexpr std::uint32_t open_branch = a64::b(0);
 constexpr unsigned x28 = context_register;
 
 // --- The machine ---------------------------------------------------------------------------------
@@ -234,6 +235,9 @@ void run_branch(std::uint32_t word, std::uint64_t pc, bool taken, machine& on) {
       return leave(on, {.kind = exit_kind::supervisor_call, .target = pc + 4});
     case flow::invalidate:
       return leave(on, {.kind = exit_kind::invalidate, .target = pc + 4, .reg = field(word, 4, 0)});
+    case flow::synchronize:
+      on.met.push_back(word);
+      return leave(on, {.kind = exit_kind::synchronize, .target = pc + 4});
     case flow::unknown: return leave(on, {.kind = exit_kind::refused, .target = pc, .word = word});
   }
 }
@@ -294,14 +298,17 @@ block_code translate(const block& from) {
 }
 
 void check_form(const block_code& translated, std::size_t instructions) {
-  std::vector<std::uint32_t> open = translated.lookups;
-  for (const open_exit& exit : translated.exits) open.push_back(exit.index);
+  std::vector<std::uint32_t> open;
+  if (translated.jump) open.push_back(translated.jump->index);
+  for (const open_exit& exit : translated.exits) {
+    open.push_back(exit.index);
+    const control_flow branch = decode_control_flow(translated.code[exit.index], 0);
+    demand((branch.kind == flow::direct || branch.kind == flow::conditional) && branch.target == 0,
+           "an exit is no open branch");
+  }
   std::ranges::sort(open);
   demand(std::ranges::adjacent_find(open) == open.end(), "a word has two exits");
   demand(!open.empty() && open.back() + 1 == translated.code.size(), "the last word is no exit");
-  for (const std::uint32_t index : open) {
-    demand(translated.code[index] == open_branch, "an exit is no open branch");
-  }
   demand(translated.code.size() <= 10 * instructions + 1, "too many words");
   demand(translated.map.size() == instructions, "the map has another number of instructions");
 }
@@ -325,9 +332,9 @@ class translation {
   machine run() {
     std::size_t index = 0;
     while (on_.left == way::on) index = step(index);
-    demand(on_.x[x28] == context, "the context register was lost");
+    demand(has_context() || on_.left == way::trap, "the context register was lost");
     on_.x[x28] = home_[x28];
-    if (on_.left == way::lookup) {
+    if (on_.left == way::lookup && made_.jump->reg == no_table) {
       on_.target = on_.x[0];
       on_.x[0] = home_[0];
       on_.x[1] = home_[1];
@@ -338,7 +345,12 @@ class translation {
  private:
   static constexpr std::uint64_t context = 0xc0de;
 
+  // X28 may hold the application's value, or an address, between a load and the next.
+  [[nodiscard]] bool has_context() const { return on_.x[x28] == context; }
+
   std::size_t step(std::size_t index);
+  bool load_open_word(std::size_t index);
+  bool jump_at(std::size_t index);
   bool leave_at(std::size_t index);
   bool move_to_or_from_home(std::uint32_t word);
   std::uint64_t& home(std::int64_t displacement);
@@ -355,24 +367,53 @@ class translation {
 std::size_t translation::step(std::size_t index) {
   demand(index < made_.code.size(), "control runs off the end");
   const std::uint32_t word = made_.code[index];
-  if (leave_at(index) || move_to_or_from_home(word)) return index + 1;
   const control_flow branch = decode_control_flow(word, 4 * index);
+  if (branch.kind == flow::conditional) meet_condition(word, on_);
+  const bool passes_by = branch.kind == flow::conditional && !from_.taken;
+  if (!passes_by && leave_at(index)) return index + 1;
+  if (jump_at(index) || load_open_word(index) || move_to_or_from_home(word)) return index + 1;
   if (branch.kind == flow::conditional) {
-    meet_condition(word, on_);
+    if (passes_by) return index + 1;
     demand(branch.target > 4 * index, "a branch goes back");
-    return from_.taken ? branch.target / 4 : index + 1;
+    return branch.target / 4;
   }
-  demand(branch.kind == flow::none, "a branch that is no exit");
+  demand(branch.kind == flow::none || branch.kind == flow::synchronize, "a branch that is no exit");
   run_one(index);
   return index + 1;
 }
 
 bool translation::leave_at(std::size_t index) {
   const auto exit = std::ranges::find(made_.exits, index, &open_exit::index);
-  if (exit != made_.exits.end()) return leave(on_, exit->record), true;
-  const bool is_lookup = std::ranges::find(made_.lookups, index) != made_.lookups.end();
-  if (is_lookup) on_.left = way::lookup;
-  return is_lookup;
+  if (exit != made_.exits.end()) leave(on_, exit->record);
+  return exit != made_.exits.end();
+}
+
+// By a table, from its first word on, or by the shared lookup.
+bool translation::jump_at(std::size_t index) {
+  if (!made_.jump) return false;
+  const unsigned reg = made_.jump->reg;
+  const words sequence = reg == no_table ? words{a64::b(0)} : jump_by_table(reg);
+  if (index + sequence.size() != made_.jump->index + 1) return false;
+  demand(std::ranges::equal(sequence, std::span(made_.code).subspan(index, sequence.size())),
+         "no jump by a table");
+  on_.left = way::lookup;
+  on_.target = on_.x[reg];
+  return true;
+}
+
+bool translation::load_open_word(std::size_t index) {
+  const std::uint32_t word = made_.code[index];
+  const auto literal = std::ranges::find(made_.literals, index, &open_literal::index);
+  if (literal != made_.literals.end()) {
+    demand(is_load_literal(word), "a literal is loaded by another word");
+    return on_.write(field(word, 4, 0), literal->value), true;
+  }
+  const bool reloads = std::ranges::count(made_.reloads, index) != 0;
+  if (reloads) {
+    demand(word == reload_context, "the context is loaded by another word");
+    on_.x[x28] = context;
+  }
+  return reloads;
 }
 
 std::uint64_t& translation::home(std::int64_t displacement) {
@@ -381,7 +422,7 @@ std::uint64_t& translation::home(std::int64_t displacement) {
 }
 
 bool translation::move_to_or_from_home(std::uint32_t word) {
-  if (field(word, 9, 5) != x28) return false;
+  if (field(word, 9, 5) != x28 || !has_context()) return false;
   const std::int64_t single = field(word, 21, 10) * 8;
   const std::int64_t pair = signed_field(word, 21, 15) * 8;
   const unsigned t = field(word, 4, 0);
@@ -409,9 +450,9 @@ void translation::run_one(std::size_t index) {
   const bool is_literal = (word & 0x3b000000) == 0x18000000;
   const bool traps = (field(word, 28, 25) == 2 && !from_.has_sve) || is_literal;
   demand((word & 0x1f000000) != 0x10000000, "an address is computed from the translation's own");
-  demand(traps || !names_context(word) || is_undefined(word, roles_of(word)),
-         "an instruction of the application's names the context register");
   if (!traps && carry_out_move(word, on_)) return;
+  demand(traps || !has_context() || !names_context(word) || is_undefined(word, roles_of(word)),
+         "an instruction of the application's names the context register");
   check_recoverable(index);
   traps ? trap(word, on_) : meet(word, on_);
 }
@@ -499,6 +540,7 @@ constexpr struct {
     {0xfedff800, 0xd61f0800},  // BRAA, BLRAA...
     {0xffe0001f, 0xd4000001},  // SVC
     {0xffffffe0, 0xd50b7520},  // IC IVAU
+    {0xfffff0ff, 0xd50330df},  // ISB
 };
 
 std::uint32_t make_word(random_source& random) {

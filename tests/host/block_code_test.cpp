@@ -1,6 +1,6 @@
-// Single instructions and what takes their place, as words with their disassembly. Where a word
-// branches to is open until the block has an address, so it stands as B with the exit for a
-// disassembly. The instruction is at 0x412340.
+// Single instructions and what takes their place, as words with their disassembly. What a word
+// branches to or loads is open until the block has an address, so it stands behind => in the
+// disassembly, and the word is without it. The instruction is at 0x412340.
 #include "host/block_code.h"
 
 #include <gtest/gtest.h>
@@ -12,30 +12,39 @@ namespace host {
 namespace {
 
 constexpr std::uint64_t at = 0x412340;
-constexpr std::uint32_t open = 0x14000000;  // b .
-
-// What the words of a block that are open branch to, by their indices.
-using open_branches = std::map<std::size_t, std::string>;
+// What the words of a block that are open shall branch to or load, by their indices.
+using open_words = std::map<std::size_t, std::string>;
 
 std::string name_of(exit_kind kind) {
   switch (kind) {
     case exit_kind::direct: return "direct";
     case exit_kind::supervisor_call: return "supervisor call";
     case exit_kind::invalidate: return "invalidate";
+    case exit_kind::synchronize: return "synchronize";
     case exit_kind::refused: return "refused";
     default: return "another";
   }
 }
 
 // Targets as bytes from the instruction.
-open_branches branches_of(const block_code& block) {
-  open_branches branches;
+open_words open_words_of(const block_code& block) {
+  open_words open;
   for (const open_exit& exit : block.exits) {
     const auto distance = static_cast<std::int64_t>(exit.record.target - at);
-    branches[exit.index] += name_of(exit.record.kind) + " " + std::to_string(distance);
+    open[exit.index] += name_of(exit.record.kind) + " " + std::to_string(distance);
   }
-  for (const std::uint32_t index : block.lookups) branches[index] += "lookup";
-  return branches;
+  for (const open_literal& literal : block.literals) {
+    std::ostringstream value;
+    value << "=0x" << std::hex << literal.value;
+    open[literal.index] += value.str();
+  }
+  for (const std::uint32_t index : block.reloads) open[index] += "the context";
+  if (block.jump && block.jump->reg != no_table) {
+    open[block.jump->index] += "x" + std::to_string(block.jump->reg);
+  } else if (block.jump) {
+    open[block.jump->index] += "the lookup";
+  }
+  return open;
 }
 
 block_code translate(std::uint32_t word) {
@@ -57,15 +66,16 @@ void check(const char* listing) {
     SCOPED_TRACE(line);
     const auto word = static_cast<std::uint32_t>(std::stoul(line, nullptr, 16));
     words expected;
-    open_branches branches;
+    open_words open;
     while (lines.peek() == ' ' && std::getline(lines, line)) {
       expected.push_back(static_cast<std::uint32_t>(std::stoul(line, nullptr, 16)));
-      if (expected.back() == open) branches[expected.size() - 1] = line.substr(line.find("//") + 3);
+      const std::size_t arrow = line.find("=> ");
+      if (arrow != std::string::npos) open[expected.size() - 1] = line.substr(arrow + 3);
     }
     if (expected.empty()) expected = {word};
     const block_code got = translate(word);
     EXPECT_EQ(got.code, expected);
-    EXPECT_EQ(branches_of(got), branches);
+    EXPECT_EQ(open_words_of(got), open);
   }
 }
 
@@ -83,55 +93,72 @@ TEST(translation, copies_what_does_not_name_x28) {
 TEST(translation, computes_from_the_application_address) {
   check(R"(
 10ffffe3  // adr x3, .-4
-  d2846783  // mov  x3, #0x233c
-  f2a00823  // movk x3, #0x41, lsl #16
+  58000023  // ldr x3, => =0x41233c
 b0001a23  // adrp x3, .+0x345000
-  d28e0003  // mov  x3, #0x7000
-  f2a00ea3  // movk x3, #0x75, lsl #16
+  58000023  // ldr x3, => =0x757000
 90ffd803  // adrp x3, .-0x500000
-  929bffe3  // mov  x3, #0xffffffffffff2000
-  f2bffe23  // movk x3, #0xfff1, lsl #16
+  58000023  // ldr x3, => =0xfffffffffff12000
+f0ffdf63  // adrp x3, .-0x411000: a constant of one word
+  d2820003  // mov x3, #0x1000
 1008003c  // adr x28, .+0x10004
-  f9000380  // str  x0, [x28]
-  d2846880  // mov  x0, #0x2344
-  f2a00840  // movk x0, #0x42, lsl #16
-  f9007380  // str  x0, [x28, #224]
-  f9400380  // ldr  x0, [x28]
+  f9000380  // str x0, [x28]
+  58000020  // ldr x0, => =0x422344
+  f9007380  // str x0, [x28, #224]
+  f9400380  // ldr x0, [x28]
 58000103  // ldr x3, .+0x20
-  d2846c03  // mov  x3, #0x2360
-  f2a00823  // movk x3, #0x41, lsl #16
-  f9400063  // ldr  x3, [x3]
+  58000023  // ldr x3, => =0x412360
+  f9400063  // ldr x3, [x3]
 58007fe5  // ldr x5, .+0xffc: in another page, which may be unmapped
-  f9001785  // str  x5, [x28, #40]
-  d2866785  // mov  x5, #0x333c
-  f2a00825  // movk x5, #0x41, lsl #16
-  f94000a5  // ldr  x5, [x5]
+  f9001785  // str x5, [x28, #40]
+  58000025  // ldr x5, => =0x41333c
+  f94000a5  // ldr x5, [x5]
 98ffff84  // ldrsw x4, .-0x10
-  d2846604  // mov   x4, #0x2330
-  f2a00824  // movk  x4, #0x41, lsl #16
+  58000024  // ldr   x4, => =0x412330
   b9800084  // ldrsw x4, [x4]
 5800005f  // ldr xzr, .+0x8
-  f9000380  // str  x0, [x28]
-  d2846900  // mov  x0, #0x2348
-  f2a00820  // movk x0, #0x41, lsl #16
-  f940001f  // ldr  xzr, [x0]
-  f9400380  // ldr  x0, [x28]
+  5800003c  // ldr x28, => =0x412348
+  f940039f  // ldr xzr, [x28]
+  5800001c  // ldr x28, => the context
+9c000045  // ldr q5, .+0x8
+  5800003c  // ldr x28, => =0x412348
+  3dc00385  // ldr q5, [x28]
+  5800001c  // ldr x28, => the context
+5800005c  // ldr x28, .+0x8
+  f9000380  // str x0, [x28]
+  58000020  // ldr x0, => =0x412348
+  f9400000  // ldr x0, [x0]
+  f9007380  // str x0, [x28, #224]
+  f9400380  // ldr x0, [x28]
 d8000040  // prfm pldl1keep, .+0x8
-  f9000380  // str  x0, [x28]
-  d2846900  // mov  x0, #0x2348
-  f2a00820  // movk x0, #0x41, lsl #16
-  f9800000  // prfm pldl1keep, [x0]
-  f9400380  // ldr  x0, [x28]
+  5800003c  // ldr  x28, => =0x412348
+  f9800380  // prfm pldl1keep, [x28]
+  5800001c  // ldr  x28, => the context
 )");
 }
 
-TEST(translation, puts_another_register_for_x28) {
+TEST(translation, loads_x28_for_those_who_read_it) {
   check(R"(
 8b010380  // add x0, x28, x1
-  f9000b82  // str x2, [x28, #16]
-  f9407382  // ldr x2, [x28, #224]
-  8b010040  // add x0, x2, x1
-  f9400b82  // ldr x2, [x28, #16]
+  f940739c  // ldr x28, [x28, #224]
+  8b010380  // add x0, x28, x1
+  5800001c  // ldr x28, => the context
+a90573fb  // stp x27, x28, [sp, #80]
+  f940739c  // ldr x28, [x28, #224]
+  a90573fb  // stp x27, x28, [sp, #80]
+  5800001c  // ldr x28, => the context
+c8027f80  // stxr w2, x0, [x28]: with no store before it
+  f940739c  // ldr  x28, [x28, #224]
+  c8027f80  // stxr w2, x0, [x28]
+  5800001c  // ldr  x28, => the context
+e401439c  // st1b {z28.b}, p0, [x28, x1]
+  f940739c  // ldr  x28, [x28, #224]
+  e401439c  // st1b {z28.b}, p0, [x28, x1]
+  5800001c  // ldr  x28, => the context
+)");
+}
+
+TEST(translation, puts_another_register_for_x28_where_it_is_written) {
+  check(R"(
 8b01001c  // add x28, x0, x1
   f9000b82  // str x2, [x28, #16]
   8b010002  // add x2, x0, x1
@@ -143,6 +170,12 @@ TEST(translation, puts_another_register_for_x28) {
   9b000000  // madd x0, x0, x0, x0
   f9007380  // str  x0, [x28, #224]
   f9400380  // ldr  x0, [x28]
+f8408f80  // ldr x0, [x28, #8]!
+  f9001384  // str x4, [x28, #32]
+  f9407384  // ldr x4, [x28, #224]
+  f8408c80  // ldr x0, [x4, #8]!
+  f9007384  // str x4, [x28, #224]
+  f9401384  // ldr x4, [x28, #32]
 48227c1c  // casp x2, x3, x28, x29, [x0]
   a9021784  // stp  x4, x5, [x28, #32]
   f9407384  // ldr  x4, [x28, #224]
@@ -151,11 +184,6 @@ TEST(translation, puts_another_register_for_x28) {
   f9007384  // str  x4, [x28, #224]
   aa0503fd  // mov  x29, x5
   a9421784  // ldp  x4, x5, [x28, #32]
-e401439c  // st1b {z28.b}, p0, [x28, x1]
-  f9000b82  // str  x2, [x28, #16]
-  f9407382  // ldr  x2, [x28, #224]
-  e401405c  // st1b {z28.b}, p0, [x2, x1]
-  f9400b82  // ldr  x2, [x28, #16]
 )");
 }
 
@@ -177,83 +205,89 @@ d53b003c  // mrs x28, ctr_el0
 TEST(translation, refuses_what_may_use_x28_unseen) {
   check(R"(
 f83fd016  // ld64b x22, [x0]: X22 to X29
-  14000000  // refused 0
+  14000000  // b => refused 0
 e01c0da6  // ld1b {za0h.b[w12, 6]}, p3/z, [x13, x28]
-  14000000  // refused 0
+  14000000  // b => refused 0
 1e2c039c  // unallocated, in the group of conversions
-  14000000  // refused 0
+  14000000  // b => refused 0
 )");
 }
 
 TEST(translation, ends_the_block) {
   check(R"(
 17ffffff  // b .-4
-  14000000  // direct -4
+  14000000  // b => direct -4
 94000400  // bl .+0x1000
-  d284689e  // mov  x30, #0x2344
-  f2a0083e  // movk x30, #0x41, lsl #16
-  14000000  // direct 4096
+  5800003e  // ldr x30, => =0x412344
+  14000000  // b => direct 4096
 54000800  // b.eq .+0x100
-  54000040  // b.eq .+8
-  14000000  // direct 4
-  14000000  // direct 256
+  54000000  // b.eq => direct 256
+  14000000  // b => direct 4
 b76fff09  // tbnz x9, #45, .-0x20
-  b7680049  // tbnz x9, #45, .+8
-  14000000  // direct 4
-  14000000  // direct -32
+  b7680009  // tbnz x9, #45, => direct -32
+  14000000  // b => direct 4
 b400009c  // cbz x28, .+0x10
-  f9000380  // str x0, [x28]
-  f9407380  // ldr x0, [x28, #224]
-  b4000060  // cbz x0, .+12
-  f9400380  // ldr x0, [x28]
-  14000000  // direct 4
-  f9400380  // ldr x0, [x28]
-  14000000  // direct 16
+  f940739c  // ldr x28, [x28, #224]
+  b400007c  // cbz x28, .+12
+  5800001c  // ldr x28, => the context
+  14000000  // b => direct 4
+  5800001c  // ldr x28, => the context
+  14000000  // b => direct 16
+d4000001  // svc #0
+  14000000  // b => supervisor call 4
+d50b7523  // ic ivau, x3
+  14000000  // b => invalidate 4
+d5033fdf  // isb
+  d5033fdf  // isb
+  14000000  // b => synchronize 4
+74000000  // cbgt w0, w0, .
+  14000000  // b => refused 0
+)");
+}
+
+TEST(translation, looks_indirect_targets_up) {
+  check(R"(
+d65f03c0  // ret: the first of the tables
+  b37d3bdc  // bfi x28, x30, #3, #15
+  f97fff9c  // ldr x28, [x28, #32760]
+  d61f0380  // br  x28 => x30
 d61f0220  // br x17
-  a9000780  // stp x0, x1, [x28]
-  aa1103e0  // mov x0, x17
-  14000000  // lookup
-d61f0000  // br x0
-  a9000780  // stp x0, x1, [x28]
-  14000000  // lookup
-d65f03c0  // ret
+  9152039c  // add x28, x28, #0x480, lsl #12
+  b37d3a3c  // bfi x28, x17, #3, #15
+  f97fff9c  // ldr x28, [x28, #32760]
+  d61f0380  // br  x28 => x17
+d63f0000  // blr x0
+  5800003e  // ldr x30, => =0x412344
+  9141039c  // add x28, x28, #0x40, lsl #12
+  b37d381c  // bfi x28, x0, #3, #15
+  f97fff9c  // ldr x28, [x28, #32760]
+  d61f0380  // br  x28 => x0
+d63f03c0  // blr x30: the target is read before the link is written
   a9000780  // stp x0, x1, [x28]
   aa1e03e0  // mov x0, x30
-  14000000  // lookup
-d63f03c0  // blr x30: the target is read before the link is written
-  a9000780  // stp  x0, x1, [x28]
-  aa1e03e0  // mov  x0, x30
-  d284689e  // mov  x30, #0x2344
-  f2a0083e  // movk x30, #0x41, lsl #16
-  14000000  // lookup
+  5800003e  // ldr x30, => =0x412344
+  14000000  // b => the lookup
 d63f0380  // blr x28
-  a9000780  // stp  x0, x1, [x28]
-  f9407380  // ldr  x0, [x28, #224]
-  d284689e  // mov  x30, #0x2344
-  f2a0083e  // movk x30, #0x41, lsl #16
-  14000000  // lookup
+  a9000780  // stp x0, x1, [x28]
+  f9407380  // ldr x0, [x28, #224]
+  5800003e  // ldr x30, => =0x412344
+  14000000  // b => the lookup
 d65f0fff  // retab
   a9000780  // stp   x0, x1, [x28]
   aa1e03e0  // mov   x0, x30
   dac117e0  // autib x0, sp
-  14000000  // lookup
+  14000000  // b => the lookup
 d71f0820  // braa x1, x0
   a9000780  // stp   x0, x1, [x28]
   aa0103e0  // mov   x0, x1
   f9400381  // ldr   x1, [x28]
   dac11020  // autia x0, x1
-  14000000  // lookup
+  14000000  // b => the lookup
 d61f087f  // braaz x3
   a9000780  // stp    x0, x1, [x28]
   aa0303e0  // mov    x0, x3
   dac133e0  // autiza x0
-  14000000  // lookup
-d4000001  // svc #0
-  14000000  // supervisor call 4
-d50b7523  // ic ivau, x3
-  14000000  // invalidate 4
-74000000  // cbgt w0, w0, .
-  14000000  // refused 0
+  14000000  // b => the lookup
 )");
 }
 
