@@ -31,6 +31,7 @@ add_library(host_engine OBJECT
   processes.cpp
   program_break.cpp
   register_fields.cpp
+  robust_list.cpp
   runtime.cpp
   signal_actions.cpp
   signal_calls.cpp

@@ -86,6 +86,7 @@ std::int64_t announce_child(const clone_request& request, pid_t child) {
 void begin_forked(thread_state& thread, const clone_request& request) {
   thread.waiting = {};
   thread.is_vfork_child = false;
+  thread.robust_list = 0;
   thread.clear_child_tid = request.has(CLONE_CHILD_CLEARTID) ? request.child_tid : 0;
   if (request.has(CLONE_CHILD_SETTID)) write_to_application(request.child_tid, thread.tid);
   give_registers(thread.context, request);

@@ -23,6 +23,7 @@
 #include "host/own_files.h"
 #include "host/processes.h"
 #include "host/program_break.h"
+#include "host/robust_list.h"
 #include "host/signal_calls.h"
 #include "host/signal_delivery.h"
 #include "host/thread.h"
@@ -119,6 +120,7 @@ std::int64_t call(thread_state& thread) {
     case SYS_clone3:  // C libraries go on with clone
     case SYS_rseq:    // its critical sections would be copies in the cache
       return -ENOSYS;
+    case SYS_set_robust_list: return set_robust_list(thread, x);
     case SYS_set_tid_address: return set_tid_address(thread);
     case SYS_rt_sigaction: return set_signal_action(thread, x);
     case SYS_rt_sigprocmask: return change_signal_mask(thread, x);

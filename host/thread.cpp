@@ -64,6 +64,7 @@ void thread_state::reset() {
   cache.flush();
   tls_fields = {};
   clear_child_tid = 0;
+  robust_list = 0;
   signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
   waiting = {};
   blocked_host_signals = 0;

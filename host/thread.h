@@ -27,6 +27,7 @@ struct thread_state : followed_by_branch_tables {
   std::array<void*, tls_field_count> tls_fields{};
   pid_t tid = 0;
   std::uint64_t clear_child_tid = 0;  // where the kernel would clear the thread's number at its end
+  std::uint64_t robust_list = 0;      // that the kernel knows; 0: none
   stack_t signal_stack{};             // that the application asked for
   signal_actions* actions = nullptr;  // of its process
   waiting_signals waiting;

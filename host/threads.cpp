@@ -14,6 +14,7 @@
 #include "host/dispatch.h"
 #include "host/events.h"
 #include "host/fatal.h"
+#include "host/robust_list.h"
 #include "host/signal_delivery.h"
 
 namespace host {
@@ -156,6 +157,7 @@ void finish_thread(thread_state& thread) {
   const int left = retire_thread(thread);
   if (process_is_ending()) wait_for_the_end();
   if (left == 0) end_process(status_of_initial_thread);
+  leave_robust_mutexes(thread);
   release_thread(thread);
   clear_and_wake(clear_child_tid);
   if (initial) wait_for_the_end();

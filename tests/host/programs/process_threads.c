@@ -1,0 +1,198 @@
+// Threads at the limits of a program's use: thousands in turn, many at once, detached ones, the
+// initial thread gone before the others, and what the kernel does at a thread's end.
+#define _GNU_SOURCE
+#include <errno.h>
+#include <linux/futex.h>
+#include <pthread.h>
+#include <sched.h>
+#include <semaphore.h>
+#include <signal.h>
+#include <stdatomic.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+enum { many = 2000, at_once = 64 };
+
+static atomic_int counted;
+static pthread_barrier_t barrier;
+static __thread int own = 3;
+
+static void* count(void* argument) {
+  own += 4;
+  counted += own == 7;
+  return argument;
+}
+
+static void* meet(void* argument) {
+  for (int i = 0; i < 5; i++) pthread_barrier_wait(&barrier);
+  return count(argument);
+}
+
+static void in_turn(void) {
+  int same = 0;
+  for (intptr_t i = 0; i < many; i++) {
+    pthread_t thread;
+    void* result = NULL;
+    if (pthread_create(&thread, NULL, count, (void*)i) != 0) break;
+    pthread_join(thread, &result);
+    same += result == (void*)i;
+  }
+  printf("in turn: counted %d same %d\n", counted, same);
+}
+
+static void together(void) {
+  pthread_t threads[at_once];
+  counted = 0;
+  pthread_barrier_init(&barrier, NULL, at_once);
+  for (int i = 0; i < at_once; i++) pthread_create(&threads[i], NULL, meet, NULL);
+  for (int i = 0; i < at_once; i++) pthread_join(threads[i], NULL);
+  printf("together: counted %d\n", counted);
+}
+
+static void detached(void) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  counted = 0;
+  for (int i = 0; i < 300; i++) {
+    pthread_t thread;
+    while (pthread_create(&thread, &attributes, count, NULL) != 0) sched_yield();
+  }
+  while (counted < 300) sched_yield();
+  printf("detached: counted %d\n", counted);
+}
+
+// --- Raw threads -------------------------------------------------------------------------------
+
+static char stacks[4][65536] __attribute__((aligned(16)));
+static int words[4];  // that the kernel clears
+static sem_t ended;
+
+static int raw_thread(void* argument) {
+  const int fresh = syscall(SYS_set_tid_address, argument) == gettid();
+  counted += fresh;
+  return 0;
+}
+
+static void await_cleared(int* word) {
+  for (int seen; (seen = __atomic_load_n(word, __ATOMIC_ACQUIRE)) != 0;) {
+    syscall(SYS_futex, word, FUTEX_WAIT, seen, NULL, NULL, 0);
+  }
+}
+
+// The address of CLONE_CHILD_CLEARTID counts until the thread gives another.
+static void raw_threads(void) {
+  const int flags = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND | CLONE_THREAD |
+                    CLONE_SYSVSEM | CLONE_CHILD_CLEARTID;
+  counted = 0;
+  for (int i = 0; i < 3; i += 2) {
+    int* given = i == 0 ? &words[0] : &words[3];
+    words[2] = words[3] = words[0] = 1;
+    clone(raw_thread, stacks[i] + sizeof stacks[0], flags, given, NULL, NULL, &words[2]);
+    await_cleared(given);
+    printf("raw: given %d first %d counted %d\n", *given, words[2], counted);
+  }
+}
+
+// --- Robust mutexes ----------------------------------------------------------------------------
+
+static pthread_mutex_t* robust;
+
+static void* die_with_lock(void* argument) {
+  pthread_mutex_lock(robust);
+  return argument;
+}
+
+static void tell_owner(const char* who) {
+  const int error = pthread_mutex_lock(robust);
+  printf("robust, %s: %s\n", who, error == EOWNERDEAD ? "owner died" : strerror(error));
+  if (error == EOWNERDEAD) pthread_mutex_consistent(robust);
+  if (error == 0 || error == EOWNERDEAD) pthread_mutex_unlock(robust);
+}
+
+static void* wait_for_lock(void* argument) {
+  sem_post(&ended);
+  tell_owner("waiting");
+  return argument;
+}
+
+static void* die_while_another_waits(void* argument) {
+  pthread_mutex_lock(robust);
+  pthread_create(argument, NULL, wait_for_lock, NULL);
+  sem_wait(&ended);
+  usleep(20000);
+  return NULL;
+}
+
+// The emulator has none, and the C library doesn't ask it.
+static void robust_mutexes(void) {
+  void* head;
+  size_t size;
+  if (syscall(SYS_get_robust_list, 0, &head, &size) != 0) return;
+  pthread_mutexattr_t attributes;
+  pthread_mutexattr_init(&attributes);
+  pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+  pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+  robust = mmap(NULL, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  pthread_mutex_init(robust, &attributes);
+  pthread_t thread, waiting;
+  pthread_create(&thread, NULL, die_with_lock, NULL);
+  pthread_join(thread, NULL);
+  tell_owner("thread");
+  pthread_create(&thread, NULL, die_while_another_waits, &waiting);
+  pthread_join(thread, NULL);
+  pthread_join(waiting, NULL);
+  pid_t child = fork();
+  if (child == 0) {
+    pthread_mutex_lock(robust);
+    _exit(0);
+  }
+  waitpid(child, NULL, 0);
+  tell_owner("process");
+  child = fork();
+  if (child == 0) {
+    pthread_mutex_lock(robust);
+    raise(SIGKILL);
+  }
+  waitpid(child, NULL, 0);
+  tell_owner("killed");
+}
+
+// --- The end -----------------------------------------------------------------------------------
+
+static void handle(int signal) {
+  (void)signal;
+  counted = -1;
+}
+
+// The process is still there, and its signals go to those that are left.
+static void* outlive(void* initial) {
+  usleep(50000);
+  counted = 0;
+  signal(SIGUSR1, handle);
+  kill(getpid(), SIGUSR1);
+  while (counted != -1) usleep(1000);
+  printf("initial thread joined %d\n", pthread_join(*(pthread_t*)initial, NULL));
+  exit(17);
+}
+
+int main(void) {
+  static pthread_t initial;
+  setbuf(stdout, NULL);
+  in_turn();
+  together();
+  detached();
+  raw_threads();
+  sem_init(&ended, 0, 0);
+  robust_mutexes();
+  pthread_t thread;
+  initial = pthread_self();
+  pthread_create(&thread, NULL, outlive, &initial);
+  pthread_exit(NULL);
+}
