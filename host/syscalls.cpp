@@ -87,10 +87,11 @@ std::int64_t call_with_path(const thread_state& thread, std::int64_t number) {
   return application_call(x.data(), &thread.context.attention);
 }
 
-// A filter would judge the host's own calls, too, so this is a kernel without them.
+// A filter of system calls would judge the host's own, too, so this is a kernel without them.
 std::int64_t control_process(thread_state& thread, const std::uint64_t* x) {
   switch (x[0]) {
-    case PR_SET_SECCOMP: return -EINVAL;
+    case PR_SET_SECCOMP:
+    case PR_SET_SYSCALL_USER_DISPATCH: return -EINVAL;
     case PR_SVE_GET_VL:
       if (sve_is_advertised()) return get_vector_length(thread);
       break;

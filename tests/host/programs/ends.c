@@ -1,11 +1,15 @@
 // Ends in the way that its argument names.
+#define _GNU_SOURCE
 #include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 static volatile long counters[4];
@@ -43,6 +47,10 @@ static void jump_to(uintptr_t address) {
   function();
 }
 
+static int clone_raw(unsigned long flags) {
+  return (int)syscall(SYS_clone, flags, NULL, NULL, NULL, NULL);
+}
+
 static int end(const char* how) {
   if (strcmp(how, "status") == 0) return 42;
   if (strcmp(how, "negative") == 0) return -1;
@@ -76,6 +84,10 @@ static int end(const char* how) {
     pthread_exit(NULL);
   }
   if (strcmp(how, "ignore") == 0) return signal(SIGUSR1, SIG_IGN) == SIG_ERR || raise(SIGUSR1);
+  if (strcmp(how, "traced") == 0) return (int)ptrace(PTRACE_TRACEME, 0, NULL, NULL);
+  if (strcmp(how, "orphan") == 0) return clone_raw(0);
+  if (strcmp(how, "sharing") == 0) return clone_raw(CLONE_VM | SIGCHLD);
+  if (strcmp(how, "namespace") == 0) return clone_raw(CLONE_NEWPID | SIGCHLD);
   return 100;
 }
 

@@ -238,6 +238,21 @@ static void spawns(void) {
   await("vforked alone", child);
 }
 
+static volatile int spinning = 1;
+
+static void* spin(void* argument) {
+  while (spinning) free(malloc(100));
+  return argument;
+}
+
+static void spawns_among_threads(void) {
+  pthread_t threads[2];
+  for (int i = 0; i < 2; i++) pthread_create(&threads[i], NULL, spin, NULL);
+  spawns();
+  spinning = 0;
+  for (int i = 0; i < 2; i++) pthread_join(threads[i], NULL);
+}
+
 static void by_descriptor(void) {
   const int fd = open(self, O_RDONLY);
   char* arguments[] = {"by descriptor", NULL};
@@ -321,6 +336,7 @@ int main(int argc, char** argv) {
   scripts();
   errors();
   spawns();
+  spawns_among_threads();
   by_descriptor();
   remove_all();
   return 0;
