@@ -17,14 +17,18 @@ class Counts:
         self.total = sum(int(count) for kind, count in counts if kind == "total")
 
 
-def count_instructions(build, command, cpu=NO_SVE):
-    """Runs a command (strings or paths) with the counter of the given build directory."""
+def count_instructions(build, command, cpu=NO_SVE, quiet=False):
+    """Runs a command (strings or paths) with the counter of the given build directory.
+
+    A quiet run keeps its standard error stream to itself.
+    """
     with tempfile.TemporaryDirectory() as directory:
         out = pathlib.Path(directory) / "counts"
         plugin = f"file={build / 'lib' / 'libcount_instructions.so'},out={out}"
         result = subprocess.run(
             ["qemu-aarch64", "-L", "/usr/aarch64-linux-gnu", "-cpu", cpu, "-plugin", plugin,
-             *command], stdout=subprocess.PIPE, text=True)
+             *command], stdout=subprocess.PIPE, text=True,
+            stderr=subprocess.DEVNULL if quiet else None)
         if result.returncode != 0:
             raise SystemExit(f"bench: {command[0]} under qemu-aarch64 ends with "
                              f"{result.returncode}; its own message stands above")

@@ -55,6 +55,8 @@ std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
   note_translated(pc, end);
   run_block_events(thread, pc, list);
   block_code out;
+  out.code.reserve(2 * (end - pc) / 4 + 1);
+  out.map.reserve((end - pc) / 4);
   for (const instr_t* instr = list.first; instr != nullptr; instr = instr->next) {
     emit(*instr, out);
   }

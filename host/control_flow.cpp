@@ -48,6 +48,8 @@ bool is_later_branch(std::uint32_t word) {
 }  // namespace
 
 control_flow decode_control_flow(std::uint32_t word, std::uint64_t pc) {
+  const bool is_branch_or_system = field(word, 28, 26) == 5;
+  if (!is_branch_or_system && !is_later_branch(word)) return {};
   if (matches(word, 0x7c000000, 0x14000000)) {  // B, BL
     return {.kind = flow::direct,
             .links = field(word, 31, 31) != 0,

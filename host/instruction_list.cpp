@@ -10,6 +10,24 @@ _instr_list_t::~_instr_list_t() {
   }
 }
 
+namespace {
+
+constinit thread_local void* free_instructions = nullptr;  // each holds the next one's address
+
+}  // namespace
+
+void* _instr_t::operator new(std::size_t size) {
+  void* const first = free_instructions;
+  if (first == nullptr) return ::operator new(size);
+  std::memcpy(&free_instructions, first, sizeof free_instructions);
+  return first;
+}
+
+void _instr_t::operator delete(void* instr) {
+  std::memcpy(instr, &free_instructions, sizeof free_instructions);
+  free_instructions = instr;
+}
+
 namespace host {
 
 instr_t* insert_word(instrlist_t& list, instr_t* where, int opcode, std::uint32_t word, bool meta) {

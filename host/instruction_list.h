@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "host/assembler.h"
@@ -15,6 +16,10 @@ struct _instr_t {
   int opcode = OP_UNDECODED;
   std::uint32_t word = 0;
   bool meta = false;
+
+  // Blocks take and give back dozens at a time; each thread keeps its own for the next.
+  static void* operator new(std::size_t size);
+  static void operator delete(void* instr);
 };
 
 struct _instr_list_t {

@@ -1,5 +1,7 @@
 #include "host/mangle.h"
 
+#include <algorithm>
+
 #include "host/register_fields.h"
 
 namespace host {
@@ -146,6 +148,16 @@ x28_use use_of_x28(std::uint32_t word, const register_roles& roles) {
   return use;
 }
 
+// Most words hold 28 in no place where a register may be named, nor begin eight registers that run
+// into it; this is told without the table.
+bool may_name_x28(std::uint32_t word) {
+  const unsigned first = field(word, 4, 0);
+  if (first > context_register - 8 && first < 31) return true;
+  return std::ranges::any_of(field_positions, [word](unsigned position) {
+    return field_at(word, position) == context_register;
+  });
+}
+
 std::uint32_t rename_x28(std::uint32_t word, const register_roles& roles, unsigned substitute) {
   for (unsigned i = 0; i < roles.size(); i++) {
     const unsigned position = field_positions[i];
@@ -199,10 +211,12 @@ mangling mangle_x28(std::uint32_t word, const register_roles& roles, const x28_u
 mangling mangle(std::uint32_t word, std::uint64_t pc, words& out) {
   if (is_address(word)) return mangle_address(word, pc, out);
   if (is_literal_load(word)) return mangle_literal_load(word, pc, out);
-  const register_roles roles = roles_of(word);
-  const x28_use use = use_of_x28(word, roles);
-  if (use.refused) return {.known = false};
-  if (use.named) return mangle_x28(word, roles, use, out);
+  if (may_name_x28(word)) {
+    const register_roles roles = roles_of(word);
+    const x28_use use = use_of_x28(word, roles);
+    if (use.refused) return {.known = false};
+    if (use.named) return mangle_x28(word, roles, use, out);
+  }
   if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
     mangle_cache_type(word, out);
   } else {

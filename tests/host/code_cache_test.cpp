@@ -242,6 +242,143 @@ TEST_F(interrupted_test, leaves_at_an_indirect_branch_and_finds_its_way_later) {
   EXPECT_EQ(run(third).kind, exit_kind::supervisor_call);
 }
 
+// A loop that calls two functions in turn, whose addresses share a slot of the branch table:
+//
+//   1000: add x3, x3, #1; blr x5     2000: add x4, x4, #1; ret      a000: add x7, x7, #1; ret
+//   1008: eor x5, x5, #0x8000; sub x6, x6, #1 (by b .+4); cbnz x6, 1000; svc #0
+class calling_test : public interrupted_test {
+ protected:
+  calling_test() {
+    test_ = this;
+    const kernel_action action = {.handler = reinterpret_cast<std::uint64_t>(interrupt),
+                                  .flags = SA_SIGINFO | SA_ONSTACK,
+                                  .restorer = 0,
+                                  .mask = 0};
+    kernel_call(SYS_rt_sigaction, SIGTRAP, reinterpret_cast<std::uint64_t>(&action), 0,
+                sizeof action.mask);
+  }
+
+  struct two_words {
+    std::uint64_t pc;
+    std::uint32_t straight;
+    std::uint32_t branch;
+  };
+  static constexpr two_words program[] = {
+      {0x1000, add_x3_1, 0xd63f00a0},    // blr x5
+      {0x2000, 0x91000484, 0xd65f03c0},  // add x4, x4, #1; ret
+      {0xa000, 0x910004e7, 0xd65f03c0},  // add x7, x7, #1; ret
+      {0x1008, 0xd27100a5, 0x14000001},  // eor x5, x5, #0x8000; b .+4
+      {0x1010, 0xd10004c6, 0xb5ffff66},  // sub x6, x6, #1; cbnz x6, .-20
+      {0x1018, 0xd503201f, svc},         // nop
+  };
+
+  const fragment& block_at(std::uint64_t pc, const exit_record* came_from) {
+    if (const fragment* known = cache().find(pc)) return *known;
+    for (const two_words& each : program) {
+      if (each.pc != pc) continue;
+      block_code block;
+      emit_straight(each.straight, pc, false, block);
+      emit_control_flow(each.branch, pc + 4, block);
+      return *cache().install(pc, block, came_from);
+    }
+    ADD_FAILURE() << "a branch to " << std::hex << pc;
+    return block_at(0x1018, nullptr);
+  }
+
+  // Runs the loop as the dispatcher does. Returns how often the cache was left.
+  int run_loop(std::uint64_t rounds) {
+    context().x[3] = context().x[4] = context().x[7] = 0;
+    context().x[5] = 0x2000;
+    context().x[6] = rounds;
+    context().pc = 0x1000;
+    const exit_record* came_from = nullptr;
+    for (int exits = 1;; exits++) {
+      const fragment& next = block_at(context().pc, came_from);
+      if (came_from != nullptr && came_from->kind == exit_kind::direct) {
+        code_cache::link(*came_from, next);
+      }
+      if (came_from != nullptr && came_from->kind == exit_kind::indirect) {
+        cache().admit(next, came_from->reg);
+      }
+      came_from = &run(next);
+      if (came_from->kind == exit_kind::supervisor_call) return exits;
+      if (came_from->kind == exit_kind::direct) context().pc = came_from->target;
+    }
+  }
+
+  void write(std::uint32_t word) {
+    *interrupted_at = word;
+    __builtin___clear_cache(reinterpret_cast<char*>(interrupted_at),
+                            reinterpret_cast<char*>(interrupted_at + 1));
+  }
+
+  // Constants are addresses, whose upper halves are small numbers, as no instruction is.
+  static bool is_code(std::uint32_t word) { return word > 0xffff; }
+
+  // A signal arrives before this word is run.
+  void interrupt_at(std::uint32_t* word) {
+    interrupted_at = word;
+    was_interrupted = false;
+    replaced = *word;
+    write(brk);
+  }
+
+  static void interrupt(int, siginfo_t*, void* raw) {
+    mcontext_t& machine = static_cast<ucontext_t*>(raw)->uc_mcontext;
+    test_->write(test_->replaced);
+    test_->was_interrupted = true;
+    test_->rounds_left = machine.regs[6];
+    test_->cache().leave_soon(machine);
+  }
+
+  static inline calling_test* test_ = nullptr;
+  std::uint32_t* interrupted_at = nullptr;
+  std::uint32_t replaced = 0;
+  bool was_interrupted = false;
+  std::uint64_t rounds_left = 0;
+};
+
+TEST_F(calling_test, stays_in_the_cache_once_all_is_known) {
+  EXPECT_GT(run_loop(6), 1);
+  EXPECT_EQ(run_loop(100), 1);
+  EXPECT_EQ(context().x[3], 100u);
+  EXPECT_EQ(context().x[4], 50u);
+  EXPECT_EQ(context().x[7], 50u);
+}
+
+// The signal may find the thread in a block, an entry, a stub, the lookup: wherever it is, nothing
+// is lost, the thread leaves before it goes round again, and then runs as before.
+TEST_F(calling_test, leaves_wherever_it_is_interrupted) {
+  run_loop(6);
+  std::uint32_t* const start = block_at(0x1000, nullptr).code;
+  std::uint32_t* const end = start + (32 << 10) / 4;
+  int places = 0;
+  for (std::uint32_t* word = start - 600; word < end; word++) {
+    const bool in_arena = cache().contains(reinterpret_cast<std::uint64_t>(word)) && word + 1 < end;
+    if (!in_arena || !is_code(word[0]) || !is_code(word[1])) continue;
+    SCOPED_TRACE(testing::Message() << word - start << ", word " << std::hex << *word);
+    const std::uint64_t x8 = context().x[8] = 0x8888 + static_cast<std::uint64_t>(places);
+    interrupt_at(word);
+    const int exits = run_loop(6);
+    if (was_interrupted) places++;
+    EXPECT_TRUE(exits > 1 || !was_interrupted || rounds_left == 0);
+    if (!was_interrupted) write(replaced);
+    EXPECT_EQ(context().x[3], 6u);
+    EXPECT_EQ(context().x[4], 3u);
+    EXPECT_EQ(context().x[7], 3u);
+    EXPECT_EQ(context().x[5], 0x2000u);
+    EXPECT_EQ(context().x[8], x8);
+    EXPECT_EQ(context().x[0], 0x10u);
+    EXPECT_EQ(context().x[1], 0x11u);
+    EXPECT_EQ(context().x[2], 0x12u);
+    EXPECT_EQ(context().x[28], unmapped);
+    EXPECT_EQ(context().x[30], 0x1008u);
+    run_loop(6);
+    ASSERT_EQ(run_loop(6), 1);
+  }
+  EXPECT_GT(places, 50);
+}
+
 TEST_F(cache_test, is_empty_after_a_flush_and_refuses_more_than_it_holds) {
   block_code large;
   large.code.assign(250'000, 0xd503201f);  // 1 MB, nearly
