@@ -36,6 +36,11 @@ namespace {
 
 launch_settings settings;
 
+// An error of the call; no user sees the text.
+[[noreturn]] void fail(int error_number) {
+  throw launch_error(exit_status::cannot_run, std::strerror(error_number), error_number);
+}
+
 struct execution_request {
   explicit execution_request(const std::uint64_t* x)
       : calls_execveat(x[8] == SYS_execveat),
@@ -81,17 +86,18 @@ void check_program(const input_file& file) {
   if (image.interpreter.empty()) return;
   const input_file interpreter(image.interpreter);
   if (!is_aarch64_program(interpreter.bytes())) {
-    throw launch_error(exit_status::cannot_run, image.interpreter, ELIBBAD);
+    fail(ELIBBAD);
   }
   read_elf(interpreter.path(), interpreter.bytes(), page_size);
 }
 
 enum class verdict { launch, leave_to_kernel };
 
-// Throws launch_error.
+// A launcher that the program starts by itself needs no second one around it. Throws launch_error.
 verdict judge(const executable_file& executable) {
   const program_to_run program = follow_scripts(executable, {""});
   if (!is_aarch64_program(program.file.bytes())) return verdict::leave_to_kernel;
+  if (program.file.real_path() == settings.launcher) return verdict::leave_to_kernel;
   check_program(program.file);
   return verdict::launch;
 }
@@ -109,57 +115,47 @@ bool is_lost_script(const execution_request& request, const executable_file& exe
   return file.bytes().size() > 2 && std::memcmp(file.bytes().data(), "#!", 2) == 0;
 }
 
-// The new launcher's command line. The program's arguments stay where they are.
-class command_line {
- public:
-  void add(const std::string& word) { words_.push_back(word); }
-  void add_option(const char* option, const std::string& value) {
-    add(option);
-    add(value);
-  }
-
-  // False: the array cannot be read, or nothing can have room for that many.
-  [[nodiscard]] bool add_from_application(std::uint64_t array) {
-    constexpr std::size_t limit = std::size_t{1} << 23;
-    for (std::uint64_t at = array; array != 0 && arguments_.size() < limit; at += sizeof at) {
-      std::uint64_t argument = 0;
-      if (!read_from_application(at, argument)) return false;
-      if (argument == 0) break;
-      arguments_.push_back(argument);
-    }
-    return arguments_.size() < limit;
-  }
-
-  // As the kernel has it, a program without arguments gets an empty one.
-  [[nodiscard]] std::vector<std::uint64_t> array() const {
-    std::vector<std::uint64_t> all;
-    for (const std::string& word : words_) all.push_back(address_of(word.c_str()));
-    all.insert(all.end(), arguments_.begin(), arguments_.end());
-    if (arguments_.empty()) all.push_back(address_of(""));
-    all.push_back(0);
-    return all;
-  }
-
- private:
-  std::vector<std::string> words_;
-  std::vector<std::uint64_t> arguments_;
+// All that the call itself needs. It is kept for the thread's next call: when a vforked child
+// executes a program, what it has allocated stays in memory that is its parent's, and so do its
+// descriptors' numbers, but not the descriptors.
+struct prepared_launch {
+  std::vector<std::string> words;        // of the new launcher's command line, up to "--"
+  std::vector<std::uint64_t> arguments;  // all of it: addresses of the words and of the program's
+  int descriptor = -1;                   // that the launcher closes
 };
+thread_local prepared_launch prepared;
 
-// Closed when exec has failed.
-class inherited_descriptor {
- public:
-  explicit inherited_descriptor(const std::string& path) : number_(open(path.c_str(), O_PATH)) {}
-  ~inherited_descriptor() {
-    if (number_ >= 0) close(number_);
+void add_words(const executable_file& executable, const std::string& path) {
+  std::vector<std::string>& words = prepared.words;
+  words = {"tessaly", option_name::executable, path, option_name::executable_name, executable.name};
+  if (settings.advertise_sve) words.emplace_back(option_name::advertise_sve);
+  if (prepared.descriptor >= 0) {
+    words.emplace_back(option_name::executable_descriptor);
+    words.push_back(std::to_string(prepared.descriptor));
   }
-  inherited_descriptor(const inherited_descriptor&) = delete;
-  inherited_descriptor& operator=(const inherited_descriptor&) = delete;
+  words.emplace_back(option_name::client);
+  words.insert(words.end(), settings.client.begin(), settings.client.end());
+  words.emplace_back("--");
+}
 
-  [[nodiscard]] int number() const { return number_; }
-
- private:
-  int number_;
-};
+// False: the application's array cannot be read, or nothing can have room for that many. As the
+// kernel has it, a program without arguments gets an empty one.
+bool add_arguments(std::uint64_t array) {
+  constexpr std::size_t limit = std::size_t{1} << 23;
+  std::vector<std::uint64_t>& arguments = prepared.arguments;
+  arguments.clear();
+  for (const std::string& word : prepared.words) arguments.push_back(address_of(word.c_str()));
+  const std::size_t words = arguments.size();
+  for (std::uint64_t at = array; array != 0 && arguments.size() < limit; at += sizeof at) {
+    std::uint64_t argument = 0;
+    if (!read_from_application(at, argument)) return false;
+    if (argument == 0) break;
+    arguments.push_back(argument);
+  }
+  if (arguments.size() == words) arguments.push_back(address_of(""));
+  arguments.push_back(0);
+  return arguments.size() < limit;
+}
 
 // Errors that say nothing of the launcher.
 bool is_programs_own_error(std::int64_t error) {
@@ -176,15 +172,14 @@ bool is_programs_own_error(std::int64_t error) {
 
 // The signals are as the new program shall find them: what the application ignores and blocks,
 // the host's own signals included. A signal that comes now keeps the call from starting.
-std::int64_t call_execve(thread_state& thread, const std::vector<std::uint64_t>& arguments,
-                         std::uint64_t environment) {
+std::int64_t call_execve(thread_state& thread, std::uint64_t environment) {
   const std::uint64_t mask = block_signals(thread);
   std::int64_t result = call_not_started;
   if (thread.waiting.other.signal == 0) {
     thread.actions->tell_kernel_of_ignored();
     kernel_call(SYS_rt_sigprocmask, SIG_SETMASK, address_of(&mask), 0, sizeof mask);
     const std::array<std::uint64_t, 9> x = {address_of(settings.launcher.c_str()),
-                                            address_of(arguments.data()),
+                                            address_of(prepared.arguments.data()),
                                             environment,
                                             0,
                                             0,
@@ -197,6 +192,12 @@ std::int64_t call_execve(thread_state& thread, const std::vector<std::uint64_t>&
     install_signal_handlers();
   }
   set_application_mask(thread, mask);
+  return result;
+}
+
+std::int64_t launch(thread_state& thread, std::uint64_t environment) {
+  const std::int64_t result = call_execve(thread, environment);
+  if (prepared.descriptor >= 0) close(prepared.descriptor);
   if (!is_programs_own_error(result)) {
     fatal("execve: the launcher %s cannot be executed from here (%s)", settings.launcher.c_str(),
           std::strerror(static_cast<int>(-result)));
@@ -204,28 +205,19 @@ std::int64_t call_execve(thread_state& thread, const std::vector<std::uint64_t>&
   return result;
 }
 
-std::int64_t launch(thread_state& thread, const execution_request& request,
-                    const executable_file& executable) {
-  std::optional<inherited_descriptor> descriptor;
+// Throws launch_error.
+void prepare(const execution_request& request, const executable_file& executable) {
   std::string path = executable.path;
+  prepared.descriptor = -1;
   if (depends_on_descriptors(path)) {
-    descriptor.emplace(path);
-    if (descriptor->number() < 0) return -errno;
-    path = "/proc/self/fd/" + std::to_string(descriptor->number());
+    prepared.descriptor = open(path.c_str(), O_PATH);
+    if (prepared.descriptor < 0) fail(errno);
+    path = "/proc/self/fd/" + std::to_string(prepared.descriptor);
   }
-  command_line line;
-  line.add("tessaly");
-  if (settings.advertise_sve) line.add(option_name::advertise_sve);
-  line.add_option(option_name::executable, path);
-  line.add_option(option_name::executable_name, executable.name);
-  if (descriptor) {
-    line.add_option(option_name::executable_descriptor, std::to_string(descriptor->number()));
-  }
-  line.add(option_name::client);
-  for (const std::string& word : settings.client) line.add(word);
-  line.add("--");
-  if (!line.add_from_application(request.arguments)) return -EFAULT;
-  return call_execve(thread, line.array(), request.environment);
+  add_words(executable, path);
+  if (add_arguments(request.arguments)) return;
+  if (prepared.descriptor >= 0) close(prepared.descriptor);
+  fail(EFAULT);
 }
 
 // Where the kernel finds something wrong with the path, or a flag decides, it is the kernel that
@@ -246,6 +238,17 @@ bool is_for_kernel(const execution_request& request, const std::optional<std::st
   return kernel_call(SYS_faccessat, directory, request.path, F_OK) < 0;
 }
 
+// False: the call is the kernel's.
+bool prepare_if_ours(const execution_request& request) {
+  const auto path = read_path(request.path);
+  if (is_for_kernel(request, path)) return false;
+  const executable_file executable = find_executable(request, *path);
+  if (is_lost_script(request, executable)) fail(ENOENT);
+  if (judge(executable) == verdict::leave_to_kernel) return false;
+  prepare(request, executable);
+  return true;
+}
+
 }  // namespace
 
 void set_launch_settings(const launch_settings& chosen) { settings = chosen; }
@@ -253,15 +256,10 @@ void set_launch_settings(const launch_settings& chosen) { settings = chosen; }
 std::int64_t execute_program(thread_state& thread) {
   const std::uint64_t* const x = thread.context.x;
   const execution_request request(x);
-  const auto path = read_path(request.path);
-  if (!is_for_kernel(request, path)) {
-    const executable_file executable = find_executable(request, *path);
-    try {
-      if (is_lost_script(request, executable)) return -ENOENT;
-      if (judge(executable) == verdict::launch) return launch(thread, request, executable);
-    } catch (const launch_error& error) {
-      return -error.error_number();
-    }
+  try {
+    if (prepare_if_ours(request)) return launch(thread, request.environment);
+  } catch (const launch_error& error) {
+    return -error.error_number();
   }
   return application_call(x, &thread.context.attention);
 }

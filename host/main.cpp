@@ -51,6 +51,11 @@ program_to_run find(const options& chosen) {
 
 loaded_program load(const options& chosen, char** environment) {
   const program_to_run program = find(chosen);
+  if (program.file.real_path() == launcher_path()) {
+    throw launch_error(exit_status::cannot_run, program.executable_name +
+                                                    ": this is tessaly itself, which runs in no "
+                                                    "other; name the program alone");
+  }
   loaded_program loaded = load_program(program, collect(environment), auxiliary_vector(environment),
                                        chosen.advertise_sve);
   // The process bears the program's name, as after exec.

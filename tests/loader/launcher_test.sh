@@ -96,6 +96,8 @@ expect 126 "./empty: an empty file" ./empty
 expect 126 "./pipe: not a regular file" ./pipe
 expect 126 "./text: neither an ELF program nor a script" ./text
 
+expect 126 "this is tessaly itself" "$launcher" ./show
+
 # Scripts without a usable interpreter.
 script 127 "./wrong_script: interpreter /does/not/exist: no such file" '#!/does/not/exist\n'
 script 126 "./wrong_script: .*names no interpreter" '#! \n'
