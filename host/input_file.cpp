@@ -42,9 +42,12 @@ int kind_error(mode_t mode) {
 }
 
 // The permission is asked for by descriptor, because QEMU's -L applies to open, but not to access.
+// A changed root may have no /proc; there only kernels from 5.8 on tell.
 int permission_error(int descriptor) {
   const std::string path = descriptor_path(descriptor);
-  return faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0 ? 0 : errno;
+  if (faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0) return 0;
+  if (errno != ENOENT) return errno;
+  return faccessat(descriptor, "", X_OK, AT_EACCESS | AT_EMPTY_PATH) == 0 ? 0 : errno;
 }
 
 int execution_error(int descriptor) {
