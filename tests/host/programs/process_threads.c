@@ -17,7 +17,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-enum { many = 2000, at_once = 64 };
+enum { at_once = 64 };
+
+static int many = 2000;  // in turn; another number as the argument
 
 static atomic_int counted;
 static pthread_barrier_t barrier;
@@ -182,8 +184,9 @@ static void* outlive(void* initial) {
   exit(17);
 }
 
-int main(void) {
+int main(int argc, char** argv) {
   static pthread_t initial;
+  if (argc > 1) many = atoi(argv[1]);
   setbuf(stdout, NULL);
   in_turn();
   together();
