@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs what building needs and this machine lacks, and nothing else; with the argument "check"
-# also what checking needs, with "bench" what bench/floating_point does. Called by ./run, ./check and
-# the benchmarks; does nothing on a machine that has it all.
+# also what checking needs, and fetches the programs that the tests run into build/real_programs;
+# with "bench" what bench/floating_point does. Called by ./run, ./check and the benchmarks; does
+# nothing on a machine that has it all.
 set -eu
 
 missing_commands=
@@ -52,20 +53,29 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-find_missing "${1:-run}"
-[ -n "$missing_packages" ] || exit 0
-command -v apt-get >/dev/null 2>&1 ||
-  fail "missing:$missing_commands. Without apt-get they cannot be installed from here; on Debian 12" \
-    "they are in the packages$missing_packages"
-[ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null 2>&1 ||
-  fail "packages are missing, but this is not root, and there is no sudo. As root, do:" \
-    "apt-get install$missing_packages"
-echo "setup: installing$missing_packages" >&2
-as_root apt-get update -q >&2
-# shellcheck disable=SC2086
-as_root env DEBIAN_FRONTEND=noninteractive \
-  apt-get install -q -y --no-install-recommends $missing_packages >&2
-missing_commands=
-missing_packages=
-find_missing "${1:-run}"
-[ -z "$missing_commands" ] || fail "still missing after the installation:$missing_commands"
+install_missing() {
+  command -v apt-get >/dev/null 2>&1 ||
+    fail "missing:$missing_commands. Without apt-get they cannot be installed from here; on Debian 12" \
+      "they are in the packages$missing_packages"
+  [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null 2>&1 ||
+    fail "packages are missing, but this is not root, and there is no sudo. As root, do:" \
+      "apt-get install$missing_packages"
+  echo "setup: installing$missing_packages" >&2
+  as_root apt-get update -q >&2
+  # shellcheck disable=SC2086
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -q -y --no-install-recommends $missing_packages >&2
+  missing_commands=
+  missing_packages=
+  find_missing "$1"
+  [ -z "$missing_commands" ] || fail "still missing after the installation:$missing_commands"
+}
+
+purpose=${1:-run}
+find_missing "$purpose"
+[ -z "$missing_packages" ] || install_missing "$purpose"
+if [ "$purpose" = check ]; then
+  root=$(dirname "$0")/..
+  # Tests that need these programs are skipped where they cannot be had.
+  "$root/tests/real_programs/fetch" "$root/build/real_programs" || [ $? -eq 77 ]
+fi
