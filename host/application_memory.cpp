@@ -146,6 +146,7 @@ void note_unmapped(std::uint64_t start, std::uint64_t end) {
 std::vector<memory_range> application_memory() {
   const std::lock_guard lock(mutex);
   std::vector<memory_range> all;
+  all.reserve(ranges.size() + 1);
   for (const auto& [start, end] : ranges) all.push_back({start, end, ""});
   const auto place = std::ranges::find_if(
       all, [](const memory_range& range) { return range.start > stack.start; });

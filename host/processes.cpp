@@ -169,7 +169,7 @@ void run_vforked(void* argument) {
   }
 }
 
-std::int64_t vfork(thread_state& thread, const clone_request& request, std::uint64_t mask) {
+std::int64_t start_vforked(thread_state& thread, const clone_request& request, std::uint64_t mask) {
   signal_actions own(*thread.actions);
   const vfork_birth birth{thread, request, own, mask};
   const parents_view parent(thread);
@@ -196,7 +196,8 @@ bool vfork_shares_memory() {
 }
 
 std::int64_t vfork_or_fork(thread_state& thread, clone_request request, std::uint64_t mask) {
-  if (active_thread_count() == 1 || vfork_shares_memory()) return vfork(thread, request, mask);
+  if (active_thread_count() == 1 || vfork_shares_memory())
+    return start_vforked(thread, request, mask);
   request.flags &= ~std::uint64_t{CLONE_VM | CLONE_VFORK};
   check_fork(request);
   const std::int64_t result = fork_with_locks(thread, request);
