@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "host/block_code.h"
+#include "host/context.h"
 #include "host/mangle.h"
 #include "host/register_fields.h"
 #include "tests/conformance/random.h"
@@ -417,13 +418,14 @@ bool translation::load_open_word(std::size_t index) {
 }
 
 std::uint64_t& translation::home(std::int64_t displacement) {
-  demand(displacement >= 0 && displacement <= 30 * 8, "the context is accessed beyond the homes");
+  demand(displacement >= 0 && displacement <= home_of(30),
+         "the context is accessed beyond the homes");
   return home_[static_cast<std::size_t>(displacement / 8)];
 }
 
 bool translation::move_to_or_from_home(std::uint32_t word) {
   if (field(word, 9, 5) != x28 || !has_context()) return false;
-  const std::int64_t single = field(word, 21, 10) * 8;
+  const std::int64_t single = home_of(field(word, 21, 10));
   const std::int64_t pair = signed_field(word, 21, 15) * 8;
   const unsigned t = field(word, 4, 0);
   const unsigned t2 = field(word, 14, 10);

@@ -36,7 +36,7 @@ namespace {
 
 constexpr unsigned worker_count = 4;
 constexpr std::size_t page_bytes = 4096;
-constexpr std::size_t alternate_stack_bytes = 256 * 1024;
+constexpr std::size_t alternate_stack_bytes = std::size_t{256} * 1024;
 const int queued_signal = SIGRTMIN;
 const int timer_signal = SIGRTMIN + 1;
 constexpr std::uint64_t repaired = 0x5eed'0fa'11'7e57;
