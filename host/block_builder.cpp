@@ -46,6 +46,20 @@ void emit(const instr_t& instr, block_code& out) {
   emit_straight(instr.word, pc, processor_has_sve(), out);
 }
 
+// From a load-exclusive to its store-exclusive, if nothing but straight code of the application's
+// lies between. Null: nothing was appended. Else the store-exclusive.
+const instr_t* emit_exclusive_from(const instr_t& first, block_code& out) {
+  if (first.raw_bits == nullptr || !is_load_exclusive(first.word)) return nullptr;
+  words code;
+  for (const instr_t* instr = &first; instr != nullptr; instr = instr->next) {
+    if (instr->raw_bits == nullptr || ends_block(*instr)) return nullptr;
+    code.push_back(instr->word);
+    if (!is_store_exclusive(instr->word)) continue;
+    return emit_exclusive(code, address_of(first.pc), out) ? instr : nullptr;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
@@ -58,7 +72,9 @@ std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
   out.code.reserve(2 * (end - pc) / 4 + 1);
   out.map.reserve((end - pc) / 4);
   for (const instr_t* instr = list.first; instr != nullptr; instr = instr->next) {
-    emit(*instr, out);
+    const instr_t* const last = emit_exclusive_from(*instr, out);
+    if (last == nullptr) emit(*instr, out);
+    if (last != nullptr) instr = last;
   }
   if (list.last == nullptr || !ends_block(*list.last)) {
     emit_exit({.kind = exit_kind::direct, .target = end}, out);

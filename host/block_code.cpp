@@ -140,6 +140,27 @@ void emit_straight(std::uint32_t word, std::uint64_t pc, bool processor_has_sve,
   if (!done) emit_exit({.kind = exit_kind::refused, .target = pc, .word = word}, out);
 }
 
+bool is_load_exclusive(std::uint32_t word) { return (word & 0x3fc00000) == 0x08400000; }
+bool is_store_exclusive(std::uint32_t word) { return (word & 0x3fc00000) == 0x08000000; }
+
+bool emit_exclusive(std::span<const std::uint32_t> code, std::uint64_t pc, block_code& out) {
+  const auto reg = substitute_for_x28(code);
+  if (!reg) return false;
+  begin_instruction(pc, out);
+  out.code.push_back(a64::store_home(*reg));
+  out.code.push_back(a64::ldr(*reg, context_register, home_of(28)));
+  for (const std::uint32_t word : code) {
+    begin_instruction(pc, out);
+    out.map.back().borrowed = 1u << *reg;
+    out.map.back().x28 = *reg;
+    out.code.push_back(with_substitute(word, *reg));
+    pc += 4;
+  }
+  out.code.push_back(a64::str(*reg, context_register, home_of(28)));
+  out.code.push_back(a64::load_home(*reg));
+  return true;
+}
+
 void emit_control_flow(std::uint32_t word, std::uint64_t pc, block_code& out) {
   begin_instruction(pc, out);
   const control_flow branch = decode_control_flow(word, pc);

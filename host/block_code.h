@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "host/assembler.h"
@@ -53,6 +54,7 @@ struct translated_pc {
   std::uint32_t index;  // of the first word that stands for the instruction
   std::uint64_t pc;
   std::uint32_t borrowed = 0;  // registers, by bit, that are at home while the instruction runs
+  unsigned x28 = context_register;  // the register that holds X28 then; itself: it is at home
 };
 
 struct block_code {
@@ -75,6 +77,13 @@ void begin_instruction(std::uint64_t pc, block_code& out);
 
 // Appends an application instruction that does not branch, or the exit that refuses it.
 void emit_straight(std::uint32_t word, std::uint64_t pc, bool processor_has_sve, block_code& out);
+
+// Appends the instructions at `pc` from a load-exclusive to its store-exclusive without accesses to
+// memory between. False, with nothing appended: each is to be appended as a straight one.
+bool emit_exclusive(std::span<const std::uint32_t> code, std::uint64_t pc, block_code& out);
+
+bool is_load_exclusive(std::uint32_t word);
+bool is_store_exclusive(std::uint32_t word);
 
 // Appends an application instruction that ends a block, whose control flow is not `none`.
 void emit_control_flow(std::uint32_t word, std::uint64_t pc, block_code& out);

@@ -523,6 +523,7 @@ void code_cache::recover(const mcontext_t& interrupted, thread_context& context)
   for (unsigned reg = 0; reg < 31; reg++) {
     if ((at_home >> reg & 1) == 0) context.x[reg] = interrupted.regs[reg];
   }
+  if (instruction.x28 != context_register) context.x[28] = interrupted.regs[instruction.x28];
   context.sp = interrupted.sp;
   context.pc = instruction.pc;
   context.nzcv = interrupted.pstate & nzcv_mask;

@@ -1,6 +1,7 @@
 #include "host/mangle.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "host/register_fields.h"
 
@@ -207,6 +208,27 @@ mangling mangle_x28(std::uint32_t word, const register_roles& roles, const x28_u
 }
 
 }  // namespace
+
+std::optional<unsigned> substitute_for_x28(std::span<const std::uint32_t> code) {
+  std::uint32_t taken = 0;
+  bool named = false;
+  for (const std::uint32_t word : code) {
+    const register_roles roles = roles_of(word);
+    const x28_use use = use_of_x28(word, roles);
+    const bool has_octet = std::ranges::count(roles, role::octet) != 0;
+    const bool has_pair = std::ranges::count(roles, role::pair) != 0;
+    const bool is_plain = !is_address(word) && !is_literal_load(word) && !reads_cache_type(word);
+    if (use.refused || has_octet || has_pair || !is_plain) return std::nullopt;
+    named |= use.named;
+    for (const unsigned position : field_positions) taken |= 1u << field_at(word, position);
+  }
+  const auto reg = static_cast<unsigned>(std::countr_one(taken));
+  return named && reg < context_register ? std::optional(reg) : std::nullopt;
+}
+
+std::uint32_t with_substitute(std::uint32_t word, unsigned reg) {
+  return rename_x28(word, roles_of(word), reg);
+}
 
 mangling mangle(std::uint32_t word, std::uint64_t pc, words& out) {
   if (is_address(word)) return mangle_address(word, pc, out);

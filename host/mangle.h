@@ -6,13 +6,17 @@
 // place, whose value waits in its home meanwhile. No inserted instruction touches the flags or the
 // application's stack.
 //
-// Between a load-exclusive and its store-exclusive, an instruction that writes X28 costs a store to
-// the thread's own context. The architecture lets the sequence still succeed (the context is never
-// in the granule of an application's lock), though it no longer promises so.
+// Between a load-exclusive and its store-exclusive no access to memory may be added, or the store
+// might never succeed. Where both stand in one block, another register takes the place of X28 from
+// before the one until behind the other. Where a branch stands between them, an instruction that
+// names X28 still costs an access to the thread's own context, which is never in the granule of an
+// application's lock; processors let the sequence succeed, though the architecture does not promise
+// it.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "host/assembler.h"
 
@@ -31,6 +35,13 @@ struct mangling {
 
   explicit operator bool() const { return known; }
 };
+
+// A register to take the place of X28 in all of the words, or nothing if X28 is not named there, or
+// in a way that does not allow it.
+std::optional<unsigned> substitute_for_x28(std::span<const std::uint32_t> code);
+
+// The word with the register in place of X28.
+std::uint32_t with_substitute(std::uint32_t word, unsigned reg);
 
 // Appends the words for the instruction at `pc` to `out`; nothing, if it is not known. A fault of
 // the instruction itself leaves all homes and all registers that are not borrowed as they were.

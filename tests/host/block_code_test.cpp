@@ -187,6 +187,50 @@ f8408f80  // ldr x0, [x28, #8]!
 )");
 }
 
+// Nothing but these stands between them that accesses memory.
+TEST(translation, keeps_the_context_out_of_exclusive_sequences) {
+  const words code = {
+      0xc85f7f80,  // ldxr x0, [x28]
+      0x8b00039c,  // add  x28, x28, x0
+      0xc8017f9c,  // stxr w1, x28, [x28]
+  };
+  block_code got;
+  ASSERT_TRUE(emit_exclusive(code, at, got));
+  const words expected = {
+      0xf9000b82,  // str  x2, [x28, #16]
+      0xf9407382,  // ldr  x2, [x28, #224]
+      0xc85f7c40,  // ldxr x0, [x2]
+      0x8b000042,  // add  x2, x2, x0
+      0xc8017c42,  // stxr w1, x2, [x2]
+      0xf9007382,  // str  x2, [x28, #224]
+      0xf9400b82,  // ldr  x2, [x28, #16]
+  };
+  EXPECT_EQ(got.code, expected);
+  for (const std::uint32_t other : {0xf94003a0u,     // ldr x0, [x29]: X28 is not named
+                                    0x48227c1cu,     // casp x2, x3, x28, x29, [x0]
+                                    0x1e2c039cu}) {  // unallocated
+    EXPECT_FALSE(emit_exclusive({&other, 1}, at, got));
+  }
+}
+
+TEST(translation, tells_which_registers_are_at_home) {
+  struct {
+    std::uint32_t word;
+    std::uint32_t borrowed;
+  } const cases[] = {
+      {0x8b020020, 0},           // add x0, x1, x2
+      {0xf9400380, 0},           // ldr x0, [x28]
+      {0xf8408f80, 1u << 4},     // ldr x0, [x28, #8]!
+      {0x58007fe5, 1u << 5},     // ldr x5, .+0xffc
+      {0x48227c1c, 0b11u << 4},  // casp x2, x3, x28, x29, [x0]
+      {0xd65f0fff, 0b11},        // retab, which may fault by its authentication
+      {0xd65f03c0, 0},           // ret
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(translate(c.word).map.back().borrowed, c.borrowed) << std::hex << c.word;
+  }
+}
+
 // Bit 29 of CTR_EL0 would tell the program that it need not invalidate instructions.
 TEST(translation, hides_that_instructions_need_no_invalidation) {
   check(R"(

@@ -219,6 +219,25 @@ TEST_F(interrupted_test, recovers_the_state_before_the_instruction_that_faults) 
   }
 }
 
+TEST_F(interrupted_test, recovers_what_another_register_held_for_x28) {
+  context().x[28] = 0x77;
+  block_code block;
+  const words code = {
+      0xc85f7fe0,  // ldxr x0, [sp]
+      0x9100079c,  // add  x28, x28, #1
+      0xf9400121,  // ldr  x1, [x9]
+      0xc8017fe0,  // stxr w1, x0, [sp]
+  };
+  ASSERT_TRUE(emit_exclusive(code, 0x1000, block));
+  alignas(16) std::uint64_t memory = 5;
+  context().sp = reinterpret_cast<std::uint64_t>(&memory);
+  ASSERT_EQ(run(*cache().install(0x1000, block)).kind, exit_kind::interrupted);
+  EXPECT_EQ(context().pc, 0x1008u);
+  EXPECT_EQ(context().x[0], 5u);
+  EXPECT_EQ(context().x[2], 0x12u);
+  EXPECT_EQ(context().x[28], 0x78u);
+}
+
 TEST_F(interrupted_test, leaves_a_linked_loop_at_the_end_of_its_block) {
   const fragment& loop = install(0x1000, add_x3_1, 0x17ffffff);  // b .-4
   const fragment& other = install(0x2000, brk, 0x17fffbff);      // b .-0x1004
