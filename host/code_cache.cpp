@@ -135,8 +135,9 @@ bool is_branch_to_conflict(std::uint32_t word) { return (word & 0xff00001f) == a
 std::vector<translated_pc> without_the_regular(const std::vector<translated_pc>& map) {
   std::vector<translated_pc> kept;
   for (const translated_pc& next : map) {
-    const bool regular = !kept.empty() && kept.back().borrowed == 0 && next.borrowed == 0 &&
-                         next.pc - kept.back().pc == (next.index - kept.back().index) * 4;
+    const bool regular =
+        !kept.empty() && kept.back().borrowed == 0 && next.borrowed == 0 &&
+        next.pc - kept.back().pc == std::uint64_t{next.index - kept.back().index} * 4;
     if (!regular) kept.push_back(next);
   }
   return kept;
@@ -551,7 +552,7 @@ translated_pc code_cache::at(std::uint64_t address) const {
   translated_pc last = *std::prev(next);
   if (last.borrowed != 0) return last;
   const std::uint64_t end = next == found->map.end() ? found->end : next->pc;
-  last.pc = std::min(last.pc + (index - last.index) * 4, end - 4);
+  last.pc = std::min(last.pc + std::uint64_t{index - last.index} * 4, end - 4);
   return last;
 }
 
