@@ -64,6 +64,8 @@ std::uint64_t collatz() {
 }
 
 struct tree {
+  explicit tree(std::uint32_t value) : key(value) {}
+
   std::unique_ptr<tree> left;
   std::unique_ptr<tree> right;
   std::uint32_t key;
@@ -71,7 +73,7 @@ struct tree {
 
 [[gnu::noinline]] void insert(std::unique_ptr<tree>& at, std::uint32_t key) {
   if (at == nullptr) {
-    at = std::make_unique<tree>(nullptr, nullptr, key);
+    at = std::make_unique<tree>(key);
   } else {
     insert(key < at->key ? at->left : at->right, key);
   }
