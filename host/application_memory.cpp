@@ -3,43 +3,18 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <map>
 #include <mutex>
 #include <optional>
 
+#include "host/address_set.h"
 #include "host/fork_lock.h"
 
 namespace host {
 namespace {
 
 fork_safe_mutex mutex;
-std::map<std::uint64_t, std::uint64_t> ranges;  // end by start; they neither overlap nor touch
+address_set ranges;
 memory_range stack;
-
-// Both with the lock held.
-void cut_out(std::uint64_t start, std::uint64_t end) {
-  auto at = ranges.lower_bound(start);
-  if (at != ranges.begin() && std::prev(at)->second > start) --at;
-  while (at != ranges.end() && at->first < end) {
-    const auto [first, last] = *at;
-    at = ranges.erase(at);
-    if (first < start) ranges[first] = start;
-    if (last > end) ranges[end] = last;
-  }
-}
-
-void put_in(std::uint64_t start, std::uint64_t end) {
-  cut_out(start, end);
-  auto next = ranges.lower_bound(start);
-  if (next != ranges.begin() && std::prev(next)->second == start) {
-    start = std::prev(next)->first;
-  }
-  if (next != ranges.end() && next->first == end) {
-    end = next->second;
-    ranges.erase(next);
-  }
-  ranges[start] = end;
-}
 
 // "start-end rwxp offset device inode   name"
 struct mapping_line {
@@ -135,19 +110,19 @@ void note_loaded_memory(const loaded_program& program) {
 
 void note_mapped(std::uint64_t start, std::uint64_t end) {
   const std::lock_guard lock(mutex);
-  if (start < end) put_in(start, end);
+  ranges.put(start, end);
 }
 
 void note_unmapped(std::uint64_t start, std::uint64_t end) {
   const std::lock_guard lock(mutex);
-  if (start < end) cut_out(start, end);
+  ranges.cut(start, end);
 }
 
 std::vector<memory_range> application_memory() {
   const std::lock_guard lock(mutex);
   std::vector<memory_range> all;
-  all.reserve(ranges.size() + 1);
-  for (const auto& [start, end] : ranges) all.push_back({start, end, ""});
+  all.reserve(ranges.ranges().size() + 1);
+  for (const auto& [start, end] : ranges.ranges()) all.push_back({start, end, ""});
   const auto place = std::ranges::find_if(
       all, [](const memory_range& range) { return range.start > stack.start; });
   all.insert(place, stack);

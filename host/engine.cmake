@@ -3,6 +3,7 @@
 enable_language(ASM)
 find_package(Threads REQUIRED)
 add_library(host_engine OBJECT
+  address_set.cpp
   advertised_sve.cpp
   api_inserted_code.cpp
   api_instructions.cpp

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "host/address.h"
+#include "host/address_set.h"
 #include "host/fork_lock.h"
 #include "host/thread.h"
 
@@ -32,8 +33,10 @@ struct mapping {
 
 fork_safe_mutex mutex;
 std::vector<module_info> loaded_modules;  // the first is the main module
-std::vector<mapping> executable_mappings;
+address_set executable;
+address_set told;  // the application has mapped or protected it, and its right to execute is known
 std::vector<module_info> mapped_modules;
+bool modules_are_known = false;
 std::set<std::uintptr_t> translated_pages;
 
 bool contains(const module_info& module, std::uintptr_t address) {
@@ -93,28 +96,28 @@ std::vector<module_info> modules_of(const std::vector<mapping>& mappings) {
   return modules;
 }
 
-void read_again() {
-  std::vector<mapping> all = read_mappings();
+// All that the process can execute, as the kernel tells: at first, and for what came by a way that
+// this host doesn't see. A translating kernel (qemu-user) gives neighbours as one mapping that
+// differ in their right to execute, so what the application has said itself comes first.
+void read_mappings_again() {
+  const std::vector<mapping> all = read_mappings();
   mapped_modules = modules_of(all);
-  std::erase_if(all, [](const mapping& m) { return !m.executable; });
-  executable_mappings = std::move(all);
-}
-
-bool is_known_executable(std::uintptr_t address) {
-  return std::ranges::any_of(executable_mappings, [address](const mapping& m) {
-    return address >= m.start && address < m.end;
-  });
+  modules_are_known = true;
+  for (const mapping& m : all) {
+    if (m.executable && !told.contains(m.start)) executable.put(m.start, m.end);
+  }
 }
 
 bool look_up_executable(std::uintptr_t address) {
-  if (is_known_executable(address)) return true;
-  read_again();
-  return is_known_executable(address);
+  if (executable.contains(address)) return true;
+  if (told.contains(address)) return false;
+  read_mappings_again();
+  return executable.contains(address);
 }
 
-bool overlaps_known_executable(std::uintptr_t start, std::uintptr_t end) {
-  return std::ranges::any_of(executable_mappings, [start, end](const mapping& m) {
-    return start < m.end && end > m.start;
+bool is_in_mapped_module(std::uintptr_t start, std::uintptr_t end) {
+  return std::ranges::any_of(mapped_modules, [start, end](const module_info& module) {
+    return start < module.end && end > module.start;
   });
 }
 
@@ -144,7 +147,7 @@ std::optional<module_info> main_module() {
 
 std::optional<module_info> module_at(std::uintptr_t address) {
   const std::lock_guard lock(mutex);
-  look_up_executable(address);
+  if (!modules_are_known) read_mappings_again();
   for (const auto* modules : {&loaded_modules, &mapped_modules}) {
     for (const module_info& module : *modules) {
       if (contains(module, address)) return module;
@@ -165,14 +168,14 @@ void note_translated(std::uintptr_t start, std::uintptr_t end) {
   }
 }
 
-void note_changed(std::uintptr_t start, std::uintptr_t end) {
+void note_changed(std::uintptr_t start, std::uintptr_t end, mapping_change change) {
   bool stale = false;
   {
     const std::lock_guard lock(mutex);
-    if (overlaps_known_executable(start, end)) {
-      executable_mappings.clear();
-      mapped_modules.clear();
-    }
+    const bool may_execute = change == mapping_change::executable;
+    may_execute ? executable.put(start, end) : executable.cut(start, end);
+    change == mapping_change::removed ? told.cut(start, end) : told.put(start, end);
+    if (may_execute || is_in_mapped_module(start, end)) modules_are_known = false;
     stale = take_translated(start, end);
   }
   if (stale) flush_all_threads();

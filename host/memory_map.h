@@ -26,9 +26,11 @@ bool is_executable(std::uintptr_t address);
 // Code at [start, end) is being translated.
 void note_translated(std::uintptr_t start, std::uintptr_t end);
 
-// A range was mapped, unmapped, or given other permissions. Drops what is known of it, and if code
-// was translated from there, has all threads drop their translations.
-void note_changed(std::uintptr_t start, std::uintptr_t end);
+enum class mapping_change : std::uint8_t { removed, not_executable, executable };
+
+// A range of whole pages was mapped, unmapped, or given other permissions. If code was translated
+// from there, has all threads drop their translations.
+void note_changed(std::uintptr_t start, std::uintptr_t end, mapping_change change);
 
 // Code in a range was written anew. Other threads see it after their next ISB at the latest.
 void note_rewritten(std::uintptr_t start, std::uintptr_t end);

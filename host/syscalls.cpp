@@ -39,26 +39,40 @@ std::uint64_t page_up(std::uint64_t address) {
   return (address + page_bytes - 1) & ~(page_bytes - 1);
 }
 
+mapping_change change_to(std::uint64_t protection) {
+  return (protection & PROT_EXEC) != 0 ? mapping_change::executable
+                                       : mapping_change::not_executable;
+}
+
+// mremap, with its arguments and result.
+void note_moved(const std::uint64_t* x, std::uint64_t start) {
+  const auto change =
+      is_executable(x[0]) ? mapping_change::executable : mapping_change::not_executable;
+  const std::uint64_t old_end = page_up(x[0] + x[1]);
+  if ((x[3] & MREMAP_DONTUNMAP) == 0) {
+    note_unmapped(x[0], old_end);
+    note_changed(x[0], old_end, mapping_change::removed);
+  }
+  note_mapped(start, page_up(start + x[2]));
+  note_changed(start, page_up(start + x[2]), change);
+}
+
 std::int64_t change_mapping(std::int64_t number, const std::uint64_t* x) {
   const std::int64_t result = kernel_call(number, x[0], x[1], x[2], x[3], x[4], x[5]);
   if (is_error(result)) return result;
   const auto start = static_cast<std::uint64_t>(result);
+  const std::uint64_t old_end = page_up(x[0] + x[1]);
   switch (number) {
     case SYS_mmap:
       note_mapped(start, page_up(start + x[1]));
-      note_changed(start, start + x[1]);
+      note_changed(start, page_up(start + x[1]), change_to(x[2]));
       break;
     case SYS_munmap:
-      note_unmapped(x[0], page_up(x[0] + x[1]));
-      note_changed(x[0], x[0] + x[1]);
+      note_unmapped(x[0], old_end);
+      note_changed(x[0], old_end, mapping_change::removed);
       break;
-    case SYS_mremap:
-      if ((x[3] & MREMAP_DONTUNMAP) == 0) note_unmapped(x[0], page_up(x[0] + x[1]));
-      note_mapped(start, page_up(start + x[2]));
-      note_changed(x[0], x[0] + x[1]);
-      note_changed(start, start + x[2]);
-      break;
-    default: note_changed(x[0], x[0] + x[1]);
+    case SYS_mremap: note_moved(x, start); break;
+    default: note_changed(x[0], old_end, change_to(x[2]));
   }
   return result;
 }
@@ -116,6 +130,7 @@ std::int64_t call(thread_state& thread) {
     case SYS_mmap:
     case SYS_munmap:
     case SYS_mprotect:
+    case SYS_pkey_mprotect:
     case SYS_mremap: return change_mapping(number, x);
     case SYS_clone: return clone(thread);
     case SYS_clone3:  // C libraries go on with clone
