@@ -11,9 +11,6 @@
 namespace host {
 namespace {
 
-// Long enough that few straight runs of code are cut, short enough that a block of calls to the
-// client still fits the arena many times over.
-constexpr int most_instructions = 64;
 constexpr std::uint64_t page_bytes = 4096;
 
 bool processor_has_sve() {
@@ -64,9 +61,10 @@ const instr_t* emit_exclusive_from(const instr_t& first, block_code& out) {
 
 std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
   instrlist_t list;
+  note_translated(pc,
+                  pc + most_instructions * 4);  // before it is read, so that no change is missed
   const std::uint64_t end = discover(pc, list);
   if (end == pc) return std::nullopt;
-  note_translated(pc, end);
   run_block_events(thread, pc, list);
   block_code out;
   out.code.reserve(2 * (end - pc) / 4 + 1);

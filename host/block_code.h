@@ -11,6 +11,10 @@
 
 namespace host {
 
+// Long enough that few straight runs of code are cut, short enough that a block of calls to the
+// client still fits the arena many times over.
+inline constexpr int most_instructions = 64;
+
 enum class exit_kind : std::uint8_t {
   direct,           // to `target`; the branch can be linked to the target's translation
   indirect,         // to thread_context::pc, not found by the lookup in the cache

@@ -272,7 +272,8 @@ const fragment* code_cache::install(std::uint64_t pc, const block_code& block,
 void code_cache::begin_fragment(fragment& made, const exit_record* came_from) {
   const bool is_direct = came_from != nullptr && came_from->kind == exit_kind::direct;
   const bool is_indirect = came_from != nullptr && came_from->kind == exit_kind::indirect;
-  if (is_direct && came_from->branch == cursor_ - 1) {
+  const bool is_last = is_direct && came_from->branch == cursor_ - 1;
+  if (is_last && fragments_[fragments_.size() - 2].successor == nullptr) {
     take_place_of_last_branch(made);
   } else if (is_indirect && came_from->reg != no_table) {
     made.checked = cursor_;
@@ -292,7 +293,7 @@ void code_cache::take_place_of_last_branch(fragment& made) {
   fragment& before = fragments_[fragments_.size() - 2];
   before.runs_into = &made;
   before.size--;
-  exits_.back().branch = nullptr;
+  exits_[before.first_exit + before.exit_count - 1].branch = nullptr;
   made.code = --cursor_;
   made.entry = take_far(plain_entry_words);
   std::uint32_t* at = made.entry;
@@ -435,6 +436,42 @@ void code_cache::flush() {
   point_context_at_lookup();
 }
 
+bool code_cache::drop(std::uint64_t start, std::uint64_t end) {
+  constexpr std::uint64_t most_block_bytes = most_instructions * 4;
+  const auto overlaps = [=](const fragment& each) { return each.pc < end && each.end > start; };
+  bool done = true;
+  if (end - start > most_block_bytes) {
+    for (fragment& each : fragments_) {
+      if (overlaps(each) && each.successor == nullptr) done = done && drop(each);
+    }
+    return done;
+  }
+  for (std::uint64_t pc = (start & ~3ull) - most_block_bytes; pc != ((end + 3) & ~3ull); pc += 4) {
+    const auto found = by_pc_.find(pc);
+    if (found != by_pc_.end() && overlaps(*found->second)) done = done && drop(*found->second);
+  }
+  return done;
+}
+
+bool code_cache::drop(fragment& stale) {
+  if (!has_room(stub_words) && !open_chunk(stub_words)) return false;
+  exit_record& record = exits_.emplace_back();
+  record = {.kind = exit_kind::direct, .target = stale.pc};
+  std::uint32_t* const end = far_;
+  record.stub = far_stub(record);
+  synchronise(far_, end);
+  record.branch = stale.code;
+  stale.successor = &record;
+  stale.jump = nullptr;
+  for (std::size_t i = 0; i < stale.exit_count; i++) {
+    exit_record& exit = exits_[stale.first_exit + i];
+    if (exit.branch == stale.code) exit.branch = nullptr;
+  }
+  write(stale.code, a64::b(distance(stale.code, record.stub)));
+  by_pc_.erase(stale.pc);
+  return true;
+}
+
 // --- Interrupted threads -------------------------------------------------------------------------
 
 void code_cache::leave_soon(mcontext_t& interrupted) {
@@ -495,6 +532,7 @@ void code_cache::leave_from(const fragment* running) {
   leaving_ = running;
   for (const fragment* each = running; each != nullptr; each = each->runs_into) {
     for (std::size_t i = 0; i < each->exit_count; i++) unlink(exits_[each->first_exit + i]);
+    if (each->successor != nullptr) unlink(*each->successor);
   }
   set_jumps(running, true);
 }

@@ -46,7 +46,8 @@ struct fragment {
   const fragment* runs_into = nullptr;  // whose code took the place of the last branch
   std::size_t first_exit = 0;           // in code_cache::exits_
   std::size_t exit_count = 0;
-  std::vector<translated_pc> map;  // where the address does not just go on by words
+  exit_record* successor = nullptr;  // of a dropped one: to the new translation of its pc
+  std::vector<translated_pc> map;    // where the address does not just go on by words
 };
 
 class code_cache {
@@ -75,6 +76,10 @@ class code_cache {
 
   // Drops all translations.
   void flush();
+
+  // Drops those of application code in a range. Their first words become exits, so that all who
+  // still come there go on to what is translated anew. False: there is no room for that.
+  bool drop(std::uint64_t start, std::uint64_t end);
 
   // For a signal handler on the cache's own thread, interrupted in the arena: makes the block that
   // runs, or is about to run, leave to the dispatcher at its end, whatever it was linked to.
@@ -115,6 +120,7 @@ class code_cache {
   void take_place_of_last_branch(fragment& made);
   void emit_checked_entry(std::uint32_t*& at, std::uint64_t pc, unsigned reg);
   std::uint32_t* checked_entry_of(const fragment& target, unsigned reg);
+  bool drop(fragment& stale);
   void close_open_words(const block_code& block, fragment& made);
 
   void prepare_branch_table(unsigned reg);
@@ -148,7 +154,7 @@ class code_cache {
   std::array<bool, 31> has_branch_table_{};
   std::deque<fragment> fragments_;  // in ascending order of code
   std::deque<exit_record> exits_;
-  std::unordered_map<std::uint64_t, const fragment*> by_pc_;
+  std::unordered_map<std::uint64_t, fragment*> by_pc_;
   std::vector<branch_entry> lookup_;
   std::size_t lookup_used_ = 0;
   const fragment* leaving_ = nullptr;  // that leave_soon was done to

@@ -63,10 +63,7 @@ class dispatcher {
 
  private:
   void run_block() {
-    if (thread_.flush_requested.exchange(false)) {
-      thread_.cache.flush();
-      came_from_ = nullptr;
-    }
+    if (thread_.stale.any()) drop_stale_code();
     const fragment* const next = translate(thread_, thread_.context.pc, came_from_);
     if (next == nullptr) return;
     if (came_from_ != nullptr && came_from_->kind == exit_kind::direct) {
@@ -78,11 +75,19 @@ class dispatcher {
     run_in_cache(*next);
   }
 
-  // Whoever asks for a flush looks at in_cache after the request, and this thread at the request
-  // after it has set in_cache: one of the two sees the other.
+  void drop_stale_code() {
+    for (const auto& [start, end] : thread_.stale.take()) {
+      if (thread_.cache.drop(start, end)) continue;
+      thread_.cache.flush();
+      came_from_ = nullptr;
+    }
+  }
+
+  // Whoever tells of stale code looks at in_cache afterwards, and this thread at stale code after
+  // it has set in_cache: one of the two sees the other.
   void run_in_cache(const fragment& next) {
     thread_.in_cache = true;
-    if (!thread_.flush_requested) {
+    if (!thread_.stale.any()) {
       enter_cache(&thread_.context, next.entry);
       thread_.cache.settle();
       thread_.in_cache = false;

@@ -39,6 +39,7 @@ add_library(host_engine OBJECT
   signal_delivery.cpp
   signal_frame.cpp
   signals.cpp
+  stale_code.cpp
   syscalls.cpp
   thread.cpp
   threads.cpp)

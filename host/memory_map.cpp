@@ -121,13 +121,14 @@ bool is_in_mapped_module(std::uintptr_t start, std::uintptr_t end) {
   });
 }
 
-// Whether code was translated from the range; forgets that it was.
-bool take_translated(std::uintptr_t start, std::uintptr_t end) {
+// Whether code was translated from the range, or near it.
+bool is_translated(std::uintptr_t start, std::uintptr_t end) {
   const auto first = translated_pages.lower_bound(start & ~(page_bytes - 1));
-  const auto last = translated_pages.lower_bound(end);
-  const bool any = first != last;
-  translated_pages.erase(first, last);
-  return any;
+  return first != translated_pages.end() && *first < end;
+}
+
+void forget_translated(std::uintptr_t start, std::uintptr_t end) {
+  translated_pages.erase(translated_pages.lower_bound(start), translated_pages.lower_bound(end));
 }
 
 }  // namespace
@@ -176,18 +177,19 @@ void note_changed(std::uintptr_t start, std::uintptr_t end, mapping_change chang
     may_execute ? executable.put(start, end) : executable.cut(start, end);
     change == mapping_change::removed ? told.cut(start, end) : told.put(start, end);
     if (may_execute || is_in_mapped_module(start, end)) modules_are_known = false;
-    stale = take_translated(start, end);
+    stale = is_translated(start, end);
+    forget_translated(start, end);
   }
-  if (stale) flush_all_threads();
+  if (stale) drop_translations_at_once(start, end);
 }
 
 void note_rewritten(std::uintptr_t start, std::uintptr_t end) {
   bool stale = false;
   {
     const std::lock_guard lock(mutex);
-    stale = take_translated(start, end);
+    stale = is_translated(start, end);
   }
-  if (stale) request_flush();
+  if (stale) drop_translations(start, end);
 }
 
 }  // namespace host

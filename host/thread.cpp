@@ -68,7 +68,7 @@ void thread_state::reset() {
   signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
   waiting = {};
   blocked_host_signals = 0;
-  flush_requested = false;
+  stale.take();
   stop_requested = false;
   is_vfork_child = false;
   inherits_vector_length = false;
@@ -134,17 +134,17 @@ void for_each_active_thread(const std::function<void(thread_state&)>& visit) {
   }
 }
 
-void request_flush() {
-  for_each_active_thread([](thread_state& thread) { thread.flush_requested = true; });
+void drop_translations(std::uint64_t start, std::uint64_t end) {
+  for_each_active_thread([=](thread_state& thread) { thread.stale.add(start, end); });
 }
 
-void flush_all_threads() {
-  request_flush();
+void drop_translations_at_once(std::uint64_t start, std::uint64_t end) {
+  drop_translations(start, end);
   thread_state* const self = current_thread();
   for_each_active_thread([self](thread_state& thread) {
     if (&thread == self || !thread.in_cache) return;
     poke(thread);
-    while (thread.active && thread.in_cache && thread.flush_requested) {
+    while (thread.active && thread.in_cache && thread.stale.any()) {
       nanosleep(&a_moment, nullptr);
     }
   });

@@ -16,6 +16,7 @@
 #include "host/context.h"
 #include "host/signal_actions.h"
 #include "host/signals.h"
+#include "host/stale_code.h"
 
 namespace host {
 
@@ -33,7 +34,7 @@ struct thread_state : followed_by_branch_tables {
   waiting_signals waiting;
   std::uint64_t blocked_host_signals = 0;  // that the application has blocked; really they are not
   void* signal_stack_memory = nullptr;     // the host's, kept with the record
-  std::atomic<bool> flush_requested = false;
+  stale_code stale;
   std::atomic<bool> stop_requested = false;
   std::atomic<bool> in_cache = false;   // or in a call from there; not in the dispatcher
   std::atomic<bool> active = false;     // between its thread-init and thread-exit events
@@ -70,11 +71,12 @@ void keep_only(thread_state& survivor);
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit);
 
-// Makes every thread drop its translations when it next leaves the cache or comes to an ISB.
-void request_flush();
+// Makes every thread drop its translations of a range when it next leaves the cache or comes to an
+// ISB.
+void drop_translations(std::uint64_t start, std::uint64_t end);
 
 // The same, and returns when no other thread runs any of them.
-void flush_all_threads();
+void drop_translations_at_once(std::uint64_t start, std::uint64_t end);
 
 // Takes all other threads out of their code, runs their thread-exit events, and keeps them from
 // running on. False: another thread has begun this already, and the caller is to stop as well.
