@@ -131,6 +131,9 @@ bool is_load_of_x28(std::uint32_t word) { return (word & 0xff00001f) == (0x58000
 bool is_check(std::uint32_t word) { return (word & 0xffe0ffff) == a64::sub(28, 28, 0); }
 bool is_branch_to_conflict(std::uint32_t word) { return (word & 0xff00001f) == a64::cbnz(28, 0); }
 
+// Whether the next fragment may take the place of its last branch. drop() needs the first word.
+bool may_run_on(const fragment& before) { return before.successor == nullptr && before.size > 1; }
+
 // Keeps what cannot be told from the entry before, if both instructions went in as they are.
 std::vector<translated_pc> without_the_regular(const std::vector<translated_pc>& map) {
   std::vector<translated_pc> kept;
@@ -273,7 +276,7 @@ void code_cache::begin_fragment(fragment& made, const exit_record* came_from) {
   const bool is_direct = came_from != nullptr && came_from->kind == exit_kind::direct;
   const bool is_indirect = came_from != nullptr && came_from->kind == exit_kind::indirect;
   const bool is_last = is_direct && came_from->branch == cursor_ - 1;
-  if (is_last && fragments_[fragments_.size() - 2].successor == nullptr) {
+  if (is_last && may_run_on(fragments_[fragments_.size() - 2])) {
     take_place_of_last_branch(made);
   } else if (is_indirect && came_from->reg != no_table) {
     made.checked = cursor_;

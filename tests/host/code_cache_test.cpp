@@ -127,6 +127,67 @@ TEST_F(cache_test, tells_the_application_address_of_each_word) {
   EXPECT_EQ(cache().application_pc(address(first, -1)), 0u);  // its entry
 }
 
+// 1000: add x3, x3, #1; b 2000     2000: b 3000     3000: add x3, x3, #1; svc #0
+//
+// Each comes to the next by its last branch, whose place the next takes where it can.
+class dropping_test : public cache_test {
+ protected:
+  void build() {
+    cache().flush();
+    install(0x1000, add_x3_1, 0x140003ff);
+    block_code branch;
+    emit_control_flow(0x14000400, 0x2000, branch);
+    cache().install(0x2000, branch, &run_at(0x1000));
+    block_code last;
+    emit_straight(add_x3_1, 0x3000, false, last);
+    emit_control_flow(svc, 0x3004, last);
+    cache().install(0x3000, last, &run_at(0x1000));
+  }
+
+  // Links what is not linked on the way. Returns the exit to what is not translated.
+  const exit_record& run_from(const fragment& first) {
+    context().x[3] = 0;
+    const exit_record* exit = &run(first);
+    while (exit->kind == exit_kind::direct && cache().find(exit->target) != nullptr) {
+      const fragment& next = *cache().find(exit->target);
+      code_cache::link(*exit, next);
+      exit = &run(next);
+    }
+    return *exit;
+  }
+  const exit_record& run_at(std::uint64_t pc) { return run_from(*cache().find(pc)); }
+};
+
+TEST_F(dropping_test, leaves_where_dropped_code_would_have_run) {
+  for (const std::uint64_t stale : {0x1000, 0x2000, 0x3000}) {
+    SCOPED_TRACE(testing::Message() << std::hex << stale);
+    build();
+    ASSERT_EQ(run_at(0x1000).kind, exit_kind::supervisor_call);
+    EXPECT_EQ(context().x[3], 2u);
+    const fragment& was = *cache().find(stale);
+    ASSERT_TRUE(cache().drop(stale + 3, stale + 4));
+    EXPECT_EQ(cache().find(stale), nullptr);
+    for (const std::uint64_t pc : {0x1000, 0x2000, 0x3000}) {
+      if (pc == stale) continue;
+      EXPECT_EQ(run_at(pc).target, pc < stale ? stale : 0x3008) << std::hex << pc;
+    }
+    EXPECT_EQ(run_from(was).target, stale);
+    install(stale, add_x3_1, svc);
+    EXPECT_EQ(run_from(was).target, stale + 8);
+    EXPECT_EQ(context().x[3], 1u);
+  }
+}
+
+TEST_F(dropping_test, drops_all_that_a_range_touches_and_no_more) {
+  build();
+  ASSERT_TRUE(cache().drop(0x1008, 0x2000));
+  EXPECT_EQ(run_at(0x1000).kind, exit_kind::supervisor_call);
+  ASSERT_TRUE(cache().drop(0x1007, 0x2001));
+  EXPECT_EQ(cache().find(0x1000), nullptr);
+  EXPECT_EQ(cache().find(0x2000), nullptr);
+  EXPECT_EQ(run_at(0x3000).kind, exit_kind::supervisor_call);
+}
+
 // Signals that take a thread out of cache code by leave_soon or recover, as the signal entry does.
 // SIGTRAP is for blocks that hold a BRK, which stands for the moment at which a signal arrives.
 class interrupted_test : public cache_test {
