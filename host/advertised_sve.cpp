@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <linux/prctl.h>
 
+#include "host/mangle.h"
 #include "host/thread.h"
 
 namespace host {
@@ -19,7 +20,10 @@ bool is_vector_length(std::uint64_t bytes) {
 
 }  // namespace
 
-void advertise_sve(unsigned vector_bytes) { advertised_bytes = vector_bytes; }
+void advertise_sve(unsigned vector_bytes) {
+  advertised_bytes = vector_bytes;
+  show_sve_in_registers();
+}
 
 bool sve_is_advertised() { return advertised_bytes != 0; }
 

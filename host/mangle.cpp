@@ -114,15 +114,32 @@ mangling mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
   return done;
 }
 
+// --- System registers whose value is another in the application --------------------------------
+
+constexpr std::uint32_t mrs_ctr_el0 = 0xd53b0020;
+constexpr std::uint32_t mrs_id_aa64pfr0_el1 = 0xd5380400;
+
+bool sve_is_shown = false;
+
+// The instruction on X0 that makes the value right, or 0.
+//
 // CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is: the translator
 // learns of new code by it.
-void mangle_cache_type(std::uint32_t word, words& out) {
-  const unsigned t = field(word, 4, 0);
-  out.push_back(word);
-  out.push_back(0x9262f800 | t << 5 | t);  // AND Xt, Xt, #~(1 << 29)
+std::uint32_t correction_of(std::uint32_t word) {
+  switch (word & ~31u) {
+    case mrs_ctr_el0: return 0x9262f800;                             // and x0, x0, #~(1 << 29)
+    case mrs_id_aa64pfr0_el1: return sve_is_shown ? 0xb2600000 : 0;  // orr x0, x0, #(1 << 32)
+    default: return 0;
+  }
 }
 
-bool reads_cache_type(std::uint32_t word) { return (word & 0xffffffe0) == 0xd53b0020; }
+// Appends the word, corrected if it needs that.
+void append_corrected(std::uint32_t word, words& out) {
+  const unsigned t = field(word, 4, 0);
+  const std::uint32_t correction = correction_of(word);
+  out.push_back(word);
+  if (correction != 0 && t != zero_register) out.push_back(correction | t << 5 | t);
+}
 
 // --- Instructions that name X28 ----------------------------------------------------------------
 
@@ -178,11 +195,7 @@ void mangle_reader(std::uint32_t word, words& out) {
 void mangle_writer(std::uint32_t renamed, const x28_use& use, unsigned reg, words& out) {
   out.push_back(a64::store_home(reg));
   if (use.read) out.push_back(a64::ldr(reg, context_register, 28 * 8));
-  if (reads_cache_type(renamed)) {
-    mangle_cache_type(renamed, out);
-  } else {
-    out.push_back(renamed);
-  }
+  append_corrected(renamed, out);
   out.push_back(a64::str(reg, context_register, 28 * 8));
   out.push_back(a64::load_home(reg));
 }
@@ -209,6 +222,8 @@ mangling mangle_x28(std::uint32_t word, const register_roles& roles, const x28_u
 
 }  // namespace
 
+void show_sve_in_registers() { sve_is_shown = true; }
+
 std::optional<unsigned> substitute_for_x28(std::span<const std::uint32_t> code) {
   std::uint32_t taken = 0;
   bool named = false;
@@ -217,7 +232,7 @@ std::optional<unsigned> substitute_for_x28(std::span<const std::uint32_t> code) 
     const x28_use use = use_of_x28(word, roles);
     const bool has_octet = std::ranges::count(roles, role::octet) != 0;
     const bool has_pair = std::ranges::count(roles, role::pair) != 0;
-    const bool is_plain = !is_address(word) && !is_literal_load(word) && !reads_cache_type(word);
+    const bool is_plain = !is_address(word) && !is_literal_load(word) && correction_of(word) == 0;
     if (use.refused || has_octet || has_pair || !is_plain) return std::nullopt;
     named |= use.named;
     for (const unsigned position : field_positions) taken |= 1u << field_at(word, position);
@@ -239,11 +254,7 @@ mangling mangle(std::uint32_t word, std::uint64_t pc, words& out) {
     if (use.refused) return {.known = false};
     if (use.named) return mangle_x28(word, roles, use, out);
   }
-  if (reads_cache_type(word) && field(word, 4, 0) != zero_register) {
-    mangle_cache_type(word, out);
-  } else {
-    out.push_back(word);
-  }
+  append_corrected(word, out);
   return {};
 }
 

@@ -36,6 +36,9 @@ struct mangling {
   explicit operator bool() const { return known; }
 };
 
+// Makes ID_AA64PFR0_EL1 tell of SVE, from the next translation on.
+void show_sve_in_registers();
+
 // A register to take the place of X28 in all of the words, or nothing if X28 is not named there, or
 // in a way that does not allow it.
 std::optional<unsigned> substitute_for_x28(std::span<const std::uint32_t> code);

@@ -35,6 +35,13 @@ static int has_feature(int otherwise) {
   return lines == 0 ? otherwise : found == lines;
 }
 
+// The kernel carries the instruction out, and shows all processors' features.
+static unsigned long identification(void) {
+  unsigned long features;
+  __asm__("mrs %0, id_aa64pfr0_el1" : "=r"(features));
+  return features;
+}
+
 static long set_length(unsigned long argument) {
   const int result = prctl(PR_SVE_SET_VL, argument);
   return result < 0 ? -errno : result;
@@ -77,6 +84,7 @@ int main(int argc, char** argv) {
   const int there = length != 0;
   expect("AT_HWCAP", (getauxval(AT_HWCAP) & HWCAP_SVE) != 0, there);
   expect("AT_HWCAP2", (getauxval(AT_HWCAP2) & HWCAP2_SVE2) != 0, 0);
+  expect("ID_AA64PFR0_EL1", identification() >> 32 & 15, there);
   expect("/proc/cpuinfo", has_feature(there), there);
   if (there) {
     check_lengths(length);
