@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs what building needs and this machine lacks, and nothing else; with the argument "check"
-# also what checking needs, and fetches the programs that the tests run into build/real_programs;
-# with "bench" what bench/floating_point does. Called by ./run, ./check and the benchmarks; does
+# also what checking needs, and fetches what the tests run into build/real_programs and build/kernel;
+# with "bench" what bench/floating_point needs. Called by ./run, ./check and the benchmarks; does
 # nothing on a machine that has it all.
 set -eu
 
@@ -47,6 +47,8 @@ find_missing() {
   need clang-format clang-format
   need clang-tidy clang-tidy
   need python3 python3
+  need qemu-system-aarch64 qemu-system-arm
+  need cpio cpio
 }
 
 as_root() {
@@ -77,5 +79,7 @@ find_missing "$purpose"
 if [ "$purpose" = check ]; then
   root=$(dirname "$0")/..
   # Tests that need these programs are skipped where they cannot be had.
-  "$root/tests/real_programs/fetch" "$root/build/real_programs" || [ $? -eq 77 ]
+  for suite in real_programs kernel; do
+    "$root/tests/$suite/fetch" "$root/build/$suite" || [ $? -eq 77 ]
+  done
 fi
