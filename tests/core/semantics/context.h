@@ -33,10 +33,3 @@ VecV filled(T value) {
   for (unsigned e = 0; e < sizeof v.bytes / sizeof(T); ++e) v.set<T>(e, value);
   return v;
 }
-
-// The one value of all elements of the vector; bytes above the vector are not looked at.
-template <class T>
-T uniform(const VecV& v, unsigned vl = 2) {
-  for (unsigned e = 1; e < context(vl).elements<T>(); ++e) EXPECT_EQ(v.get<T>(e), v.get<T>(0)) << e;
-  return v.get<T>(0);
-}

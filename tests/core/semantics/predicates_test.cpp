@@ -1,9 +1,8 @@
-// The predicate functions: by table at 128 bits, where a predicate is readable as a string, and by
-// the laws that hold among them at every vector length.
+// The predicate functions by table at 128 bits, where a predicate is readable as a string, and what
+// lies above the vector at any length.
 #include "sve/semantics/predicates.h"
 
 #include <algorithm>
-#include <random>
 
 #include "tests/core/semantics/context.h"
 
@@ -25,19 +24,6 @@ std::string text(const PredV& p, unsigned count) {
   return result;
 }
 
-PredV random_predicate(std::mt19937_64& random) {
-  PredV p;
-  for (auto& word : p.words) word = random() & (random() % 3 != 0 ? ~0ULL : random());
-  return p;
-}
-
-// The lanes of a vector of the length, and 0 above them.
-PredV cut(PredV p, unsigned vl) {
-  for (unsigned i = vl * 8; i < 256; ++i) p.set_lane(i, false);
-  return p;
-}
-
-using OfOne = sve::semantics::governed_of_one*;
 using OfTwo = sve::semantics::governed_of_two*;
 
 TEST(Predicates, FlagSetters) {
@@ -105,66 +91,6 @@ TEST(Predicates, Patterns) {
   EXPECT_EQ(flags(ctx), "Nzcv");
   EXPECT_EQ(text(VecP16TrueFlgI(9, &ctx), 16), std::string(16, '0'));
   EXPECT_EQ(flags(ctx), "nZCv");
-}
-
-// A vector is as good as the longest one with nothing above: so what the comparison with a
-// processor shows at one length holds at all. BRKNS alone looks at the last lane of the length.
-TEST(Predicates, PartitionsAndSearchFollowTheLength) {
-  const OfOne of_one[] = {VecPBreakAPZ,        VecPBreakAFlgPZ, VecPBreakBPZ,   VecPBreakBFlgPZ,
-                          VecPSetFirstActiveP, VecP8GenNextP,   VecP32GenNextP, VecP64GenNextP};
-  const OfTwo of_two[] = {VecPBreakPrevAFlgPZ, VecPBreakPrevBFlgPZ, VecPBreakNextPZ,
-                          VecPBreakAPM,        VecPBreakBPM,        VecPSelPP,
-                          VecPOrNFlgPPZ,       VecPNandFlgPPZ};
-  std::mt19937_64 random(2);
-  for (unsigned i = 0; i < 1000; ++i) {
-    const unsigned vl = lengths[i % 4];
-    const PredV g = random_predicate(random), a = random_predicate(random),
-                b = random_predicate(random);
-    CpuContext at_length = context(vl), longest = context(32);
-    const auto expect_same = [&](const PredV& got, const PredV& expected) {
-      EXPECT_EQ(text(got, 256), text(cut(expected, vl), 256)) << vl << ", round " << i;
-      EXPECT_EQ(flags(at_length), flags(longest)) << vl << ", round " << i;
-    };
-    const PredV short_g = cut(g, vl), short_a = cut(a, vl), short_b = cut(b, vl);
-    for (const OfOne f : of_one) expect_same(f(g, a, &at_length), f(short_g, short_a, &longest));
-    for (const OfTwo f : of_two) {
-      expect_same(f(g, a, b, &at_length), f(short_g, short_a, short_b, &longest));
-    }
-  }
-  CpuContext ctx = context(2);
-  const PredV g = lanes("0000 1100 0000 0000"), b = lanes("1010 0000 0000 0001");
-  EXPECT_EQ(text(VecPBreakNextFlgPZ(g, lanes("0000 0100"), b, &ctx), 16), "1010000000000001");
-  EXPECT_EQ(flags(ctx), "Nzcv");
-  EXPECT_EQ(text(VecPBreakNextFlgPZ(g, lanes("0000 1000"), b, &ctx), 16), std::string(16, '0'));
-  EXPECT_EQ(flags(ctx), "nZCv");
-}
-
-#define PERMUTES(w)                                                                      \
-  {                                                                                      \
-    VecP##w##Zip1PP, VecP##w##Zip2PP, VecP##w##Uzp1PP, VecP##w##Uzp2PP, VecP##w##Trn1PP, \
-        VecP##w##Trn2PP, VecP##w##ReverseP                                               \
-  }
-
-TEST(Predicates, PermutesInvertOneAnotherAtEveryLength) {
-  const struct {
-    sve::semantics::predicate_of_two *zip1, *zip2, *uzp1, *uzp2, *trn1, *trn2;
-    sve::semantics::predicate_of_one* reverse;
-  } widths[] = {PERMUTES(8), PERMUTES(16), PERMUTES(32), PERMUTES(64)};
-  std::mt19937_64 random(1);
-  for (unsigned i = 0; i < 20 * std::size(lengths) * std::size(widths); ++i) {
-    const unsigned vl = lengths[i % 4], n = vl * 8;
-    const auto& f = widths[i / 4 % 4];
-    const PredV a = random_predicate(random), b = random_predicate(random);
-    CpuContext ctx = context(vl);
-    const PredV low = f.zip1(a, b, &ctx), high = f.zip2(a, b, &ctx);
-    EXPECT_EQ(text(f.uzp1(low, high, &ctx), n), text(a, n)) << vl;
-    EXPECT_EQ(text(f.uzp2(low, high, &ctx), n), text(b, n)) << vl;
-    const PredV even = f.trn1(a, b, &ctx), odd = f.trn2(a, b, &ctx);
-    EXPECT_EQ(text(f.trn1(even, odd, &ctx), n), text(a, n)) << vl;
-    EXPECT_EQ(text(f.trn2(even, odd, &ctx), n), text(b, n)) << vl;
-    EXPECT_EQ(text(f.reverse(f.reverse(a, &ctx), &ctx), n), text(a, n)) << vl;
-    EXPECT_EQ(text(f.uzp2(a, b, &ctx), 256).find('1', n), std::string::npos);
-  }
 }
 
 // A loop predicate is a run of true elements from element 0 on; this is its length.
