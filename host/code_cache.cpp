@@ -1,12 +1,12 @@
 #include "host/code_cache.h"
 
 #include <algorithm>
-#include <asm/sigcontext.h>
 #include <cstring>
 #include <sys/mman.h>
 
 #include "host/address.h"
 #include "host/branch_tables.h"
+#include "host/code_cache_words.h"
 #include "host/fatal.h"
 #include "host/mangle.h"
 
@@ -34,8 +34,6 @@ constexpr std::size_t last_lookup_entries = 1u << 18;
 constexpr std::size_t overflow_entries = 64;
 constexpr std::size_t entry_bytes = 16;
 
-constexpr std::uint64_t nzcv_mask = 0xf0000000;
-
 // Indirect branches that were not found in the cache, by register.
 constexpr auto indirect_records = [] {
   std::array<exit_record, 32> records{};
@@ -44,33 +42,6 @@ constexpr auto indirect_records = [] {
   }
   return records;
 }();
-
-// Expects the target in X0, and X0 and X1 at home. Found: goes to the target's plain entry with all
-// other registers restored. Not found: the target goes to thread_context::pc.
-constexpr std::array<std::uint32_t, 16> lookup_words = {
-    0xa9010f82,  // stp  x2, x3, [x28, #16]
-    0xa9538f82,  // ldp  x2, x3, [x28, #312]   table and mask
-    0x8a000861,  // and  x1, x3, x0, lsl #2
-    0x8b010041,  // add  x1, x2, x1
-    0xa8c10823,  // ldp  x3, x2, [x1], #16     probe: address and entry
-    0xb4000102,  // cbz  x2, miss
-    0xcb000063,  // sub  x3, x3, x0
-    0xb5ffffa3,  // cbnz x3, probe
-    0xf900db82,  // str  x2, [x28, #432]       thread_context::entry
-    0xa9410f82,  // ldp  x2, x3, [x28, #16]
-    0xa9400780,  // ldp  x0, x1, [x28]
-    0xf940db9c,  // ldr  x28, [x28, #432]
-    0xd61f0380,  // br   x28
-    0xa9410f82,  // ldp  x2, x3, [x28, #16]    miss
-    0xf9008380,  // str  x0, [x28, #256]       thread_context::pc
-    0xa9400780,  // ldp  x0, x1, [x28]
-};
-static_assert(CONTEXT_BRANCH_TABLE == 312 && CONTEXT_PC == 256 && CONTEXT_ENTRY == 432);
-
-// Places in it, by the index of a word.
-constexpr std::size_t lookup_restored = 11;  // X0 and X1 are the application's again
-constexpr std::size_t lookup_missed = 13;
-constexpr std::size_t lookup_missed_early = 14;  // if X2 and X3 are the application's
 
 // Expects X30 at home and the address of the record's address in X30.
 constexpr std::array<std::uint32_t, 3> exit_words = {
@@ -86,51 +57,6 @@ constexpr std::size_t checked_entry_words = 4;    // and what follows them, or t
 constexpr std::size_t conflict_branch_words = 2;  // one, and one to keep to even numbers
 constexpr std::uint32_t enter_lookup = a64::b(0);
 
-void synchronise(std::uint32_t* begin, std::uint32_t* end) {
-  __builtin___clear_cache(reinterpret_cast<char*>(begin), reinterpret_cast<char*>(end));
-}
-
-std::int64_t distance(const std::uint32_t* from, const std::uint32_t* to) {
-  return (to - from) * 4;
-}
-
-void write(std::uint32_t* at, std::uint32_t word) {
-  *at = word;
-  synchronise(at, at + 1);
-}
-
-// --- Words that branch ---------------------------------------------------------------------------
-
-bool is_b(std::uint32_t word) { return (word & 0xfc000000) == 0x14000000; }
-bool is_test_branch(std::uint32_t word) { return (word & 0x7e000000) == 0x36000000; }
-
-const std::uint32_t* target_of_b(const std::uint32_t* at) { return at + signed_field(*at, 25, 0); }
-
-bool reaches(std::uint32_t word, std::int64_t bytes) {
-  const std::int64_t limit = is_b(word) ? 1 << 27 : is_test_branch(word) ? 1 << 15 : 1 << 20;
-  return bytes >= -limit && bytes < limit;
-}
-
-// The branch word with another distance: B, B.cond, CBZ or TBZ.
-std::uint32_t with_distance(std::uint32_t word, std::int64_t bytes) {
-  const auto units = static_cast<std::uint32_t>(bytes / 4);
-  if (is_b(word)) return a64::b(bytes);
-  if (is_test_branch(word)) return (word & ~(0x3fffu << 5)) | (units & 0x3fff) << 5;
-  return (word & ~(0x7ffffu << 5)) | (units & 0x7ffff) << 5;
-}
-
-void unlink(const exit_record& exit) {
-  if (exit.branch == nullptr) return;
-  write(exit.stub, a64::store_home(30));
-  write(exit.branch, with_distance(*exit.branch, distance(exit.branch, exit.stub)));
-}
-
-// --- Words of entries ----------------------------------------------------------------------------
-
-bool is_load_of_x28(std::uint32_t word) { return (word & 0xff00001f) == (0x58000000 | 28); }
-bool is_check(std::uint32_t word) { return (word & 0xffe0ffff) == a64::sub(28, 28, 0); }
-bool is_branch_to_conflict(std::uint32_t word) { return (word & 0xff00001f) == a64::cbnz(28, 0); }
-
 // Whether the next fragment may take the place of its last branch. drop() needs the first word.
 bool may_run_on(const fragment& before) { return before.successor == nullptr && before.size > 1; }
 
@@ -144,16 +70,6 @@ std::vector<translated_pc> without_the_regular(const std::vector<translated_pc>&
     if (!regular) kept.push_back(next);
   }
   return kept;
-}
-
-// The kernel always writes this record, and always before those that may lie elsewhere.
-const fpsimd_context& vectors_of(const mcontext_t& interrupted) {
-  const auto* record = reinterpret_cast<const _aarch64_ctx*>(interrupted.__reserved);
-  while (record->magic != FPSIMD_MAGIC) {
-    if (record->magic == 0) fatal("a signal frame has no record of the vector registers");
-    record = pointer_to<const _aarch64_ctx>(address_of(record) + record->size);
-  }
-  return *reinterpret_cast<const fpsimd_context*>(record);
 }
 
 std::uintptr_t map_arena() {
@@ -473,128 +389,6 @@ bool code_cache::drop(fragment& stale) {
   write(stale.code, a64::b(distance(stale.code, record.stub)));
   by_pc_.erase(stale.pc);
   return true;
-}
-
-// --- Interrupted threads -------------------------------------------------------------------------
-
-void code_cache::leave_soon(mcontext_t& interrupted) {
-  const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
-  const auto index = static_cast<std::size_t>(pc - lookup_routine_);
-  if (pc >= lookup_routine_ && index < lookup_words.size()) {
-    leave_lookup(interrupted, index);
-  } else if (const fragment* const running = fragment_at(interrupted.pc)) {
-    leave_from(running);
-  } else {
-    leave_outside_of_blocks(interrupted);
-  }
-}
-
-void code_cache::leave_soon_at(std::uint64_t address) { leave_from(fragment_at(address)); }
-
-void code_cache::leave_lookup(mcontext_t& interrupted, std::size_t index) {
-  if (index >= lookup_missed) return;
-  if (index >= lookup_restored) {
-    return leave_from(fragment_behind_entry(pointer_to<const std::uint32_t>(context_.entry)));
-  }
-  const std::size_t miss = index == 0 ? lookup_missed_early : lookup_missed;
-  interrupted.pc = address_of(lookup_routine_ + miss);
-}
-
-// Entries, stubs and the shared routines. An entry that has not yet loaded X28 again, and a routine
-// for a conflict, have changed nothing else, so the branch is as good as not found.
-void code_cache::leave_outside_of_blocks(mcontext_t& interrupted) {
-  const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
-  const auto leave_by = [&](unsigned reg) { interrupted.pc = address_of(leave_routines_[reg]); };
-  for (unsigned reg = 0; reg < conflict_routines_.size(); reg++) {
-    const std::uint32_t* const conflict = conflict_routines_[reg];
-    const bool comes_to_it = is_b(*pc) && target_of_b(pc) == conflict;
-    if (comes_to_it || (pc >= conflict && pc < conflict + 3)) return leave_by(reg);
-    if (pc == conflict + 3) {
-      interrupted.pc = address_of(lookup_routine_ + lookup_missed_early);
-      return;
-    }
-  }
-  if (pc < end_of_routines_) return;
-  if (is_load_of_x28(*pc) && is_check(pc[1])) return leave_by(field(pc[1], 20, 16));
-  if (is_check(*pc)) return leave_by(field(*pc, 20, 16));
-  if (is_branch_to_conflict(*pc)) return leave_by(field(pc[-1], 20, 16));
-  if (is_load_of_x28(*pc)) return leave_from(fragment_behind_entry(pc));
-  if (is_b(*pc)) leave_from(fragment_at(address_of(target_of_b(pc))));
-}
-
-const fragment* code_cache::fragment_behind_entry(const std::uint32_t* entry) const {
-  const std::uint32_t* const next = entry + 1;
-  if (const fragment* const behind = fragment_at(address_of(next))) return behind;
-  return is_b(*next) ? fragment_at(address_of(target_of_b(next))) : nullptr;
-}
-
-// With what it runs into: there is no branch between. Only what leave_soon was done to can run
-// until the thread has left, so that once is enough.
-void code_cache::leave_from(const fragment* running) {
-  if (running == nullptr || leaving_ != nullptr) return;
-  leaving_ = running;
-  for (const fragment* each = running; each != nullptr; each = each->runs_into) {
-    for (std::size_t i = 0; i < each->exit_count; i++) unlink(exits_[each->first_exit + i]);
-    if (each->successor != nullptr) unlink(*each->successor);
-  }
-  set_jumps(running, true);
-}
-
-std::uint32_t* code_cache::way_out(unsigned reg) const {
-  return reg == no_table ? lookup_routine_ + lookup_missed_early : leave_routines_[reg];
-}
-
-void code_cache::set_jumps(const fragment* first, bool leaving) {
-  for (const fragment* each = first; each != nullptr; each = each->runs_into) {
-    if (each->jump == nullptr) continue;
-    const bool by_table = each->jump_register != no_table;
-    const std::uint32_t* const to = leaving ? way_out(each->jump_register) : lookup_routine_;
-    write(each->jump,
-          !leaving && by_table ? a64::br(context_register) : a64::b(distance(each->jump, to)));
-  }
-}
-
-void code_cache::settle() {
-  if (leaving_ != nullptr) set_jumps(leaving_, false);
-  leaving_ = nullptr;
-}
-
-void code_cache::recover(const mcontext_t& interrupted, thread_context& context) const {
-  const translated_pc instruction = at(interrupted.pc);
-  const std::uint32_t at_home = instruction.borrowed | 1u << context_register;
-  for (unsigned reg = 0; reg < 31; reg++) {
-    if ((at_home >> reg & 1) == 0) context.x[reg] = interrupted.regs[reg];
-  }
-  if (instruction.x28 != context_register) context.x[28] = interrupted.regs[instruction.x28];
-  context.sp = interrupted.sp;
-  context.pc = instruction.pc;
-  context.nzcv = interrupted.pstate & nzcv_mask;
-  const fpsimd_context& vectors = vectors_of(interrupted);
-  context.fpcr = vectors.fpcr;
-  context.fpsr = vectors.fpsr;
-  std::memcpy(context.q, vectors.vregs, sizeof context.q);
-}
-
-const fragment* code_cache::fragment_at(std::uint64_t address) const {
-  const auto* const word = pointer_to<const std::uint32_t>(address);
-  const auto next = std::ranges::upper_bound(fragments_, word, {}, &fragment::code);
-  if (next == fragments_.begin()) return nullptr;
-  const fragment& found = *std::prev(next);
-  return word < found.code + found.size ? &found : nullptr;
-}
-
-// Between two entries of the map, addresses go on by words, as far as there are any.
-translated_pc code_cache::at(std::uint64_t address) const {
-  const fragment* const found = fragment_at(address);
-  if (found == nullptr) return {};
-  const auto index = static_cast<std::uint32_t>((address - address_of(found->code)) / 4);
-  auto next = std::ranges::upper_bound(found->map, index, {}, &translated_pc::index);
-  if (next == found->map.begin()) return {.index = 0, .pc = found->pc};
-  translated_pc last = *std::prev(next);
-  if (last.borrowed != 0) return last;
-  const std::uint64_t end = next == found->map.end() ? found->end : next->pc;
-  last.pc = std::min(last.pc + std::uint64_t{index - last.index} * 4, end - 4);
-  return last;
 }
 
 }  // namespace host

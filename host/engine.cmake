@@ -16,6 +16,7 @@ add_library(host_engine OBJECT
   block_code.cpp
   branch_tables.cpp
   code_cache.cpp
+  code_cache_interrupted.cpp
   context_switch.S
   control_flow.cpp
   dispatch.cpp
