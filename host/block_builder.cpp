@@ -61,8 +61,7 @@ const instr_t* emit_exclusive_from(const instr_t& first, block_code& out) {
 
 std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
   instrlist_t list;
-  note_translated(pc,
-                  pc + most_instructions * 4);  // before it is read, so that no change is missed
+  note_translated(pc, pc + most_block_bytes);  // before it is read, so that no change is missed
   const std::uint64_t end = discover(pc, list);
   if (end == pc) return std::nullopt;
   run_block_events(thread, pc, list);

@@ -356,7 +356,6 @@ void code_cache::flush() {
 }
 
 bool code_cache::drop(std::uint64_t start, std::uint64_t end) {
-  constexpr std::uint64_t most_block_bytes = std::uint64_t{most_instructions} * 4;
   const auto overlaps = [=](const fragment& each) { return each.pc < end && each.end > start; };
   bool done = true;
   if (end - start > most_block_bytes) {

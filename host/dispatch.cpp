@@ -100,7 +100,7 @@ class dispatcher {
     came_from_ = &exit;
     switch (exit.kind) {
       case exit_kind::indirect: return;  // thread_context::pc is set
-      case exit_kind::direct: break;
+      case exit_kind::direct:
       case exit_kind::synchronize: break;
       case exit_kind::interrupted: came_from_ = nullptr; return;
       case exit_kind::refused: refuse(exit);

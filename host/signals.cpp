@@ -286,8 +286,7 @@ void install_signal_stack(thread_state& thread) {
   if (thread.signal_stack_memory == nullptr) {
     thread.signal_stack_memory = map_aligned(signal_stack_bytes);
   }
-  thread_state* const owner = &thread;
-  std::memcpy(thread.signal_stack_memory, &owner, sizeof owner);
+  *static_cast<thread_state**>(thread.signal_stack_memory) = &thread;
   const stack_t stack = {
       .ss_sp = thread.signal_stack_memory, .ss_flags = 0, .ss_size = signal_stack_bytes};
   sigaltstack(&stack, nullptr);

@@ -2,11 +2,12 @@
 // grows meanwhile.
 #include <stdint.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-enum { blocks = 64, rounds = 6000 };
+enum { blocks = 64, words = 2 * blocks + 1, rounds = 6000 };
 
 typedef long (*function)(long);
 
@@ -20,18 +21,21 @@ static void generate(uint32_t* code, uint32_t step) {
 }
 
 static long resident_bytes(void) {
-  long pages = 0;
+  char line[128] = "";
   FILE* file = fopen("/proc/self/statm", "r");
-  const int found = fscanf(file, "%*d %ld", &pages);
+  char* const all_pages = fgets(line, sizeof line, file);
   fclose(file);
-  return found == 1 ? pages * sysconf(_SC_PAGESIZE) : -1;
+  if (all_pages == NULL) return -1;
+  char* resident = NULL;
+  strtol(all_pages, &resident, 10);
+  return strtol(resident, NULL, 10) * sysconf(_SC_PAGESIZE);
 }
 
 static long run_rounds(uint32_t* code, int count) {
   long sum = 0;
   for (int i = 0; i < count; i++) {
     generate(code, (uint32_t)i % 4096);
-    __builtin___clear_cache((char*)code, (char*)(code + 2 * blocks + 1));
+    __builtin___clear_cache((char*)code, (char*)(code + words));
     function f;
     memcpy(&f, &code, sizeof f);
     sum += f(i);

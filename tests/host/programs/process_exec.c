@@ -67,16 +67,23 @@ static void tell_descriptors(void) {
   puts("");
 }
 
+static const char* own_name(void) {
+  const unsigned long address = getauxval(AT_EXECFN);
+  const char* name = NULL;
+  memcpy(&name, &address, sizeof name);
+  return name;
+}
+
 static int report(int argc, char** argv) {
   const char* what = argc > 1 ? argv[1] : "";
   if (strcmp(what, "environment") == 0) tell_environment();
   if (strcmp(what, "signals") == 0) tell_signals();
   if (strcmp(what, "descriptors") == 0) tell_descriptors();
   if (strcmp(what, "number") == 0) {
-    printf("same number %d\n", getpid() == atoi(argv[2]));
+    printf("same number %d\n", getpid() == strtol(argv[2], NULL, 10));
     return 22;
   }
-  if (strcmp(what, "name") == 0) return strcmp((char*)getauxval(AT_EXECFN), argv[2]) != 0;
+  if (strcmp(what, "name") == 0) return strcmp(own_name(), argv[2]) != 0;
   if (strcmp(what, "thread") == 0) printf("leader %d\n", getpid() == gettid());
   tell_arguments(argc, argv);
   return 21;

@@ -53,7 +53,7 @@ static void* get_length(void* length) {
 }
 
 // A processor with a single length: the length never changes, whatever is asked for.
-static void check_lengths(int length) {
+static void check_lengths(long length) {
   const struct {
     unsigned long argument;
     long result;
@@ -80,11 +80,11 @@ static void check_lengths(int length) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return 100;
-  const int length = atoi(argv[1]);
+  const long length = strtol(argv[1], NULL, 10);
   const int there = length != 0;
   expect("AT_HWCAP", (getauxval(AT_HWCAP) & HWCAP_SVE) != 0, there);
   expect("AT_HWCAP2", (getauxval(AT_HWCAP2) & HWCAP2_SVE2) != 0, 0);
-  expect("ID_AA64PFR0_EL1", identification() >> 32 & 15, there);
+  expect("ID_AA64PFR0_EL1", (long)(identification() >> 32 & 15), there);
   expect("/proc/cpuinfo", has_feature(there), there);
   if (there) {
     check_lengths(length);

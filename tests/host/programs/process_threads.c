@@ -19,7 +19,7 @@
 
 enum { at_once = 64 };
 
-static int many = 2000;  // in turn; another number as the argument
+static long many = 2000;  // in turn; another number as the argument
 
 static atomic_int counted;
 static pthread_barrier_t barrier;
@@ -38,12 +38,14 @@ static void* meet(void* argument) {
 
 static void in_turn(void) {
   int same = 0;
-  for (intptr_t i = 0; i < many; i++) {
+  char arguments[2];
+  for (long i = 0; i < many; i++) {
     pthread_t thread;
     void* result = NULL;
-    if (pthread_create(&thread, NULL, count, (void*)i) != 0) break;
+    char* const argument = &arguments[i % 2];
+    if (pthread_create(&thread, NULL, count, argument) != 0) break;
     pthread_join(thread, &result);
-    same += result == (void*)i;
+    same += result == argument;
   }
   printf("in turn: counted %d same %d\n", counted, same);
 }
@@ -186,7 +188,7 @@ static void* outlive(void* initial) {
 
 int main(int argc, char** argv) {
   static pthread_t initial;
-  if (argc > 1) many = atoi(argv[1]);
+  if (argc > 1) many = strtol(argv[1], NULL, 10);
   setbuf(stdout, NULL);
   in_turn();
   together();

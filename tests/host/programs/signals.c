@@ -271,7 +271,7 @@ static volatile int wrong_registers;
 static void fix_up(int signal, siginfo_t* info, void* context) {
   mcontext_t* const machine = &((ucontext_t*)context)->uc_mcontext;
   printf("  signal %d, code %d, its pc %d, at address 16 %d", signal, info->si_code,
-         (char*)machine->pc == expected_pc, info->si_addr == (void*)16);
+         machine->pc == (uintptr_t)expected_pc, info->si_addr == (void*)16);
   wrong_registers = 0;
   for (int i = 2; i < 30; ++i) wrong_registers += machine->regs[i] != 100 + (uint64_t)i;
   machine->regs[28] = 5000;
@@ -327,7 +327,7 @@ static void* spin(void* unused) {
 }
 
 static void wait_on(clockid_t clock, int milliseconds) {
-  const struct timespec time = {.tv_nsec = milliseconds * 1000000};
+  const struct timespec time = {.tv_nsec = milliseconds * 1000000L};
   while (clock_nanosleep(clock, 0, &time, NULL) == EINTR) {
   }
 }
