@@ -380,7 +380,6 @@ bool code_cache::drop(fragment& stale) {
   synchronise(far_, end);
   record.branch = stale.code;
   stale.successor = &record;
-  stale.jump = nullptr;
   for (std::size_t i = 0; i < stale.exit_count; i++) {
     exit_record& exit = exits_[stale.first_exit + i];
     if (exit.branch == stale.code) exit.branch = nullptr;
