@@ -138,7 +138,8 @@ bool push_signal_frame(thread_state& thread, const waiting_signal& arrived,
   if (overflows(thread, sp)) return false;
   frame made{.info = arrived.info, .context = {}};
   made.context.uc_stack = thread.signal_stack;
-  made.context.uc_stack.ss_flags |= signal_stack_status(thread);
+  // As in the kernel, it does not tell whether the stack is in use.
+  if (signal_stack_status(thread) == SS_DISABLE) made.context.uc_stack.ss_flags |= SS_DISABLE;
   std::memcpy(&made.context.uc_sigmask, &mask, sizeof mask);
   write_registers(thread.context, arrived, made.context.uc_mcontext);
   const frame_record interrupted = {thread.context.x[29], thread.context.x[30]};
