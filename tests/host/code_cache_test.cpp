@@ -395,6 +395,24 @@ class calling_test : public interrupted_test {
   // Constants are addresses, whose upper halves are small numbers, as no instruction is.
   static bool is_code(std::uint32_t word) { return word > 0xffff; }
 
+  bool may_be_run(std::uint32_t* word, const std::uint32_t* end) {
+    const bool in_arena = cache().contains(reinterpret_cast<std::uint64_t>(word)) && word + 1 < end;
+    return in_arena && is_code(word[0]) && is_code(word[1]);
+  }
+
+  // After six rounds.
+  void expect_the_loops_results() {
+    EXPECT_EQ(context().x[3], 6u);
+    EXPECT_EQ(context().x[4], 3u);
+    EXPECT_EQ(context().x[7], 3u);
+    EXPECT_EQ(context().x[5], 0x2000u);
+    for (const unsigned untouched : {0, 1, 2, 8}) {
+      EXPECT_EQ(context().x[untouched], 0x10 + untouched);
+    }
+    EXPECT_EQ(context().x[28], unmapped);
+    EXPECT_EQ(context().x[30], 0x1008u);
+  }
+
   // A signal arrives before this word is run.
   void interrupt_at(std::uint32_t* word) {
     interrupted_at = word;
@@ -434,29 +452,35 @@ TEST_F(calling_test, leaves_wherever_it_is_interrupted) {
   std::uint32_t* const end = start + (32 << 10) / 4;
   int places = 0;
   for (std::uint32_t* word = start - 600; word < end; word++) {
-    const bool in_arena = cache().contains(reinterpret_cast<std::uint64_t>(word)) && word + 1 < end;
-    if (!in_arena || !is_code(word[0]) || !is_code(word[1])) continue;
+    if (!may_be_run(word, end)) continue;
     SCOPED_TRACE(testing::Message() << word - start << ", word " << std::hex << *word);
-    const std::uint64_t x8 = context().x[8] = 0x8888 + static_cast<std::uint64_t>(places);
     interrupt_at(word);
     const int exits = run_loop(6);
     if (was_interrupted) places++;
     EXPECT_TRUE(exits > 1 || !was_interrupted || rounds_left == 0);
     if (!was_interrupted) write(replaced);
-    EXPECT_EQ(context().x[3], 6u);
-    EXPECT_EQ(context().x[4], 3u);
-    EXPECT_EQ(context().x[7], 3u);
-    EXPECT_EQ(context().x[5], 0x2000u);
-    EXPECT_EQ(context().x[8], x8);
-    EXPECT_EQ(context().x[0], 0x10u);
-    EXPECT_EQ(context().x[1], 0x11u);
-    EXPECT_EQ(context().x[2], 0x12u);
-    EXPECT_EQ(context().x[28], unmapped);
-    EXPECT_EQ(context().x[30], 0x1008u);
+    expect_the_loops_results();
     run_loop(6);
     ASSERT_EQ(run_loop(6), 1);
   }
   EXPECT_GT(places, 50);
+}
+
+// The shared routines, before the lookup has ever found anything.
+TEST_F(calling_test, leaves_wherever_a_new_cache_is_interrupted) {
+  std::uint32_t* const start = block_at(0x1000, nullptr).code;
+  int places = 0;
+  for (std::uint32_t* word = start - 600; word < start; word++) {
+    if (!may_be_run(word, start)) continue;
+    SCOPED_TRACE(testing::Message() << word - start << ", word " << std::hex << *word);
+    cache().flush();
+    context().entry = 0;
+    interrupt_at(word);
+    run_loop(6);
+    if (was_interrupted) places++;
+    expect_the_loops_results();
+  }
+  EXPECT_GT(places, 10);
 }
 
 TEST_F(cache_test, is_empty_after_a_flush_and_refuses_more_than_it_holds) {

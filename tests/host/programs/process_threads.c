@@ -113,8 +113,8 @@ static void* die_with_lock(void* argument) {
   return argument;
 }
 
-static void tell_owner(const char* who) {
-  const int error = pthread_mutex_lock(robust);
+static void tell_owner(const char* who, int (*lock)(pthread_mutex_t*)) {
+  const int error = lock(robust);
   printf("robust, %s: %s\n", who, error == EOWNERDEAD ? "owner died" : strerror(error));
   if (error == EOWNERDEAD) pthread_mutex_consistent(robust);
   if (error == 0 || error == EOWNERDEAD) pthread_mutex_unlock(robust);
@@ -122,7 +122,7 @@ static void tell_owner(const char* who) {
 
 static void* wait_for_lock(void* argument) {
   sem_post(&ended);
-  tell_owner("waiting");
+  tell_owner("waiting", pthread_mutex_lock);
   return argument;
 }
 
@@ -146,9 +146,11 @@ static void robust_mutexes(void) {
   robust = mmap(NULL, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   pthread_mutex_init(robust, &attributes);
   pthread_t thread, waiting;
-  pthread_create(&thread, NULL, die_with_lock, NULL);
-  pthread_join(thread, NULL);
-  tell_owner("thread");
+  for (int i = 0; i < 100; i++) {
+    pthread_create(&thread, NULL, die_with_lock, NULL);
+    pthread_join(thread, NULL);
+    tell_owner("thread", pthread_mutex_trylock);  // it has left the mutex before it is joined
+  }
   pthread_create(&thread, NULL, die_while_another_waits, &waiting);
   pthread_join(thread, NULL);
   pthread_join(waiting, NULL);
@@ -158,14 +160,14 @@ static void robust_mutexes(void) {
     _exit(0);
   }
   waitpid(child, NULL, 0);
-  tell_owner("process");
+  tell_owner("process", pthread_mutex_trylock);
   child = fork();
   if (child == 0) {
     pthread_mutex_lock(robust);
     raise(SIGKILL);
   }
   waitpid(child, NULL, 0);
-  tell_owner("killed");
+  tell_owner("killed", pthread_mutex_trylock);
 }
 
 // --- The end -----------------------------------------------------------------------------------

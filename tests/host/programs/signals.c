@@ -133,6 +133,15 @@ static void masks(void) {
          is_pending(SIGFPE), is_blocked(SIGFPE));
   change_mask(SIG_UNBLOCK, SIGFPE);
   printf("  unblocked: %d runs, pending %d\n", runs, is_pending(SIGFPE));
+  static const int usr2[] = {SIGUSR2, 0};
+  handle(SIGFPE, raise_another, 0, usr2);
+  handle(SIGUSR2, raise_another, 0, NULL);
+  sigset_t both = set_of(SIGFPE);
+  sigaddset(&both, SIGUSR2);
+  sigprocmask(SIG_BLOCK, &both, NULL);
+  raise(SIGUSR2);
+  raise(SIGFPE);
+  sigprocmask(SIG_UNBLOCK, &both, NULL);
   signal(SIGUSR1, SIG_IGN);
   signal(SIGBUS, SIG_IGN);
   raise(SIGUSR1);
