@@ -42,6 +42,16 @@ class cache_test : public testing::Test {
     return *context().exit;
   }
 
+  // All but PC and TPIDR_EL0.
+  void expect_registers_of(const thread_context& expected) {
+    for (unsigned i = 0; i < 31; i++) EXPECT_EQ(context().x[i], expected.x[i]) << i;
+    EXPECT_EQ(std::memcmp(context().q, expected.q, sizeof expected.q), 0);
+    EXPECT_EQ(context().sp, expected.sp);
+    EXPECT_EQ(context().nzcv, expected.nzcv);
+    EXPECT_EQ(context().fpcr, expected.fpcr);
+    EXPECT_EQ(context().fpsr, expected.fpsr);
+  }
+
   std::unique_ptr<thread_state> thread;
 };
 
@@ -103,14 +113,8 @@ TEST_F(cache_test, keeps_every_register_through_entry_lookup_and_exit) {
   context().fpsr = 0x0800001f;
   const thread_context before = context();
   ASSERT_EQ(run(first).kind, exit_kind::supervisor_call);
-  const thread_context& after = context();
-  for (unsigned i = 0; i < 31; i++) EXPECT_EQ(after.x[i], before.x[i]) << i;
-  EXPECT_EQ(std::memcmp(after.q, before.q, sizeof before.q), 0);
-  EXPECT_EQ(after.sp, before.sp);
-  EXPECT_EQ(after.nzcv, before.nzcv);
-  EXPECT_EQ(after.fpcr, before.fpcr);
-  EXPECT_EQ(after.fpsr, before.fpsr);
-  EXPECT_EQ(after.tpidr, before.tpidr);
+  expect_registers_of(before);
+  EXPECT_EQ(context().tpidr, before.tpidr);
 }
 
 TEST_F(cache_test, tells_the_application_address_of_each_word) {
@@ -268,14 +272,8 @@ TEST_F(interrupted_test, recovers_the_state_before_the_instruction_that_faults) 
     const thread_context before = context();
     const fragment& block = install(pc, word, svc);
     ASSERT_EQ(run(block).kind, exit_kind::interrupted);
-    const thread_context& after = context();
-    EXPECT_EQ(after.pc, pc);
-    for (unsigned i = 0; i < 31; i++) EXPECT_EQ(after.x[i], before.x[i]) << i;
-    EXPECT_EQ(std::memcmp(after.q, before.q, sizeof before.q), 0);
-    EXPECT_EQ(after.sp, before.sp);
-    EXPECT_EQ(after.nzcv, before.nzcv);
-    EXPECT_EQ(after.fpcr, before.fpcr);
-    EXPECT_EQ(after.fpsr, before.fpsr);
+    EXPECT_EQ(context().pc, pc);
+    expect_registers_of(before);
     cache().flush();
   }
 }

@@ -2,6 +2,24 @@
 
   .text
 
+// Those that a function gives back as it found them.
+.macro save_registers
+  stp x29, x30, [sp, #-96]!
+  stp x19, x20, [sp, #16]
+  stp x21, x22, [sp, #32]
+  stp x23, x24, [sp, #48]
+  stp x25, x26, [sp, #64]
+  stp x27, x28, [sp, #80]
+.endm
+.macro restore_registers
+  ldp x27, x28, [sp, #80]
+  ldp x25, x26, [sp, #64]
+  ldp x23, x24, [sp, #48]
+  ldp x21, x22, [sp, #32]
+  ldp x19, x20, [sp, #16]
+  ldp x29, x30, [sp], #96
+.endm
+
 // Fills X2 to X29 with their number plus 100, all registers waiting on the stack meanwhile, runs
 // the given instruction with X0 or X1 as an address that cannot be accessed, and stores what the
 // registers are then.
@@ -10,12 +28,7 @@
   .globl \label
   .type \name, %function
 \name:
-  stp x29, x30, [sp, #-96]!
-  stp x19, x20, [sp, #16]
-  stp x21, x22, [sp, #32]
-  stp x23, x24, [sp, #48]
-  stp x25, x26, [sp, #64]
-  stp x27, x28, [sp, #80]
+  save_registers
   .irp n, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29
   mov x\n, #100 + \n
   .endr
@@ -28,12 +41,7 @@
   .irp n, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29
   str x\n, [x0, #8 * \n]
   .endr
-  ldp x27, x28, [sp, #80]
-  ldp x25, x26, [sp, #64]
-  ldp x23, x24, [sp, #48]
-  ldp x21, x22, [sp, #32]
-  ldp x19, x20, [sp, #16]
-  ldp x29, x30, [sp], #96
+  restore_registers
   ret
 .endm
 
@@ -48,12 +56,7 @@
   .globl watch_registers
   .type watch_registers, %function
 watch_registers:
-  stp x29, x30, [sp, #-96]!
-  stp x19, x20, [sp, #16]
-  stp x21, x22, [sp, #32]
-  stp x23, x24, [sp, #48]
-  stp x25, x26, [sp, #64]
-  stp x27, x28, [sp, #80]
+  save_registers
   stp d8, d9, [sp, #-64]!
   stp d10, d11, [sp, #16]
   stp d12, d13, [sp, #32]
@@ -93,12 +96,7 @@ watch_registers:
   ldp d12, d13, [sp, #32]
   ldp d10, d11, [sp, #16]
   ldp d8, d9, [sp], #64
-  ldp x27, x28, [sp, #80]
-  ldp x25, x26, [sp, #64]
-  ldp x23, x24, [sp, #48]
-  ldp x21, x22, [sp, #32]
-  ldp x19, x20, [sp, #16]
-  ldp x29, x30, [sp], #96
+  restore_registers
   ret
 
 // void spoil_registers(): all that a function may change, and X18.
