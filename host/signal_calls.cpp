@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <sys/syscall.h>
+#include <utility>
 
 #include "host/address.h"
 #include "host/application_call.h"
@@ -98,6 +99,18 @@ std::int64_t get_waiting_signals(thread_state& thread, const std::uint64_t* x) {
     if (sent.signal != 0) mask |= signal_bit(sent.signal);
   }
   return guarded_copy(pointer_to(x[0]), &mask, x[1]) == 0 ? 0 : -EFAULT;
+}
+
+std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x) {
+  std::uint64_t wanted = 0;
+  if (x[3] == mask_bytes && read_from_application(x[0], wanted)) {
+    for (waiting_signal& sent : thread.waiting.sent_faults) {
+      if (sent.signal == 0 || (wanted & signal_bit(sent.signal)) == 0) continue;
+      const waiting_signal taken = std::exchange(sent, {});
+      return x[1] == 0 || write_to_application(x[1], taken.info) ? taken.signal : -EFAULT;
+    }
+  }
+  return application_call(x, &thread.context.attention);
 }
 
 std::int64_t wait_under_mask(thread_state& thread, const std::uint64_t* x) {

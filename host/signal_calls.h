@@ -13,6 +13,9 @@ std::int64_t change_signal_mask(thread_state& thread, const std::uint64_t* x);  
 std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x);  // sigaltstack
 std::int64_t get_waiting_signals(thread_state& thread, const std::uint64_t* x);  // rt_sigpending
 
+// rt_sigtimedwait. Signals of faults that were sent wait with the host and not with the kernel.
+std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x);
+
 // Calls that wait under a mask of their own, in which the host's signals must not be:
 // rt_sigsuspend, ppoll, pselect6, epoll_pwait, epoll_pwait2. call_not_started as in
 // host/application_call.h.

@@ -164,6 +164,14 @@ static void waiting(void) {
   int taken = 0;
   sigwait(&set, &taken);
   printf("  sigwait took %d, %d runs\n", taken, runs);
+  const sigset_t fault = set_of(SIGFPE);
+  siginfo_t info = {0};
+  change_mask(SIG_BLOCK, SIGFPE);
+  raise(SIGFPE);
+  taken = sigwaitinfo(&fault, &info);
+  printf("  sigwaitinfo took %d, from here %d, pending %d\n", taken, info.si_pid == getpid(),
+         is_pending(SIGFPE));
+  change_mask(SIG_UNBLOCK, SIGFPE);
   const struct timespec soon = {.tv_nsec = 1000000};
   printf("  sigtimedwait %d %s\n", sigtimedwait(&set, NULL, &soon), strerror(errno));
   const int file = signalfd(-1, &set, 0);
