@@ -472,7 +472,6 @@ TEST_F(calling_test, leaves_wherever_a_new_cache_is_interrupted) {
     if (!may_be_run(word, start)) continue;
     SCOPED_TRACE(testing::Message() << word - start << ", word " << std::hex << *word);
     cache().flush();
-    context().entry = 0;
     interrupt_at(word);
     run_loop(6);
     if (was_interrupted) places++;
