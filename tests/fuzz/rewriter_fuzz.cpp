@@ -1,11 +1,11 @@
 // Any instruction words at any address: what the translator makes of them must do to the
 // application what the words themselves do. Both are carried out on a machine of values without
 // meaning. An instruction that computes is a function of its word and of the registers that it
-// reads, whose result is a hash of these; inserted instructions, constants and moves are carried
-// out as what they are. At the end, the same instructions must have met the same values in the same
-// order, and registers and the place to go on must be equal. Wherever an instruction may fault,
-// each of the application's registers must be where the block's map says: in its place or in its
-// home.
+// reads, and of SP, which no word changes here; its result is a hash of these; inserted
+// instructions, constants and moves are carried out as what they are. At the end, the same
+// instructions must have met the same values in the same order, and registers and the place to go
+// on must be equal. Wherever an instruction may fault, each of the application's registers must be
+// where the block's map says: in its place or in its home.
 //
 // Which registers an instruction reads and writes is taken from the translator's own table, which
 // the disassembler checks elsewhere (tests/host/register_fields.py).
@@ -89,7 +89,7 @@ void trap(std::uint32_t word, machine& on) {
 void meet(std::uint32_t word, machine& on) {
   const register_roles roles = roles_of(word);
   if (is_undefined(word, roles)) return trap(operation_of(word, roles), on);
-  std::uint64_t hash = operation_of(word, roles);
+  std::uint64_t hash = mix(on.x[31], operation_of(word, roles));
   for (unsigned i = 0; i < roles.size(); i++) {
     if (!is_register(roles[i]) || roles[i] == role::written) continue;
     const unsigned reg = field_at(word, field_positions[i]);
@@ -237,7 +237,7 @@ void run_branch(std::uint32_t word, std::uint64_t pc, bool taken, machine& on) {
     case flow::invalidate:
       return leave(on, {.kind = exit_kind::invalidate, .target = pc + 4, .reg = field(word, 4, 0)});
     case flow::synchronize:
-      on.met.push_back(word);
+      meet(word, on);
       return leave(on, {.kind = exit_kind::synchronize, .target = pc + 4});
     case flow::unknown: return leave(on, {.kind = exit_kind::refused, .target = pc, .word = word});
   }
