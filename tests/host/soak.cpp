@@ -69,7 +69,7 @@ struct worker {
 };
 
 struct {
-  std::atomic<std::uint64_t> vectors, functions, mappings, faults, queued, ticks, threads;
+  std::atomic<std::uint64_t> vectors, loads, functions, mappings, faults, queued, ticks, threads;
 } counts;
 
 std::deque<worker> workers;
@@ -180,6 +180,19 @@ std::uint64_t call_generated(unsigned char* at, std::uint64_t value, bool with_s
   __builtin___clear_cache(reinterpret_cast<char*>(at), reinterpret_cast<char*>(at) + sizeof code);
   counts.functions++;
   return reinterpret_cast<std::uint64_t (*)()>(at)();
+}
+
+// First-fault loads up to the end of the code page, behind which nothing can be read.
+void load_to_the_end(worker& me) {
+  for (int i = 0; i < 16; i++) {
+    const std::uint64_t left = 1 + me.random() % svcntb();
+    svsetffr();
+    const svuint8_t loaded = svldff1(svptrue_b8(), me.code + page_bytes - left);
+    const svbool_t valid = svrdffr();
+    demand(svcntp_b8(svptrue_b8(), valid) == left, "a first-fault load stopped elsewhere");
+    demand(svaddv(valid, loaded) == 0, "a first-fault load read something else");
+  }
+  counts.loads += 16;
 }
 
 void generate(worker& me) {
@@ -331,8 +344,9 @@ timer_t start_timer(const worker& me) {
 
 // Each round does everything once, in another order.
 void work(worker& me) {
-  std::array tasks = {hold_until_signal, generate, remap,       fault,
-                      start_threads,     send,     call_system, count_exclusively};
+  std::array tasks = {
+      hold_until_signal, load_to_the_end,  generate, remap, fault, start_threads, send,
+      call_system,       count_exclusively};
   while (!stopping) {
     std::ranges::shuffle(tasks, me.random);
     for (const auto task : tasks) {
@@ -386,13 +400,15 @@ void run(std::chrono::seconds length) {
 
 void report() {
   std::printf(
-      "vectors held %lu, generated functions %lu, remapped %lu times, faults %lu, signals queued "
+      "vectors held %lu, first-fault loads %lu, generated functions %lu, remapped %lu times, "
+      "faults %lu, signals queued "
       "%lu and of timers %lu, threads %lu, increments %lu\n",
-      counts.vectors.load(), counts.functions.load(), counts.mappings.load(), counts.faults.load(),
-      counts.queued.load(), counts.ticks.load(), counts.threads.load(), shared_count);
-  demand(counts.vectors != 0 && counts.functions != 0 && counts.mappings != 0 &&
-             counts.faults != 0 && counts.queued != 0 && counts.ticks != 0 && counts.threads != 0 &&
-             shared_count != 0,
+      counts.vectors.load(), counts.loads.load(), counts.functions.load(), counts.mappings.load(),
+      counts.faults.load(), counts.queued.load(), counts.ticks.load(), counts.threads.load(),
+      shared_count);
+  demand(counts.vectors != 0 && counts.loads != 0 && counts.functions != 0 &&
+             counts.mappings != 0 && counts.faults != 0 && counts.queued != 0 &&
+             counts.ticks != 0 && counts.threads != 0 && shared_count != 0,
          "it was too short for everything to happen");
 }
 

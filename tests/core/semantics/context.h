@@ -1,4 +1,4 @@
-// What the tests of the reference functions share: contexts of any length and vectors of one value.
+// What the tests of the reference functions share: contexts of any length, and their flags.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,11 +25,4 @@ inline std::string flags(const CpuContext& ctx) {
     if ((ctx.nzcv & sve::flag_n >> i) != 0) result[i] = "NZCV"[i];
   }
   return result;
-}
-
-template <class T>
-VecV filled(T value) {
-  VecV v;
-  for (unsigned e = 0; e < sizeof v.bytes / sizeof(T); ++e) v.set<T>(e, value);
-  return v;
 }
