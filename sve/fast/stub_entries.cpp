@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace sve::stub {
+using namespace sve::stub;
+
 namespace {
 
 rc report(const cpu_state* state, const char* name) {
@@ -19,5 +20,3 @@ rc report(const cpu_state* state, const char* name) {
 #define STUB(name, ...) \
   rc name(cpu_state* state, __VA_ARGS__) { return report(state, #name); }
 #include "sve/fast/stub_entries.inc"
-
-}  // namespace sve::stub

@@ -17,12 +17,15 @@ using form::Z;
 using dup_imm = aarch64_sve_fp_dup_imm;
 using arith_imm = aarch64_sve_fp_arith_imm;
 
-#define STUB(name, ...) rc name(cpu_state*, __VA_ARGS__);
+// The type of each entry, under the entry's name.
+namespace entry {
+#define STUB(name, ...) using name = rc(cpu_state*, __VA_ARGS__);
 #include "sve/fast/stub_entries.inc"
 #undef STUB
+}  // namespace entry
 
 }  // namespace sve::stub
 
-#define STUB(name, ...) using sve::stub::name;
+#define STUB(name, ...) sve::stub::entry::name name;
 #include "sve/fast/stub_entries.inc"
 #undef STUB

@@ -31,7 +31,10 @@ SILENT = {"fmov", "fneg", "fabs", "fcsel"}
 # These compute with numbers of the compiler's, and no handler calls them.
 UNREACHED = r"_ZN3sve9semantics\d+recip_(sqrt_)?estimateEd"
 
-TABLE = pathlib.Path(__file__).resolve().parents[2] / "sve" / "decode" / "instructions"
+SOURCES = pathlib.Path(__file__).resolve().parents[2] / "sve"
+TABLE = SOURCES / "decode" / "instructions"
+# These have the names of fast paths, but only report that there is none.
+STUBS = set(re.findall(r"^STUB\((\w+)", (SOURCES / "fast" / "stub_entries.inc").read_text(), re.M))
 
 
 def disassemble(objdump, library):
@@ -94,9 +97,10 @@ def faults_of_other(function):
 
 
 def faults(function):
-    fast_path = re.match(r"_Z\d+sve_([a-z]+)_", function.name)
-    if fast_path and fast_path[1] in INSTRUCTION:
-        return faults_of_fast_path(function, fast_path[1])
+    fast_path = re.match(r"_Z(\d+)(sve_([a-z]+)_.*)", function.name)
+    if (fast_path and fast_path[3] in INSTRUCTION
+            and fast_path[2][:int(fast_path[1])] not in STUBS):
+        return faults_of_fast_path(function, fast_path[3])
     if "fast_fp_handler" in function.name:
         return faults_of_handler(function)
     if re.fullmatch(UNREACHED, function.name):
