@@ -22,13 +22,9 @@ inline std::mutex icounts_mutex;
 // instruction was emulated there with success.
 inline std::map<unsigned int*, std::pair<unsigned int, std::atomic<unsigned long>>> icounts;
 
-extern "C" {
-
 // Counts one success of `word` at `pc`. An address keeps the word that it was first counted with.
 void update_sve_stats(unsigned int* pc, unsigned int word);
 
 // Prints "address: word count" to stderr, a line for each address, in ascending order. Takes no
 // lock: to be called while no other thread emulates.
 void dump_sve_stats();
-
-}  // extern "C"
