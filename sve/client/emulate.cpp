@@ -22,7 +22,7 @@ constexpr slotted_register slotted_registers[] = {
 
 void emulate_instruction(unsigned int word, unsigned char* pc, decode_handler handler) {
   void* drcontext = dr_get_current_drcontext();
-  cpu_state* state = thread_state(drcontext);
+  cpu_state* state = sve::thread_state(drcontext);
   state->pc = reinterpret_cast<std::uint32_t*>(pc);
   for (const auto [number, slot] : slotted_registers) {
     state->x[number] = dr_read_saved_reg(drcontext, slot);

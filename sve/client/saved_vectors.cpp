@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace sve {
+
 void saved_vectors::save(std::uint64_t frame, const cpu_state& state) {
   forget(frame);
   if (entries_.size() == most) entries_.pop_front();
@@ -25,3 +27,5 @@ void saved_vectors::restore(std::uint64_t frame, cpu_state& state) {
 void saved_vectors::forget(std::uint64_t frame) {
   std::erase_if(entries_, [frame](const entry& e) { return e.frame == frame; });
 }
+
+}  // namespace sve

@@ -13,6 +13,8 @@
 
 #include "sve/state/cpu_state.h"
 
+namespace sve {
+
 class saved_vectors {
  public:
   // Handlers of one thread that are interrupted in turn. Beyond that, the oldest are forgotten.
@@ -34,3 +36,5 @@ class saved_vectors {
 
   std::deque<entry> entries_;
 };
+
+}  // namespace sve

@@ -8,6 +8,7 @@ if(NOT TESSALY_CORE_ONLY)
     ${CMAKE_CURRENT_LIST_DIR}/emulate.cpp
     ${CMAKE_CURRENT_LIST_DIR}/saved_vectors.cpp
     ${CMAKE_CURRENT_LIST_DIR}/sve_client.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/thread_state.cpp
     ${CMAKE_CURRENT_LIST_DIR}/transfer.cpp)
   target_include_directories(sve_client PRIVATE ${PROJECT_SOURCE_DIR}/host/include)
   target_link_libraries(sve_client PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,sve>)

@@ -64,7 +64,7 @@ bool is_rewritten(void* tag) {
 void rewrite_instruction(void* drcontext, instrlist_t* block, instr_t* instr,
                          decode_handler handler) {
   CLIENT_ASSERT(dr_get_stolen_reg() == DR_REG_X28, "dr_get_stolen_reg() == DR_REG_X28");
-  insert_emulation(drcontext, block, instr, thread_state(drcontext), handler);
+  sve::insert_emulation(drcontext, block, instr, sve::thread_state(drcontext), handler);
   instrlist_remove(block, instr);
   instr_destroy(drcontext, instr);
 }
@@ -91,19 +91,19 @@ dr_emit_flags_t event_instruction_change(void* drcontext, void* tag, instrlist_t
 void event_thread_init(void* drcontext) {
   static_assert(alignof(cpu_state) <= 16, "dr_thread_alloc aligns to 16 bytes");
   void* memory = dr_thread_alloc(drcontext, sizeof(cpu_state));
-  drmgr_set_tls_field(drcontext, tls_idx, new (memory) cpu_state{});  // cleared
+  sve::set_thread_state(drcontext, new (memory) cpu_state{});  // cleared
 }
 
 void event_thread_exit(void* drcontext) {
-  cpu_state* data = thread_state(drcontext);
+  cpu_state* data = sve::thread_state(drcontext);
   CLIENT_ASSERT(data != nullptr, "data != __null");
   dr_thread_free(drcontext, data, sizeof(cpu_state));
 }
 
-thread_local saved_vectors vectors_before_signals;
+thread_local sve::saved_vectors vectors_before_signals;
 
 void event_kernel_transfer(void* drcontext, const dr_kernel_xfer_info_t* info) {
-  cpu_state* const state = thread_state(drcontext);
+  cpu_state* const state = sve::thread_state(drcontext);
   if (info->type == DR_XFER_SIGNAL_DELIVERY) {
     vectors_before_signals.save(info->target_xsp, *state);
   } else if (info->type == DR_XFER_SIGNAL_RETURN) {
@@ -162,7 +162,7 @@ void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
   exe = dr_get_main_module();
   if (exe != nullptr) exe_start = exe->start;
   register_events();
-  tls_idx = drmgr_register_tls_field();
+  sve::register_thread_state_field();
 
   sve_instr_count = 0;
   aarch64_instr_count = 0;

@@ -2,12 +2,14 @@
 // thread's init event to its exit event.
 #pragma once
 
-#include "drmgr.h"
 #include "sve/state/cpu_state.h"
 
-// Index of the field, set when the client starts.
-inline int tls_idx = -1;
+namespace sve {
 
-inline cpu_state* thread_state(void* drcontext) {
-  return static_cast<cpu_state*>(drmgr_get_tls_field(drcontext, tls_idx));
-}
+// Takes a field from the host: once, when the client starts.
+void register_thread_state_field();
+
+cpu_state* thread_state(void* drcontext);
+void set_thread_state(void* drcontext, cpu_state* state);
+
+}  // namespace sve

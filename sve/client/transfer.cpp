@@ -151,8 +151,8 @@ void insert_transfer_out(const inserter& code, const cpu_state* state) {
 
 }  // namespace
 
-void insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
-                      decode_handler handler) {
+void sve::insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
+                           decode_handler handler) {
   const inserter code{drcontext, block, instr, instr_get_app_pc(instr)};
   insert_transfer_in(code, state);
   insert_call(code, handler);

@@ -60,7 +60,7 @@ TEST_F(ClientTest, GivesEachThreadAClearedState) {
   start();
   std::array<scripted_thread, 2> threads;
   for (scripted_thread& thread : threads) host_script.thread_init_event(&thread);
-  EXPECT_NE(thread_state(&threads[0]), thread_state(&threads[1]));
+  EXPECT_NE(sve::thread_state(&threads[0]), sve::thread_state(&threads[1]));
   for (scripted_thread& thread : threads) {
     const auto* bytes = static_cast<const unsigned char*>(thread.field);
     EXPECT_TRUE(

@@ -42,7 +42,7 @@ dr_emit_flags_t on_block(void* drcontext, void*, instrlist_t* block, bool, bool)
     if (!is_marker(word)) continue;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a constant to be passed through
     const auto constant = reinterpret_cast<decode_handler>(0x1234567890);
-    insert_emulation(drcontext, block, i, &state, constant);
+    sve::insert_emulation(drcontext, block, i, &state, constant);
     instrlist_remove(block, i);
     instr_destroy(drcontext, i);
   }
