@@ -5,7 +5,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -66,5 +67,3 @@ template unsigned long FPAdd(unsigned long, unsigned long, FPSCR&);
 template unsigned short FPSub(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPSub(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPSub(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

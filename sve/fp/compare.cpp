@@ -6,7 +6,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/unpack.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 enum class ordering { less, equal, greater, unordered };
@@ -78,5 +79,3 @@ template bool FPCompareUN(unsigned int, unsigned int, FPSCR&);
 template bool FPCompareUN(unsigned long, unsigned long, FPSCR&);
 template int FPCompare(unsigned int, unsigned int, bool, FPSCR&);
 template int FPCompare(unsigned long, unsigned long, bool, FPSCR&);
-
-}  // namespace sve

@@ -3,7 +3,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -80,5 +81,3 @@ template unsigned int FPConvert(unsigned short, FPRounding, FPSCR&);
 template unsigned int FPConvert(unsigned long, FPRounding, FPSCR&);
 template unsigned long FPConvert(unsigned short, FPRounding, FPSCR&);
 template unsigned long FPConvert(unsigned int, FPRounding, FPSCR&);
-
-}  // namespace sve

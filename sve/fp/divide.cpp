@@ -4,7 +4,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // One division of integers; both mantissas have the implicit bit. The shift puts the dividend as
@@ -83,5 +84,3 @@ T FPDiv(T op1, T op2, FPSCR& fpscr) {
 template unsigned short FPDiv(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPDiv(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPDiv(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -2,7 +2,7 @@
 #include "sve/fp/exponential_table.h"
 #include "sve/fp/fp.h"
 
-namespace sve {
+using namespace sve;
 
 template <class T>
 T FPEXPA(T op) {
@@ -15,5 +15,3 @@ T FPEXPA(T op) {
 template unsigned short FPEXPA(unsigned short);
 template unsigned int FPEXPA(unsigned int);
 template unsigned long FPEXPA(unsigned long);
-
-}  // namespace sve

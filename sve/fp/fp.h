@@ -21,8 +21,6 @@
 
 #include "sve/fp/fpscr.h"
 
-namespace sve {
-
 // --- Rounding cores ------------------------------------------------------------------------------
 
 // FPRound, on a significand that is already normalised. sgn is 0 or 1. exp is the biased exponent
@@ -197,5 +195,3 @@ T FPTRIMADD(unsigned long x, T op1, T op2, FPSCR& fpscr);
 // op2 is no floating-point number here.
 template <class T>
 T FPTRISMUL(T op1, T op2, FPSCR& fpscr);
-
-}  // namespace sve

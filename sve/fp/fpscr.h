@@ -7,8 +7,6 @@
 
 #include <cstdint>
 
-namespace sve {
-
 // Rounding modes, by the values of FPCR.RMode as far as that has them.
 enum FPRounding : int {
   FPRounding_TIEEVEN,  // to nearest, ties to even
@@ -49,6 +47,8 @@ struct FPSCR {
 };
 static_assert(sizeof(FPSCR) == 4, "the word goes to and comes from FPSR and FPCR as it stands");
 
+namespace sve {
+
 // Runs operation(FPSCR) and ORs the flags that it raises into *flags.
 template <class Operation>
 auto fp_with_flags_in(int* flags, Operation operation) {
@@ -71,12 +71,13 @@ static_assert(FPSCR::RMode >> 22 == fp_mode::RMode && FPSCR::FZ >> 22 == fp_mode
                   FPSCR::DN >> 22 == fp_mode::DN && FPSCR::FZ16 >> 14 == fp_mode::FZ16,
               "two shifts take the mode word out of the control word");
 
-constexpr int fp_mode_word(FPSCR fpscr) {
-  return static_cast<int>(((fpscr.word >> 22) & 15) | ((fpscr.word >> 14) & 32));
-}
-
 constexpr FPRounding mode_rounding(int mode) {
   return static_cast<FPRounding>(mode & fp_mode::RMode);
 }
 
 }  // namespace sve
+
+// The mode word of a control word, which it leaves alone.
+constexpr int fp_mode_word(FPSCR& fpscr) {
+  return static_cast<int>(((fpscr.word >> 22) & 15) | ((fpscr.word >> 14) & 32));
+}

@@ -2,7 +2,7 @@
 #include "sve/fp/fp.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
 
 template <class T>
 T fplibFixedToFP(unsigned long op, int fbits, bool u, FPRounding rounding, FPSCR& fpscr) {
@@ -19,5 +19,3 @@ T fplibFixedToFP(unsigned long op, int fbits, bool u, FPRounding rounding, FPSCR
 template unsigned short fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
 template unsigned int fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
 template unsigned long fplibFixedToFP(unsigned long, int, bool, FPRounding, FPSCR&);
-
-}  // namespace sve

@@ -5,7 +5,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/unpack.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // Orders all numbers, -0 just below +0.
@@ -73,5 +74,3 @@ template unsigned long FPMaxNum(unsigned long, unsigned long, FPSCR&);
 template unsigned short FPMinNum(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPMinNum(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPMinNum(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -3,7 +3,8 @@
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // At least one operand is no normal number. extended: infinity times zero is 2.0.
@@ -53,5 +54,3 @@ template unsigned long FPMul(unsigned long, unsigned long, FPSCR&);
 template unsigned short FPMulX(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPMulX(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPMulX(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -7,7 +7,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -78,7 +79,7 @@ T multiply_add_flags(T a, T b, T c, int scale, int mode, int* flags) {
 }  // namespace
 
 template <class T>
-T fp_multiply_add(T a, T b, T c, int scale, int mode, FPSCR& fpscr) {
+T sve::fp_multiply_add(T a, T b, T c, int scale, int mode, FPSCR& fpscr) {
   if (!fp_is_normal(a) || !fp_is_normal(b) || !fp_is_normal(c)) [[unlikely]] {
     return multiply_add_unusual(a, b, c, scale, mode, fpscr);
   }
@@ -106,13 +107,12 @@ unsigned long fp64_muladd(unsigned long a, unsigned long b, unsigned long c, int
   return multiply_add_flags(a, b, c, scale, mode, flags);
 }
 
-template unsigned short fp_multiply_add(unsigned short, unsigned short, unsigned short, int, int,
-                                        FPSCR&);
-template unsigned int fp_multiply_add(unsigned int, unsigned int, unsigned int, int, int, FPSCR&);
-template unsigned long fp_multiply_add(unsigned long, unsigned long, unsigned long, int, int,
-                                       FPSCR&);
+template unsigned short sve::fp_multiply_add(unsigned short, unsigned short, unsigned short, int,
+                                             int, FPSCR&);
+template unsigned int sve::fp_multiply_add(unsigned int, unsigned int, unsigned int, int, int,
+                                           FPSCR&);
+template unsigned long sve::fp_multiply_add(unsigned long, unsigned long, unsigned long, int, int,
+                                            FPSCR&);
 template unsigned short FPMulAdd(unsigned short, unsigned short, unsigned short, FPSCR&);
 template unsigned int FPMulAdd(unsigned int, unsigned int, unsigned int, FPSCR&);
 template unsigned long FPMulAdd(unsigned long, unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -3,7 +3,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // A number whose reciprocal is in range: a denormal result keeps its bits, an estimate isn't
@@ -50,5 +51,3 @@ T FPRecipEstimate(T op, FPSCR& fpscr) {
 template unsigned short FPRecipEstimate(unsigned short, FPSCR&);
 template unsigned int FPRecipEstimate(unsigned int, FPSCR&);
 template unsigned long FPRecipEstimate(unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -3,7 +3,7 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/unpack.h"
 
-namespace sve {
+using namespace sve;
 
 template <class T>
 T FPRecpX(T op, FPSCR& fpscr) {
@@ -22,5 +22,3 @@ T FPRecpX(T op, FPSCR& fpscr) {
 template unsigned short FPRecpX(unsigned short, FPSCR&);
 template unsigned int FPRecpX(unsigned int, FPSCR&);
 template unsigned long FPRecpX(unsigned long, FPSCR&);
-
-}  // namespace sve

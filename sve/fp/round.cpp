@@ -1,8 +1,11 @@
 #include "sve/fp/round.h"
 
+#include <tuple>
+
 #include "sve/fp/fp.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -12,6 +15,9 @@ T round(int sgn, int exp, T mnt, int rm, int mode, int* flags) {
 }
 
 }  // namespace
+
+// Callers who declare these two themselves link with the copies that this makes.
+[[gnu::used]] static constexpr std::tuple emitted(&fp_mode_word, &fp_mul_62x62);
 
 unsigned short fp16_round_(int sgn, int exp, unsigned short mnt, int rm, int mode, int* flags) {
   return round(sgn, exp, mnt, rm, mode, flags);
@@ -24,5 +30,3 @@ unsigned int fp32_round_(int sgn, int exp, unsigned int mnt, int rm, int mode, i
 unsigned long fp64_round_(int sgn, int exp, unsigned long mnt, int rm, int mode, int* flags) {
   return round(sgn, exp, mnt, rm, mode, flags);
 }
-
-}  // namespace sve

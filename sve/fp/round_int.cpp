@@ -3,7 +3,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // The fraction bits of the number are between 1 and as many as there are; the result is exact.
@@ -40,5 +41,3 @@ T FPRoundInt(T op, FPRounding rounding, bool exact, FPSCR& fpscr) {
 template unsigned short FPRoundInt(unsigned short, FPRounding, bool, FPSCR&);
 template unsigned int FPRoundInt(unsigned int, FPRounding, bool, FPSCR&);
 template unsigned long FPRoundInt(unsigned long, FPRounding, bool, FPSCR&);
-
-}  // namespace sve

@@ -5,7 +5,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/unpack.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // Zero, infinite, a NaN or negative.
@@ -41,5 +42,3 @@ T FPRSqrtEstimate(T op, FPSCR& fpscr) {
 template unsigned short FPRSqrtEstimate(unsigned short, FPSCR&);
 template unsigned int FPRSqrtEstimate(unsigned int, FPSCR&);
 template unsigned long FPRSqrtEstimate(unsigned long, FPSCR&);
-
-}  // namespace sve

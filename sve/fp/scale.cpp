@@ -4,7 +4,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -46,5 +47,3 @@ unsigned short FPProcess16(unsigned short op, FPSCR& fpscr) { return FPScale16(o
 unsigned int FPProcess32(unsigned int op, FPSCR& fpscr) { return FPScale32(op, 0, fpscr); }
 
 unsigned long FPProcess64(unsigned long op, FPSCR& fpscr) { return FPScale64(op, 0, fpscr); }
-
-}  // namespace sve

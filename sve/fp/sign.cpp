@@ -1,7 +1,7 @@
 #include "sve/fp/format.h"
 #include "sve/fp/fp.h"
 
-namespace sve {
+using namespace sve;
 
 template <class T>
 T FPNeg(T op) {
@@ -18,5 +18,3 @@ template unsigned int FPNeg(unsigned int);
 template unsigned long FPNeg(unsigned long);
 template unsigned int FPAbs(unsigned int);
 template unsigned long FPAbs(unsigned long);
-
-}  // namespace sve

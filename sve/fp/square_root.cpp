@@ -5,7 +5,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 template <class T>
@@ -105,5 +106,3 @@ T FPSqrt(T op, FPSCR& fpscr) {
 template unsigned short FPSqrt(unsigned short, FPSCR&);
 template unsigned int FPSqrt(unsigned int, FPSCR&);
 template unsigned long FPSqrt(unsigned long, FPSCR&);
-
-}  // namespace sve

@@ -5,7 +5,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/unpack.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // n or op2 is no normal number.
@@ -56,5 +57,3 @@ template unsigned long FPRecipStepFused(unsigned long, unsigned long, FPSCR&);
 template unsigned short FPRSqrtStepFused(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPRSqrtStepFused(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPRSqrtStepFused(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

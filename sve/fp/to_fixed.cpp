@@ -4,7 +4,8 @@
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 using double_format = format<unsigned long>;
@@ -92,5 +93,3 @@ template unsigned int fplibFPToFixed(unsigned long, int, bool, FPRounding, FPSCR
 template unsigned long fplibFPToFixed(unsigned short, int, bool, FPRounding, FPSCR&);
 template unsigned long fplibFPToFixed(unsigned int, int, bool, FPRounding, FPSCR&);
 template unsigned long fplibFPToFixed(unsigned long, int, bool, FPRounding, FPSCR&);
-
-}  // namespace sve

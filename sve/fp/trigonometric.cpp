@@ -6,7 +6,8 @@
 #include "sve/fp/multiply_add.h"
 #include "sve/fp/nan.h"
 
-namespace sve {
+using namespace sve;
+
 namespace {
 
 // The architecture's coefficients, the highest power last: 8 of a sine's polynomial, then 8 of a
@@ -70,5 +71,3 @@ template unsigned long FPTRIMADD(unsigned long, unsigned long, unsigned long, FP
 template unsigned short FPTRISMUL(unsigned short, unsigned short, FPSCR&);
 template unsigned int FPTRISMUL(unsigned int, unsigned int, FPSCR&);
 template unsigned long FPTRISMUL(unsigned long, unsigned long, FPSCR&);
-
-}  // namespace sve

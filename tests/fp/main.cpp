@@ -14,8 +14,6 @@
 namespace fp_test {
 namespace {
 
-using sve::FPSCR;
-
 constexpr const char* usage_text =
     R"(usage: fp_differential [OPTIONS]
 

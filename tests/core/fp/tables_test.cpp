@@ -10,8 +10,6 @@
 
 namespace {
 
-using sve::FPRounding;
-using sve::FPSCR;
 using half = unsigned short;
 using single = unsigned int;
 using dword = unsigned long;
@@ -79,10 +77,10 @@ Outcome rounded(int sgn, int exp, T mnt, int rm, int mode) {
 }
 
 TEST(RoundingCores, ModesBeyondRMode) {
-  constexpr auto& round16 = rounded<sve::fp16_round_, half>;
-  constexpr auto& round32 = rounded<sve::fp32_round_, single>;
-  constexpr auto& round64 = rounded<sve::fp64_round_, dword>;
-  constexpr int odd = sve::FPRounding_ODD;
+  constexpr auto& round16 = rounded<fp16_round_, half>;
+  constexpr auto& round32 = rounded<fp32_round_, single>;
+  constexpr auto& round64 = rounded<fp64_round_, dword>;
+  constexpr int odd = FPRounding_ODD;
   constexpr int ahp = sve::fp_mode::AHP;
   check({
       {"odd, exact and even", round16(0, 15, 0x0040 << 1, odd, 0), {0x3c02, 0}},
@@ -92,22 +90,21 @@ TEST(RoundingCores, ModesBeyondRMode) {
       {"odd, far below", round32(1, -400, 0, odd, 0), {0x80000001, underflow}},
       {"odd, too large", round16(0, 31, 0, odd, 0), {0x7bff, overflow}},
       {"a double knows no odd", round64(0, 1023, 1, odd, 0), {0x3ff0000000000000, inexact}},
-      {"nor any ties away", round16(0, 15, 0x20, sve::FPRounding_TIEAWAY, 0), {0x3c00, inexact}},
+      {"nor any ties away", round16(0, 15, 0x20, FPRounding_TIEAWAY, 0), {0x3c00, inexact}},
       {"ordinary exponent 31", round16(1, 31, 0xffc0, 0, ahp), {0xffff, 0}},
       {"inexact there", round16(0, 31, 0x0001, 0, ahp), {0x7c00, inexact}},
       {"carry beyond it", round16(0, 31, 0xffe0, 0, ahp), {0x7fff, FPSCR::IOC}},
-      {"exponent beyond it", round16(1, 999, 0, sve::FPRounding_ZERO, ahp), {0xffff, FPSCR::IOC}},
+      {"exponent beyond it", round16(1, 999, 0, FPRounding_ZERO, ahp), {0xffff, FPSCR::IOC}},
       {"exponents far out", round64(0, 99999, 0, 0, 0), {0x7ff0000000000000, overflow}},
   });
   int flags = FPSCR::DZC | FPSCR::IXC;
-  sve::fp16_round_(0, 32, 0, 0, ahp, &flags);
+  fp16_round_(0, 32, 0, 0, ahp, &flags);
   EXPECT_EQ(flags, FPSCR::DZC | FPSCR::IXC | FPSCR::IOC) << "flags that were there stay";
 }
 
 template <class F, class T>
 Outcome converted(F op, std::uint32_t controls) {
-  return under(controls,
-               [=](FPSCR& s) { return sve::FPConvert<F, T>(op, sve::FPRounding_TIEEVEN, s); });
+  return under(controls, [=](FPSCR& s) { return FPConvert<F, T>(op, FPRounding_TIEEVEN, s); });
 }
 
 TEST(FPConvert, FZ16FlushesOperandsOnly) {
@@ -116,25 +113,22 @@ TEST(FPConvert, FZ16FlushesOperandsOnly) {
       {"result", converted<single, half>(0x33800000, FPSCR::FZ16), {1, 0}},
       {"integers",
        under(FPSCR::FZ16,
-             [](FPSCR& s) {
-               return sve::fplibFixedToFP<half>(1, 24, true, sve::FPRounding_TIEEVEN, s);
-             }),
+             [](FPSCR& s) { return fplibFixedToFP<half>(1, 24, true, FPRounding_TIEEVEN, s); }),
        {1, 0}},
   });
 }
 
 Outcome fixed_64(int sgn, int exp, dword mnt, bool u, FPRounding rounding, int flags = 0) {
-  const dword bits = sve::FPToFixed_64(sgn, exp, mnt, u, rounding, &flags);
+  const dword bits = FPToFixed_64(sgn, exp, mnt, u, rounding, &flags);
   return {bits, flags};
 }
 
 TEST(FPToFixed, ScaledAndDirect) {
   constexpr dword one = 1UL << 52;
-  constexpr auto away = sve::FPRounding_TIEAWAY;
+  constexpr auto away = FPRounding_TIEAWAY;
   const auto half_to_16 = [](half op, int fbits, bool u) {
-    return under(0, [=](FPSCR& s) {
-      return sve::fplibFPToFixed<half, half>(op, fbits, u, sve::FPRounding_ZERO, s);
-    });
+    return under(
+        0, [=](FPSCR& s) { return fplibFPToFixed<half, half>(op, fbits, u, FPRounding_ZERO, s); });
   };
   check({
       {"2^-24 with 64 bits", half_to_16(0x0001, 64, true), {0xffff, FPSCR::IOC}},
@@ -142,7 +136,7 @@ TEST(FPToFixed, ScaledAndDirect) {
       {"2^63", fixed_64(0, 1086, one, false, away), {~0UL >> 1, FPSCR::IOC}},
       {"-2^63", fixed_64(1, 1086, one, false, away), {1UL << 63, 0}},
       {"flags are set, not added",
-       fixed_64(0, 0, 1, true, sve::FPRounding_POSINF, FPSCR::IDC),
+       fixed_64(0, 0, 1, true, FPRounding_POSINF, FPSCR::IDC),
        {1, inexact}},
       {"none is set for an exact 0", fixed_64(0, 1, 0, true, away, FPSCR::IDC), {0, FPSCR::IDC}},
   });
