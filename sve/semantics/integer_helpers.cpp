@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <tuple>
 
-namespace sve::semantics {
+using sve::Saturated;
+using sve::WordPair;
+using namespace sve::semantics;
 
 namespace {
 
@@ -32,6 +35,10 @@ std::uint32_t estimate_bits(double estimate) {
 }
 
 }  // namespace
+
+// Callers who declare these themselves link with the copies that this makes.
+[[gnu::used]] static constexpr std::tuple emitted(&ones, &Int, &UInt, &SInt, &bits, &AddInt,
+                                                  &SubInt, &NegInt, &AbsInt);
 
 Int128 ShiftLeftInt(Int128 x, Int128 s) {
   if (s < 0) return ShiftRightInt(x, NegInt(s));
@@ -157,7 +164,7 @@ BigInt toBigInt(Int128 x) {
   return {{bits(x), bits(x >> 64), sign, sign}};
 }
 
-BigInt AddBigInt(const BigInt& a, const BigInt& b) {
+BigInt AddBigInt(BigInt a, BigInt b) {
   BigInt sum{};
   unsigned __int128 carry = 0;
   for (int i = 0; i < 4; ++i) {
@@ -168,7 +175,7 @@ BigInt AddBigInt(const BigInt& a, const BigInt& b) {
   return sum;
 }
 
-BigInt ShiftRightBigInt(const BigInt& b, int s) {
+BigInt ShiftRightBigInt(BigInt b, int s) {
   const std::uint64_t sign = (b.words[3] >> 63) != 0 ? ones(64) : 0;
   const auto word = [&b, sign](int i) { return i < 4 ? b.words[i] : sign; };
   BigInt result{};
@@ -180,7 +187,7 @@ BigInt ShiftRightBigInt(const BigInt& b, int s) {
   return result;
 }
 
-Saturated SatQBigInt(const BigInt& b, int w, int u) {
+Saturated SatQBigInt(BigInt b, int w, int u) {
   const std::uint64_t low = b.words[0];
   const auto upper_words_are = [&b](std::uint64_t fill) {
     return b.words[1] == fill && b.words[2] == fill && b.words[3] == fill;
@@ -218,5 +225,3 @@ std::uint32_t UnsignedRSqrtEstimate(std::uint64_t x, int /*unread*/) {
   return estimate_bits(
       recip_sqrt_estimate(upper_half ? fixed_point(x, 0x3fe, 31) : fixed_point(x, 0x3fd, 30)));
 }
-
-}  // namespace sve::semantics

@@ -7,9 +7,7 @@
 #include <array>
 #include <cstdint>
 
-namespace sve::semantics {
-
-using Int128 = __int128;
+namespace sve {
 
 // A saturating operation's value and whether it saturated (0 or 1).
 struct Saturated {
@@ -25,6 +23,14 @@ struct WordPair {
   friend bool operator==(const WordPair&, const WordPair&) = default;
 };
 
+}  // namespace sve
+
+namespace sve::semantics {
+
+using Int128 = __int128;
+
+}  // namespace sve::semantics
+
 // A 256-bit two's complement integer, least significant word first.
 struct BigInt {
   std::array<std::uint64_t, 4> words;
@@ -39,61 +45,67 @@ constexpr std::uint64_t ones(int w) {
   return w > 0 ? (std::uint64_t{1} << w) - 1 : 0;
 }
 
+namespace sve::semantics {
+
 // Bit w - 1 alone.
 constexpr std::uint64_t sign_bit(int w) { return ones(w) ^ ones(w - 1); }
 
+}  // namespace sve::semantics
+
 // The low w bits of x as an integer, signed unless u is 1.
-constexpr Int128 Int(std::uint64_t x, int w, int u) {
-  const auto value = static_cast<Int128>(x & ones(w));
-  const bool negative = u != 1 && (x & sign_bit(w)) != 0;
-  return negative ? value - static_cast<Int128>(ones(w)) - 1 : value;
+constexpr __int128 Int(std::uint64_t x, int w, int u) {
+  const auto value = static_cast<__int128>(x & ones(w));
+  const bool negative = u != 1 && (x & sve::semantics::sign_bit(w)) != 0;
+  return negative ? value - static_cast<__int128>(ones(w)) - 1 : value;
 }
 
-constexpr Int128 UInt(std::uint64_t x, int w) { return Int(x, w, 1); }
+constexpr __int128 UInt(std::uint64_t x, int w) { return Int(x, w, 1); }
 
 // 0 for a w other than 8, 16, 32, 64.
-constexpr Int128 SInt(std::uint64_t x, int w) {
+constexpr __int128 SInt(std::uint64_t x, int w) {
   return w == 8 || w == 16 || w == 32 || w == 64 ? Int(x, w, 0) : 0;
 }
 
-constexpr std::uint64_t bits(Int128 x) { return static_cast<std::uint64_t>(x); }
+constexpr std::uint64_t bits(__int128 x) { return static_cast<std::uint64_t>(x); }
 
 // Arithmetic modulo 2 to the power 128.
 
-constexpr Int128 AddInt(Int128 x, Int128 y) {
-  return static_cast<Int128>(static_cast<unsigned __int128>(x) + static_cast<unsigned __int128>(y));
+constexpr __int128 AddInt(__int128 x, __int128 y) {
+  return static_cast<__int128>(static_cast<unsigned __int128>(x) +
+                               static_cast<unsigned __int128>(y));
 }
-constexpr Int128 SubInt(Int128 x, Int128 y) {
-  return static_cast<Int128>(static_cast<unsigned __int128>(x) - static_cast<unsigned __int128>(y));
+constexpr __int128 SubInt(__int128 x, __int128 y) {
+  return static_cast<__int128>(static_cast<unsigned __int128>(x) -
+                               static_cast<unsigned __int128>(y));
 }
-constexpr Int128 NegInt(Int128 x) { return SubInt(0, x); }
-constexpr Int128 AbsInt(Int128 x) { return x < 0 ? NegInt(x) : x; }
+constexpr __int128 NegInt(__int128 x) { return SubInt(0, x); }
+constexpr __int128 AbsInt(__int128 x) { return x < 0 ? NegInt(x) : x; }
 
 // A negative s shifts right by -s; an s above 64 counts as 64.
-Int128 ShiftLeftInt(Int128 x, Int128 s);
+__int128 ShiftLeftInt(__int128 x, __int128 s);
 // Arithmetic; s is not negative. An s above 65 counts as 65, save 128, which gives all ones where
 // the two highest bits of x are set and else 0.
-Int128 ShiftRightInt(Int128 x, Int128 s);
+__int128 ShiftRightInt(__int128 x, __int128 s);
 // x << (n modulo 64).
 std::uint64_t ShiftLeft(std::uint64_t x, int n, int unread);
 
 // Saturation to w bits. A value that saturated is the limit's bit pattern at w bits.
 
 // In range: x cut to w bits.
-Saturated SatQ(Int128 x, int w, int u);
+sve::Saturated SatQ(__int128 x, int w, int u);
 // In range: the low 64 bits of the sum, uncut.
-Saturated SatAdd(std::uint64_t a, std::uint64_t b, int w, int u);
-Saturated SatSub(std::uint64_t a, std::uint64_t b, int w, int u);
+sve::Saturated SatAdd(std::uint64_t a, std::uint64_t b, int w, int u);
+sve::Saturated SatSub(std::uint64_t a, std::uint64_t b, int w, int u);
 // The product is taken modulo 2 to the power 128, as a signed value.
-Saturated SatMult(std::uint64_t a, std::uint64_t b, int w, int u);
+sve::Saturated SatMult(std::uint64_t a, std::uint64_t b, int w, int u);
 // As SatQ, but uncut in range, and the signed minimum is sign-extended to 64 bits.
-Saturated SatQShift(Int128 x, int w, int u);
-Saturated SatQUShift(Int128 x, int w);
+sve::Saturated SatQShift(__int128 x, int w, int u);
+sve::Saturated SatQUShift(__int128 x, int w);
 // Saturating left shift; a negative s shifts right.
-Saturated ShiftQLeftInt(Int128 x, Int128 s, int w, int u);
-Saturated SatShiftLeft(std::uint64_t a, std::uint64_t s, int w, int u);
+sve::Saturated ShiftQLeftInt(__int128 x, __int128 s, int w, int u);
+sve::Saturated SatShiftLeft(std::uint64_t a, std::uint64_t s, int w, int u);
 // The unsigned result of a signed value.
-Saturated SatShiftLeftU(std::uint64_t a, std::uint64_t s, int w);
+sve::Saturated SatShiftLeftU(std::uint64_t a, std::uint64_t s, int w);
 
 // Operations on the low w bits of a word.
 
@@ -111,14 +123,14 @@ std::uint64_t Max(std::uint64_t a, std::uint64_t b, int w, int u);
 std::uint64_t Min(std::uint64_t a, std::uint64_t b, int w, int u);
 
 // Carry-less product.
-WordPair PolynomialMult(std::uint64_t a, std::uint64_t b);
+sve::WordPair PolynomialMult(std::uint64_t a, std::uint64_t b);
 
 // 256 bits.
 
-BigInt toBigInt(Int128 x);
-BigInt AddBigInt(const BigInt& a, const BigInt& b);
-BigInt ShiftRightBigInt(const BigInt& b, int s);  // arithmetic, s from 0 to 127
-Saturated SatQBigInt(const BigInt& b, int w, int u);
+BigInt toBigInt(__int128 x);
+BigInt AddBigInt(BigInt a, BigInt b);
+BigInt ShiftRightBigInt(BigInt b, int s);  // arithmetic, s from 0 to 127
+sve::Saturated SatQBigInt(BigInt b, int w, int u);
 
 // Fixed-point estimates (the architecture's RecipEstimate and RecipSqrtEstimate): multiples of
 // 1/256 for a in [0.5, 1) and in [0.25, 1).
@@ -127,5 +139,3 @@ double recip_sqrt_estimate(double a);
 // On 32-bit fixed-point numbers in [0, 1), for URECPE and URSQRTE; all ones where x is too small.
 std::uint32_t UnsignedRecipEstimate(std::uint64_t x, int unread);
 std::uint32_t UnsignedRSqrtEstimate(std::uint64_t x, int unread);
-
-}  // namespace sve::semantics

@@ -29,7 +29,7 @@ INSTRUCTION = {
 SILENT = {"fmov", "fneg", "fabs", "fcsel"}
 
 # These compute with numbers of the compiler's, and no handler calls them.
-UNREACHED = r"_ZN3sve9semantics\d+recip_(sqrt_)?estimateEd"
+UNREACHED = r"_Z\d+recip_(sqrt_)?estimated"
 
 SOURCES = pathlib.Path(__file__).resolve().parents[2] / "sve"
 TABLE = SOURCES / "decode" / "instructions"

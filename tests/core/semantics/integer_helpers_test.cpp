@@ -5,13 +5,14 @@
 #include <gtest/gtest.h>
 #include <string>
 
+using namespace sve;
 using namespace sve::semantics;
 
-namespace sve::semantics {
+namespace sve {
 void PrintTo(const Saturated& s, std::ostream* os) {
   *os << "(" << std::hex << s.value << ", " << s.flag << ")";
 }
-}  // namespace sve::semantics
+}  // namespace sve
 
 namespace {
 
