@@ -28,7 +28,10 @@ aarch64_decode_rc fast_fp_handler(cpu_state* state, unsigned word) {
   return result;
 }
 
-inline aarch64_decode_rc no_op_handler(cpu_state*, unsigned) { return aarch64_decode_ok; }
+template <word_pattern Pattern>
+aarch64_decode_rc no_op_handler(cpu_state*, unsigned) {
+  return aarch64_decode_ok;
+}
 
 // Whether descriptors read every operand field of a pattern; a row that forgets one does not
 // compile.

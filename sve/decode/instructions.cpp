@@ -53,7 +53,7 @@ consteval instruction_row bridge_row(std::string_view name) {
 #define FAST(pattern, name, ...) fast_row<pattern, __VA_ARGS__>(#name),
 #define FAST_FP(pattern, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#name),
 #define BRIDGE(pattern, name, ...) bridge_row<pattern, &name, __VA_ARGS__>(#name),
-#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, &no_op_handler),
+#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, &no_op_handler<pattern>),
 
 constexpr instruction_row table[] = {
 #include "sve/decode/instructions.inc"

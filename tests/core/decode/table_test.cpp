@@ -40,6 +40,13 @@ TEST(Table, HasOneRowForEachName) {
     EXPECT_TRUE(names.insert(row.name).second) << row.name;
 }
 
+// A handler is known by its address, which must tell the row.
+TEST(Table, HasOneHandlerForEachRow) {
+  std::set<decode_handler> handlers;
+  for (const instruction_row& row : instruction_rows())
+    EXPECT_TRUE(handlers.insert(row.handler).second) << row.name;
+}
+
 TEST(Table, NoTwoRowsMatchOneWord) {
   for (const instruction_row& a : instruction_rows())
     for (const instruction_row& b : instruction_rows())
