@@ -9,8 +9,8 @@ using namespace sve::semantics;
 
 namespace {
 
-using V = const VecV&;
-using P = const PredV&;
+using V = VecV;
+using P = PredV;
 using Ctx = CpuContext*;
 
 constexpr auto eq = [](auto a, auto b) { return a == b; };
@@ -22,24 +22,24 @@ constexpr auto lt = [](auto a, auto b) { return a < b; };
 
 // Element e is active in g and truth(e).
 template <class T, class Truth>
-PredV governed(P g, Ctx ctx, Truth truth) {
+PredV governed(const P& g, Ctx ctx, Truth truth) {
   const PredV result = generated<T>(ctx, [&](unsigned e) { return g.active<T>(e) && truth(e); });
   PredSetNZCV(g, result, width<T>, ctx);
   return result;
 }
 
 template <class T, class Condition>
-PredV compare(P g, V a, V b, Ctx ctx, Condition holds) {
+PredV compare(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
   return governed<T>(g, ctx, [&](unsigned e) { return holds(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Condition>
-PredV compare_imm(P g, V a, S64 i, Ctx ctx, Condition holds) {
-  return governed<T>(g, ctx, [&](unsigned e) { return holds(a.get<T>(e), static_cast<T>(i)); });
+PredV compare_imm(const P& g, const V& a, T i, Ctx ctx, Condition holds) {
+  return governed<T>(g, ctx, [&](unsigned e) { return holds(a.get<T>(e), i); });
 }
 
 template <class T, class Condition>
-PredV compare_wide(P g, V a, V b, Ctx ctx, Condition holds) {
+PredV compare_wide(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
   return governed<T>(
       g, ctx, [&](unsigned e) { return holds(Int(a.get<T>(e)), Int(covering_element<T>(b, e))); });
 }
@@ -83,45 +83,45 @@ PredV VecS16CmpFlgGTVVZ(P g, V a, V b, Ctx c) { return compare<S16>(g, a, b, c, 
 PredV VecS32CmpFlgGTVVZ(P g, V a, V b, Ctx c) { return compare<S32>(g, a, b, c, gt); }
 PredV VecS64CmpFlgGTVVZ(P g, V a, V b, Ctx c) { return compare<S64>(g, a, b, c, gt); }
 
-PredV VecS8CmpFlgEQVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, eq); }
-PredV VecS16CmpFlgEQVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, eq); }
-PredV VecS32CmpFlgEQVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, eq); }
+PredV VecS8CmpFlgEQVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, eq); }
+PredV VecS16CmpFlgEQVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, eq); }
+PredV VecS32CmpFlgEQVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, eq); }
 PredV VecS64CmpFlgEQVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, eq); }
-PredV VecS8CmpFlgNEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, ne); }
-PredV VecS16CmpFlgNEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, ne); }
-PredV VecS32CmpFlgNEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, ne); }
+PredV VecS8CmpFlgNEVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, ne); }
+PredV VecS16CmpFlgNEVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, ne); }
+PredV VecS32CmpFlgNEVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, ne); }
 PredV VecS64CmpFlgNEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, ne); }
-PredV VecU8CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U8>(g, a, i, c, ge); }
-PredV VecU16CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U16>(g, a, i, c, ge); }
-PredV VecU32CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U32>(g, a, i, c, ge); }
-PredV VecU64CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, ge); }
-PredV VecS8CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, ge); }
-PredV VecS16CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, ge); }
-PredV VecS32CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, ge); }
+PredV VecU8CmpFlgGEVIZ(P g, V a, U8 i, Ctx c) { return compare_imm<U8>(g, a, i, c, ge); }
+PredV VecU16CmpFlgGEVIZ(P g, V a, U16 i, Ctx c) { return compare_imm<U16>(g, a, i, c, ge); }
+PredV VecU32CmpFlgGEVIZ(P g, V a, U32 i, Ctx c) { return compare_imm<U32>(g, a, i, c, ge); }
+PredV VecU64CmpFlgGEVIZ(P g, V a, U64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, ge); }
+PredV VecS8CmpFlgGEVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, ge); }
+PredV VecS16CmpFlgGEVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, ge); }
+PredV VecS32CmpFlgGEVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, ge); }
 PredV VecS64CmpFlgGEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, ge); }
-PredV VecU8CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U8>(g, a, i, c, gt); }
-PredV VecU16CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U16>(g, a, i, c, gt); }
-PredV VecU32CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U32>(g, a, i, c, gt); }
-PredV VecU64CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, gt); }
-PredV VecS8CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, gt); }
-PredV VecS16CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, gt); }
-PredV VecS32CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, gt); }
+PredV VecU8CmpFlgGTVIZ(P g, V a, U8 i, Ctx c) { return compare_imm<U8>(g, a, i, c, gt); }
+PredV VecU16CmpFlgGTVIZ(P g, V a, U16 i, Ctx c) { return compare_imm<U16>(g, a, i, c, gt); }
+PredV VecU32CmpFlgGTVIZ(P g, V a, U32 i, Ctx c) { return compare_imm<U32>(g, a, i, c, gt); }
+PredV VecU64CmpFlgGTVIZ(P g, V a, U64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, gt); }
+PredV VecS8CmpFlgGTVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, gt); }
+PredV VecS16CmpFlgGTVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, gt); }
+PredV VecS32CmpFlgGTVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, gt); }
 PredV VecS64CmpFlgGTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, gt); }
-PredV VecU8CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U8>(g, a, i, c, le); }
-PredV VecU16CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U16>(g, a, i, c, le); }
-PredV VecU32CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U32>(g, a, i, c, le); }
-PredV VecU64CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, le); }
-PredV VecS8CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, le); }
-PredV VecS16CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, le); }
-PredV VecS32CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, le); }
+PredV VecU8CmpFlgLEVIZ(P g, V a, U8 i, Ctx c) { return compare_imm<U8>(g, a, i, c, le); }
+PredV VecU16CmpFlgLEVIZ(P g, V a, U16 i, Ctx c) { return compare_imm<U16>(g, a, i, c, le); }
+PredV VecU32CmpFlgLEVIZ(P g, V a, U32 i, Ctx c) { return compare_imm<U32>(g, a, i, c, le); }
+PredV VecU64CmpFlgLEVIZ(P g, V a, U64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, le); }
+PredV VecS8CmpFlgLEVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, le); }
+PredV VecS16CmpFlgLEVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, le); }
+PredV VecS32CmpFlgLEVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, le); }
 PredV VecS64CmpFlgLEVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, le); }
-PredV VecU8CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U8>(g, a, i, c, lt); }
-PredV VecU16CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U16>(g, a, i, c, lt); }
-PredV VecU32CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U32>(g, a, i, c, lt); }
-PredV VecU64CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, lt); }
-PredV VecS8CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S8>(g, a, i, c, lt); }
-PredV VecS16CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S16>(g, a, i, c, lt); }
-PredV VecS32CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S32>(g, a, i, c, lt); }
+PredV VecU8CmpFlgLTVIZ(P g, V a, U8 i, Ctx c) { return compare_imm<U8>(g, a, i, c, lt); }
+PredV VecU16CmpFlgLTVIZ(P g, V a, U16 i, Ctx c) { return compare_imm<U16>(g, a, i, c, lt); }
+PredV VecU32CmpFlgLTVIZ(P g, V a, U32 i, Ctx c) { return compare_imm<U32>(g, a, i, c, lt); }
+PredV VecU64CmpFlgLTVIZ(P g, V a, U64 i, Ctx c) { return compare_imm<U64>(g, a, i, c, lt); }
+PredV VecS8CmpFlgLTVIZ(P g, V a, S8 i, Ctx c) { return compare_imm<S8>(g, a, i, c, lt); }
+PredV VecS16CmpFlgLTVIZ(P g, V a, S16 i, Ctx c) { return compare_imm<S16>(g, a, i, c, lt); }
+PredV VecS32CmpFlgLTVIZ(P g, V a, S32 i, Ctx c) { return compare_imm<S32>(g, a, i, c, lt); }
 PredV VecS64CmpFlgLTVIZ(P g, V a, S64 i, Ctx c) { return compare_imm<S64>(g, a, i, c, lt); }
 
 PredV VecS8CmpFlgEQVWZ(P g, V a, V b, Ctx c) { return compare_wide<S8>(g, a, b, c, eq); }

@@ -11,9 +11,10 @@
 
 namespace sve::semantics {
 
-using compare_vectors = PredV(const PredV& g, const VecV& a, const VecV& b, CpuContext* ctx);
+using compare_vectors = PredV(PredV g, VecV a, VecV b, CpuContext* ctx);
 // `i` is decoded, of the element's type.
-using compare_immediate = PredV(const PredV& g, const VecV& a, std::int64_t i, CpuContext* ctx);
+template <class Element>
+using compare_immediate = PredV(PredV g, VecV a, Element i, CpuContext* ctx);
 template <class Scalar>
 using compare_terminate = void(Scalar x, Scalar y, CpuContext* ctx);
 
@@ -32,15 +33,22 @@ sve::semantics::compare_vectors VecS8CmpFlgEQVVZ, VecS16CmpFlgEQVVZ, VecS32CmpFl
     VecS64CmpFlgGTVVZ;
 
 // The same and CMPLE, CMPLT, CMPLS, CMPLO with an immediate.
-sve::semantics::compare_immediate VecS8CmpFlgEQVIZ, VecS16CmpFlgEQVIZ, VecS32CmpFlgEQVIZ,
-    VecS64CmpFlgEQVIZ, VecS8CmpFlgNEVIZ, VecS16CmpFlgNEVIZ, VecS32CmpFlgNEVIZ, VecS64CmpFlgNEVIZ,
-    VecU8CmpFlgGEVIZ, VecU16CmpFlgGEVIZ, VecU32CmpFlgGEVIZ, VecU64CmpFlgGEVIZ, VecS8CmpFlgGEVIZ,
-    VecS16CmpFlgGEVIZ, VecS32CmpFlgGEVIZ, VecS64CmpFlgGEVIZ, VecU8CmpFlgGTVIZ, VecU16CmpFlgGTVIZ,
-    VecU32CmpFlgGTVIZ, VecU64CmpFlgGTVIZ, VecS8CmpFlgGTVIZ, VecS16CmpFlgGTVIZ, VecS32CmpFlgGTVIZ,
-    VecS64CmpFlgGTVIZ, VecU8CmpFlgLEVIZ, VecU16CmpFlgLEVIZ, VecU32CmpFlgLEVIZ, VecU64CmpFlgLEVIZ,
-    VecS8CmpFlgLEVIZ, VecS16CmpFlgLEVIZ, VecS32CmpFlgLEVIZ, VecS64CmpFlgLEVIZ, VecU8CmpFlgLTVIZ,
-    VecU16CmpFlgLTVIZ, VecU32CmpFlgLTVIZ, VecU64CmpFlgLTVIZ, VecS8CmpFlgLTVIZ, VecS16CmpFlgLTVIZ,
-    VecS32CmpFlgLTVIZ, VecS64CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::int8_t> VecS8CmpFlgEQVIZ, VecS8CmpFlgNEVIZ, VecS8CmpFlgGEVIZ,
+    VecS8CmpFlgGTVIZ, VecS8CmpFlgLEVIZ, VecS8CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::int16_t> VecS16CmpFlgEQVIZ, VecS16CmpFlgNEVIZ,
+    VecS16CmpFlgGEVIZ, VecS16CmpFlgGTVIZ, VecS16CmpFlgLEVIZ, VecS16CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::int32_t> VecS32CmpFlgEQVIZ, VecS32CmpFlgNEVIZ,
+    VecS32CmpFlgGEVIZ, VecS32CmpFlgGTVIZ, VecS32CmpFlgLEVIZ, VecS32CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::int64_t> VecS64CmpFlgEQVIZ, VecS64CmpFlgNEVIZ,
+    VecS64CmpFlgGEVIZ, VecS64CmpFlgGTVIZ, VecS64CmpFlgLEVIZ, VecS64CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::uint8_t> VecU8CmpFlgGEVIZ, VecU8CmpFlgGTVIZ,
+    VecU8CmpFlgLEVIZ, VecU8CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::uint16_t> VecU16CmpFlgGEVIZ, VecU16CmpFlgGTVIZ,
+    VecU16CmpFlgLEVIZ, VecU16CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::uint32_t> VecU32CmpFlgGEVIZ, VecU32CmpFlgGTVIZ,
+    VecU32CmpFlgLEVIZ, VecU32CmpFlgLTVIZ;
+sve::semantics::compare_immediate<std::uint64_t> VecU64CmpFlgGEVIZ, VecU64CmpFlgGTVIZ,
+    VecU64CmpFlgLEVIZ, VecU64CmpFlgLTVIZ;
 
 // The same with wide elements.
 sve::semantics::compare_vectors VecS8CmpFlgEQVWZ, VecS16CmpFlgEQVWZ, VecS32CmpFlgEQVWZ,

@@ -10,8 +10,8 @@ using namespace sve::semantics;
 
 namespace {
 
-using V = const VecV&;
-using P = const PredV&;
+using V = VecV;
+using P = PredV;
 using Imm = unsigned;
 using Ctx = CpuContext*;
 

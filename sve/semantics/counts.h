@@ -20,16 +20,16 @@ using pattern_on_word = std::uint64_t(std::uint32_t x, unsigned pattern, unsigne
                                       CpuContext* ctx);
 using pattern_on_doubleword = std::uint64_t(std::uint64_t x, unsigned pattern, unsigned imm,
                                             CpuContext* ctx);
-using pattern_on_vector = VecV(const VecV& a, unsigned pattern, unsigned imm, CpuContext* ctx);
+using pattern_on_vector = VecV(VecV a, unsigned pattern, unsigned imm, CpuContext* ctx);
 
-using predicate_to_count = std::uint64_t(const PredV& g, const PredV& p, CpuContext* ctx);
-using predicate_on_word = std::uint64_t(const PredV& p, std::uint32_t x, CpuContext* ctx);
-using predicate_on_doubleword = std::uint64_t(const PredV& p, std::uint64_t x, CpuContext* ctx);
-using predicate_on_vector = VecV(const PredV& p, const VecV& a, CpuContext* ctx);
+using predicate_to_count = std::uint64_t(PredV g, PredV p, CpuContext* ctx);
+using predicate_on_word = std::uint64_t(PredV p, std::uint32_t x, CpuContext* ctx);
+using predicate_on_doubleword = std::uint64_t(PredV p, std::uint64_t x, CpuContext* ctx);
+using predicate_on_vector = VecV(PredV p, VecV a, CpuContext* ctx);
 
-using saturating_vectors = VecV(const VecV& a, const VecV& b, CpuContext* ctx);
+using saturating_vectors = VecV(VecV a, VecV b, CpuContext* ctx);
 // `i` is unsigned for S and U tags alike, and arrives with the instruction's shift applied.
-using saturating_immediate = VecV(const VecV& a, std::uint64_t i, CpuContext* ctx);
+using saturating_immediate = VecV(VecV a, std::uint64_t i, CpuContext* ctx);
 
 }  // namespace sve::semantics
 

@@ -13,37 +13,32 @@
 
 namespace sve::semantics::floating_point {
 
-using unary = VecV(const VecV& a, CpuContext* ctx);
-using binary = VecV(const VecV& a, const VecV& b, CpuContext* ctx);
-using binary_immediate = VecV(const VecV& a, const VecV& b, unsigned i, CpuContext* ctx);
-using unary_merging = VecV(const VecV& source, const PredV& g, const VecV& a, CpuContext* ctx);
-using binary_merging = VecV(const VecV& a, const PredV& g, const VecV& b, CpuContext* ctx);
-using ternary_merging = VecV(const VecV& a, const PredV& g, const VecV& b, const VecV& d,
-                             CpuContext* ctx);
+using unary = VecV(VecV a, CpuContext* ctx);
+using binary = VecV(VecV a, VecV b, CpuContext* ctx);
+using binary_immediate = VecV(VecV a, VecV b, unsigned i, CpuContext* ctx);
+using unary_merging = VecV(VecV source, PredV g, VecV a, CpuContext* ctx);
+using binary_merging = VecV(VecV a, PredV g, VecV b, CpuContext* ctx);
+using ternary_merging = VecV(VecV a, PredV g, VecV b, VecV d, CpuContext* ctx);
 // `i` chooses the second of two constants.
-using immediate_merging = VecV(const VecV& a, const PredV& g, bool i, CpuContext* ctx);
-using ternary_indexed = VecV(const VecV& n, const VecV& m, const VecV& acc, unsigned index,
-                             CpuContext* ctx);
+using immediate_merging = VecV(VecV a, PredV g, bool i, CpuContext* ctx);
+using ternary_indexed = VecV(VecV n, VecV m, VecV acc, unsigned index, CpuContext* ctx);
 
-using complex_addition = VecV(const VecV& a, const PredV& g, const VecV& b, unsigned rotation,
-                              CpuContext* ctx);
-using complex_multiplication = VecV(const VecV& acc, const PredV& g, const VecV& n, const VecV& m,
-                                    unsigned rotation, CpuContext* ctx);
-using complex_multiplication_indexed = VecV(const VecV& n, const VecV& m, const VecV& acc,
-                                            unsigned rotation, unsigned index, CpuContext* ctx);
+using complex_addition = VecV(VecV a, PredV g, VecV b, unsigned rotation, CpuContext* ctx);
+using complex_multiplication = VecV(VecV acc, PredV g, VecV n, VecV m, unsigned rotation,
+                                    CpuContext* ctx);
+using complex_multiplication_indexed = VecV(VecV n, VecV m, VecV acc, unsigned rotation,
+                                            unsigned index, CpuContext* ctx);
 
-using compare_vectors = PredV(const PredV& g, const VecV& a, const VecV& b, CpuContext* ctx);
-using compare_with_zero = PredV(const PredV& g, const VecV& a, CpuContext* ctx);
+using compare_vectors = PredV(PredV g, VecV a, VecV b, CpuContext* ctx);
+using compare_with_zero = PredV(PredV g, VecV a, CpuContext* ctx);
 
 // The low bits of `x` become the element.
 using replication = VecV(std::uint64_t x, CpuContext* ctx);
-using replication_merging = VecV(const VecV& source, const PredV& g, std::uint64_t x,
-                                 CpuContext* ctx);
+using replication_merging = VecV(VecV source, PredV g, std::uint64_t x, CpuContext* ctx);
 
 // Scalars are the low bits of 64.
-using reduction = std::uint64_t(const PredV& g, const VecV& a, CpuContext* ctx);
-using ordered_reduction = std::uint64_t(const PredV& g, std::uint64_t start, const VecV& a,
-                                        CpuContext* ctx);
+using reduction = std::uint64_t(PredV g, VecV a, CpuContext* ctx);
+using ordered_reduction = std::uint64_t(PredV g, std::uint64_t start, VecV a, CpuContext* ctx);
 
 }  // namespace sve::semantics::floating_point
 

@@ -15,8 +15,8 @@ using F16 = unsigned short;
 using F32 = unsigned int;
 using D64 = unsigned long;
 
-using V = const VecV&;
-using P = const PredV&;
+using V = VecV;
+using P = PredV;
 using Ctx = CpuContext*;
 
 inline constexpr U32 fpsr_fields = 0xf800009f;  // NZCV, QC, IDC, IXC, UFC, OFC, DZC, IOC
@@ -59,12 +59,12 @@ inline constexpr auto minnum = [](auto a, auto b, FPSCR& f) { return FPMinNum(a,
 // Without a predicate.
 
 template <class T, class Operation>
-VecV each1(V a, Ctx ctx, Operation op) {
+VecV each1(const V& a, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV each2(V a, V b, Ctx ctx, Operation op) {
+VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx,
                          [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
 }
@@ -72,18 +72,18 @@ VecV each2(V a, V b, Ctx ctx, Operation op) {
 // Merging.
 
 template <class T, class Operation>
-VecV merge1(V source, P g, V a, Ctx ctx, Operation op) {
+VecV merge1(const V& source, const P& g, const V& a, Ctx ctx, Operation op) {
   return merging<T>(source, g, ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge2(V a, P g, V b, Ctx ctx, Operation op) {
+VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge3(V a, P g, V b, V d, Ctx ctx, Operation op) {
+VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) {
     return compute(ctx, op, a.get<T>(e), b.get<T>(e), d.get<T>(e));
   });

@@ -24,20 +24,20 @@ constexpr auto fnmsub = [](auto d, auto m, auto a, FPSCR& f) { return fnms(a, d,
 
 // Element `index` of the 128-bit segment that holds element e.
 template <class T>
-T in_segment(V m, unsigned e, unsigned index) {
+T in_segment(const V& m, unsigned e, unsigned index) {
   constexpr unsigned count = 16 / sizeof(T);
   return m.get<T>(e / count * count + index);
 }
 
 template <class T, class Operation>
-VecV each_indexed(V n, V m, V acc, unsigned i, Ctx ctx, Operation op) {
+VecV each_indexed(const V& n, const V& m, const V& acc, unsigned i, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     return compute(ctx, op, acc.get<T>(e), n.get<T>(e), in_segment<T>(m, e, i));
   });
 }
 
 template <class T>
-VecV mul_indexed(V n, V m, unsigned i, Ctx ctx) {
+VecV mul_indexed(const V& n, const V& m, unsigned i, Ctx ctx) {
   return unpredicated<T>(
       ctx, [&](unsigned e) { return compute(ctx, mul, n.get<T>(e), in_segment<T>(m, e, i)); });
 }
@@ -53,7 +53,7 @@ T negated_if(bool negate, T x) {
 
 // FCADD: a plus b times i (rotation 0, 90 degrees) or -i (rotation 1, 270 degrees).
 template <class T>
-VecV complex_add(V a, P g, V b, unsigned rotation, Ctx ctx) {
+VecV complex_add(const V& a, const P& g, const V& b, unsigned rotation, Ctx ctx) {
   return merging<T>(a, g, ctx, [&](unsigned e) {
     const bool negate = is_real(e) == (rotation == 0);
     return compute(ctx, add, a.get<T>(e), negated_if(negate, b.get<T>(e ^ 1)));
@@ -63,7 +63,8 @@ VecV complex_add(V a, P g, V b, unsigned rotation, Ctx ctx) {
 // FCMLA: the real part of n times m, or the imaginary part of n times m times i; negated in the
 // rotations 2 and 3, of units of 90 degrees. m_element(e) is the part of m that lies at e.
 template <class T, class MElement>
-T complex_multiply_add(V acc, V n, unsigned rotation, Ctx ctx, unsigned e, MElement m_element) {
+T complex_multiply_add(const V& acc, const V& n, unsigned rotation, Ctx ctx, unsigned e,
+                       MElement m_element) {
   const unsigned part = rotation & 1;
   const bool negate = is_real(e) ? rotation == 1 || rotation == 2 : rotation >= 2;
   return compute(ctx, fma_, acc.get<T>(e), n.get<T>((e & ~1U) + part),
@@ -71,7 +72,7 @@ T complex_multiply_add(V acc, V n, unsigned rotation, Ctx ctx, unsigned e, MElem
 }
 
 template <class T>
-VecV complex_mla(V acc, P g, V n, V m, unsigned rotation, Ctx ctx) {
+VecV complex_mla(const V& acc, const P& g, const V& n, const V& m, unsigned rotation, Ctx ctx) {
   const auto m_element = [&m](unsigned e) { return m.get<T>(e); };
   return merging<T>(acc, g, ctx, [&](unsigned e) {
     return complex_multiply_add<T>(acc, n, rotation, ctx, e, m_element);
@@ -80,7 +81,8 @@ VecV complex_mla(V acc, P g, V n, V m, unsigned rotation, Ctx ctx) {
 
 // With the complex number of index i in each segment of m.
 template <class T>
-VecV complex_mla_indexed(V n, V m, V acc, unsigned rotation, unsigned i, Ctx ctx) {
+VecV complex_mla_indexed(const V& n, const V& m, const V& acc, unsigned rotation, unsigned i,
+                         Ctx ctx) {
   const auto m_element = [&m, i](unsigned e) { return in_segment<T>(m, e, 2 * i + e % 2); };
   return unpredicated<T>(ctx, [&](unsigned e) {
     return complex_multiply_add<T>(acc, n, rotation, ctx, e, m_element);

@@ -8,8 +8,8 @@ using namespace sve::semantics;
 
 namespace {
 
-using V = const VecV&;
-using P = const PredV&;
+using V = VecV;
+using P = PredV;
 using Ctx = CpuContext*;
 
 // Modulo 2 to the power 128, which the product of two unsigned 64-bit elements needs.
@@ -82,44 +82,44 @@ constexpr auto lea_uxtw = [](U64 a, U64 b) { return Int(a) + Int(static_cast<U32
 // Operand shapes: each for the forms without a predicate, merge for the merging ones.
 
 template <class T, class Operation>
-VecV each2(V a, V b, Ctx ctx, Operation op) {
+VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV each_imm(V a, S64 i, Ctx ctx, Operation op) {
+VecV each_imm(const V& a, S64 i, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return op(a.get<T>(e), static_cast<T>(i)); });
 }
 
 template <class T, class Operation>
-VecV each_wide(V a, V b, Ctx ctx, Operation op) {
+VecV each_wide(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx,
                          [&](unsigned e) { return op(a.get<T>(e), covering_element<T>(b, e)); });
 }
 
 template <class T, class Operation>
-VecV merge1(V source, P g, V x, Ctx ctx, Operation op) {
+VecV merge1(const V& source, const P& g, const V& x, Ctx ctx, Operation op) {
   return merging<T>(source, g, ctx, [&](unsigned e) { return op(x.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge2(V a, P g, V b, Ctx ctx, Operation op) {
+VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge3(V a, P g, V b, V d, Ctx ctx, Operation op) {
+VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e), d.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge_imm(V a, P g, S64 i, Ctx ctx, Operation op) {
+VecV merge_imm(const V& a, const P& g, S64 i, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) { return op(a.get<T>(e), static_cast<T>(i)); });
 }
 
 template <class T, class Operation>
-VecV merge_wide(V a, P g, V b, Ctx ctx, Operation op) {
+VecV merge_wide(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return op(a.get<T>(e), covering_element<T>(b, e)); });
 }
@@ -127,7 +127,7 @@ VecV merge_wide(V a, P g, V b, Ctx ctx, Operation op) {
 // The sum of `acc` and of the products of four narrow elements each; those of b belong to the
 // element that b_element(e) says.
 template <class T, class Narrow, class BElement>
-VecV dot_of(V a, V b, V acc, Ctx ctx, BElement b_element) {
+VecV dot_of(const V& a, const V& b, const V& acc, Ctx ctx, BElement b_element) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     Int128 sum = 0;
     for (unsigned j = 0; j < 4; ++j) {
@@ -138,12 +138,12 @@ VecV dot_of(V a, V b, V acc, Ctx ctx, BElement b_element) {
 }
 
 template <class T, class Narrow>
-VecV dot(V a, V b, V acc, Ctx ctx) {
+VecV dot(const V& a, const V& b, const V& acc, Ctx ctx) {
   return dot_of<T, Narrow>(a, b, acc, ctx, [](unsigned e) { return e; });
 }
 
 template <class T, class Narrow>
-VecV dot(V a, V b, V acc, unsigned index, Ctx ctx) {
+VecV dot(const V& a, const V& b, const V& acc, unsigned index, Ctx ctx) {
   constexpr unsigned in_segment = 16 / sizeof(T);
   return dot_of<T, Narrow>(a, b, acc, ctx,
                            [index](unsigned e) { return e / in_segment * in_segment + index; });
@@ -163,7 +163,7 @@ VecV start_step(U64 start, U64 step, Ctx ctx) {
 }
 
 template <class T>
-VecV select(P g, V a, V b, Ctx ctx) {
+VecV select(const P& g, const V& a, const V& b, Ctx ctx) {
   return merging<T>(b, g, ctx, [&a](unsigned e) { return a.get<T>(e); });
 }
 

@@ -11,27 +11,25 @@
 
 namespace sve::semantics {
 
-using unary = VecV(const VecV& a, CpuContext* ctx);
-using binary = VecV(const VecV& a, const VecV& b, CpuContext* ctx);
-using unary_merging = VecV(const VecV& merge, const PredV& g, const VecV& x, CpuContext* ctx);
-using unary_zeroing = VecV(const PredV& g, const VecV& x, CpuContext* ctx);
-using binary_merging = VecV(const VecV& a, const PredV& g, const VecV& b, CpuContext* ctx);
-using ternary_merging = VecV(const VecV& a, const PredV& g, const VecV& b, const VecV& d,
-                             CpuContext* ctx);
+using unary = VecV(VecV a, CpuContext* ctx);
+using binary = VecV(VecV a, VecV b, CpuContext* ctx);
+using unary_merging = VecV(VecV merge, PredV g, VecV x, CpuContext* ctx);
+using unary_zeroing = VecV(PredV g, VecV x, CpuContext* ctx);
+using binary_merging = VecV(VecV a, PredV g, VecV b, CpuContext* ctx);
+using ternary_merging = VecV(VecV a, PredV g, VecV b, VecV d, CpuContext* ctx);
 // `i` is decoded: extended by the tag and shifted as the instruction says.
-using immediate = VecV(const VecV& a, std::int64_t i, CpuContext* ctx);
-using immediate_merging = VecV(const VecV& a, const PredV& g, std::int64_t i, CpuContext* ctx);
+using immediate = VecV(VecV a, std::int64_t i, CpuContext* ctx);
+using immediate_merging = VecV(VecV a, PredV g, std::int64_t i, CpuContext* ctx);
 
-using dot_product = VecV(const VecV& a, const VecV& b, const VecV& acc, CpuContext* ctx);
-using dot_product_indexed = VecV(const VecV& a, const VecV& b, const VecV& acc, unsigned index,
-                                 CpuContext* ctx);
+using dot_product = VecV(VecV a, VecV b, VecV acc, CpuContext* ctx);
+using dot_product_indexed = VecV(VecV a, VecV b, VecV acc, unsigned index, CpuContext* ctx);
 
 // The low bits of `x` become the element.
 using replication = VecV(std::uint64_t x, CpuContext* ctx);
-using replication_merging = VecV(const VecV& a, const PredV& g, std::uint64_t x, CpuContext* ctx);
-using replication_zeroing = VecV(const PredV& g, std::uint64_t x, CpuContext* ctx);
+using replication_merging = VecV(VecV a, PredV g, std::uint64_t x, CpuContext* ctx);
+using replication_zeroing = VecV(PredV g, std::uint64_t x, CpuContext* ctx);
 using index_vector = VecV(std::uint64_t start, std::uint64_t step, CpuContext* ctx);
-using selection = VecV(const PredV& g, const VecV& a, const VecV& b, CpuContext* ctx);
+using selection = VecV(PredV g, VecV a, VecV b, CpuContext* ctx);
 
 }  // namespace sve::semantics
 

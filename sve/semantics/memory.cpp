@@ -9,8 +9,8 @@ using namespace sve::semantics;
 
 namespace {
 
-using V = const VecV&;
-using P = const PredV&;
+using V = VecV;
+using P = PredV;
 using Ctx = CpuContext*;
 
 template <class M>
@@ -32,21 +32,21 @@ constexpr auto sxtw = [](U64 offset) { return static_cast<U64>(static_cast<S32>(
 constexpr auto uxtw = [](U64 offset) { return U64{static_cast<U32>(offset)}; };
 
 template <class T>
-U64 offset(V v, unsigned e) {
+U64 offset(const V& v, unsigned e) {
   return v.get<std::make_unsigned_t<T>>(e);
 }
 
 // The address of element e, by the operands of the form: VIZ, VSZ, SVZ and LSSZ.
 template <class T, class M>
-auto address(V v, unsigned i) {
+auto address(const V& v, unsigned i) {
   return [&v, i](unsigned e) { return offset<T>(v, e) + U64{i} * sizeof(M); };
 }
 template <class T, class M, class Extend = decltype(whole)>
-auto address(V v, U64 s, Extend extend = {}) {
+auto address(const V& v, U64 s, Extend extend = {}) {
   return [&v, s, extend](unsigned e) { return s + extend(offset<T>(v, e)); };
 }
 template <class T, class M, class Extend = decltype(whole)>
-auto address(U64 s, V v, Extend extend = {}) {
+auto address(U64 s, const V& v, Extend extend = {}) {
   return [&v, s, extend](unsigned e) { return s + extend(offset<T>(v, e)) * sizeof(M); };
 }
 template <class T, class M>
@@ -55,13 +55,13 @@ auto address(U64 s, U64 i) {
 }
 
 template <class T, class M, class... Form>
-VecV load(P g, Ctx ctx, const Form&... form) {
+VecV load(const P& g, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   return zeroing<T>(g, ctx, [&](unsigned e) { return read<M>(at(e), 0, nullptr, ctx); });
 }
 
 template <class T, class M, class... Form>
-void store(P g, V data, Ctx ctx, const Form&... form) {
+void store(const P& g, const V& data, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   const unsigned n = ctx->elements<T>();
   for (unsigned e = 0; e < n; ++e) {
@@ -75,7 +75,7 @@ void clear_ffr(Ctx ctx, unsigned e) {
 }
 
 template <class T, class M, class... Form>
-VecV first_fault(P g, Ctx ctx, const Form&... form) {
+VecV first_fault(const P& g, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   bool fault = false;
   int later = 0;
@@ -91,7 +91,7 @@ VecV first_fault(P g, Ctx ctx, const Form&... form) {
 }
 
 template <class T>
-VecV replicate_quadword(P g, U64 base, Ctx ctx) {
+VecV replicate_quadword(const P& g, U64 base, Ctx ctx) {
   constexpr unsigned group = 16 / sizeof(T);
   T values[group];
   for (unsigned k = 0; k < group; ++k) {

@@ -16,18 +16,14 @@
 
 namespace sve::semantics::memory {
 
-using load_from_bases = VecV(const PredV& g, const VecV& v, unsigned i, CpuContext* ctx);
-using load_from_offsets = VecV(const PredV& g, const VecV& v, std::uint64_t s, CpuContext* ctx);
-using load_from_scaled_offsets = VecV(const PredV& g, std::uint64_t s, const VecV& v,
-                                      CpuContext* ctx);
-using store_to_bases = void(const PredV& g, const VecV& v, unsigned i, const VecV& data,
-                            CpuContext* ctx);
-using store_to_offsets = void(const PredV& g, const VecV& v, std::uint64_t s, const VecV& data,
-                              CpuContext* ctx);
-using store_to_scaled_offsets = void(const PredV& g, std::uint64_t s, const VecV& v,
-                                     const VecV& data, CpuContext* ctx);
-using load_indexed = VecV(const PredV& g, std::uint64_t s, std::uint64_t i, CpuContext* ctx);
-using load_immediate = VecV(const PredV& g, std::uint64_t s, int i, CpuContext* ctx);
+using load_from_bases = VecV(PredV g, VecV v, unsigned i, CpuContext* ctx);
+using load_from_offsets = VecV(PredV g, VecV v, std::uint64_t s, CpuContext* ctx);
+using load_from_scaled_offsets = VecV(PredV g, std::uint64_t s, VecV v, CpuContext* ctx);
+using store_to_bases = void(PredV g, VecV v, unsigned i, VecV data, CpuContext* ctx);
+using store_to_offsets = void(PredV g, VecV v, std::uint64_t s, VecV data, CpuContext* ctx);
+using store_to_scaled_offsets = void(PredV g, std::uint64_t s, VecV v, VecV data, CpuContext* ctx);
+using load_indexed = VecV(PredV g, std::uint64_t s, std::uint64_t i, CpuContext* ctx);
+using load_immediate = VecV(PredV g, std::uint64_t s, int i, CpuContext* ctx);
 
 }  // namespace sve::semantics::memory
 

@@ -11,17 +11,16 @@
 
 namespace sve::semantics::permute {
 
-using governed = VecV(const PredV& g, const VecV& a, CpuContext* ctx);
-using spliced = VecV(const PredV& g, const VecV& a, const VecV& b, CpuContext* ctx);
-using insertion = VecV(const VecV& a, std::uint64_t x, CpuContext* ctx);
-using unary = VecV(const VecV& a, CpuContext* ctx);
-using binary = VecV(const VecV& a, const VecV& b, CpuContext* ctx);
-using indexed = VecV(const VecV& a, unsigned i, CpuContext* ctx);
-using slid = VecV(const VecV& a, const VecV& b, unsigned i, CpuContext* ctx);
-using extraction = std::uint64_t(const PredV& g, const VecV& a, CpuContext* ctx);
-using conditional_extraction = std::uint64_t(const PredV& g, std::uint64_t old, const VecV& a,
-                                             CpuContext* ctx);
-using conditional_broadcast = VecV(const PredV& g, const VecV& old, const VecV& a, CpuContext* ctx);
+using governed = VecV(PredV g, VecV a, CpuContext* ctx);
+using spliced = VecV(PredV g, VecV a, VecV b, CpuContext* ctx);
+using insertion = VecV(VecV a, std::uint64_t x, CpuContext* ctx);
+using unary = VecV(VecV a, CpuContext* ctx);
+using binary = VecV(VecV a, VecV b, CpuContext* ctx);
+using indexed = VecV(VecV a, unsigned i, CpuContext* ctx);
+using slid = VecV(VecV a, VecV b, unsigned i, CpuContext* ctx);
+using extraction = std::uint64_t(PredV g, VecV a, CpuContext* ctx);
+using conditional_extraction = std::uint64_t(PredV g, std::uint64_t old, VecV a, CpuContext* ctx);
+using conditional_broadcast = VecV(PredV g, VecV old, VecV a, CpuContext* ctx);
 
 }  // namespace sve::semantics::permute
 

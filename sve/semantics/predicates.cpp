@@ -12,7 +12,7 @@ using namespace sve::semantics;
 
 namespace {
 
-using P = const PredV&;
+using P = PredV;
 using Context = CpuContext*;
 
 // Elements of w bits in a vector.
@@ -32,6 +32,21 @@ void write_flag(CpuContext* ctx, std::uint32_t flag, bool value) {
   ctx->nzcv = value ? ctx->nzcv | flag : ctx->nzcv & ~flag;
 }
 
+int first_active(const PredV& p, int w, const CpuContext* ctx) {
+  const int n = element_count(w, ctx);
+  for (int e = 0; e < n; ++e) {
+    if (is_active(p, e, w)) return e;
+  }
+  return -1;
+}
+
+int last_active(const PredV& p, int w, const CpuContext* ctx) {
+  for (int e = element_count(w, ctx) - 1; e >= 0; --e) {
+    if (is_active(p, e, w)) return e;
+  }
+  return -1;
+}
+
 // What the architecture's FirstActive, NoneActive and LastActive find out.
 struct Test {
   bool first;  // the first active element is true, in its first lane
@@ -39,16 +54,28 @@ struct Test {
   bool last;   // the last active element is true
 };
 
-Test test(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
+Test test(const PredV& g, const PredV& r, int w, const CpuContext* ctx) {
   Test found{false, true, false};
-  const int last = FindLastActive(g, w, ctx);
+  const int last = last_active(g, w, ctx);
   for (int e = 0; e <= last; ++e) {
     if (is_active(g, e, w) && element_lanes(r, e, w) != 0) found.none = false;
   }
   if (found.none) return found;
-  found.first = is_active(r, FindFirstActive(g, w, ctx), w);
+  found.first = is_active(r, first_active(g, w, ctx), w);
   found.last = element_lanes(r, last, w) != 0;
   return found;
+}
+
+void set_nzc(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
+  const Test found = test(g, r, w, ctx);
+  write_flag(ctx, sve::flag_n, found.first);
+  write_flag(ctx, sve::flag_z, found.none);
+  write_flag(ctx, sve::flag_c, !found.last);
+}
+
+void set_nzcv(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
+  set_nzc(g, r, w, ctx);
+  write_flag(ctx, sve::flag_v, false);
 }
 
 // The lanes of the vector.
@@ -58,7 +85,7 @@ PredV all_lanes(const CpuContext* ctx) {
 
 // The result of a Flg function.
 PredV with_flags(const PredV& g, const PredV& result, int w, CpuContext* ctx) {
-  PredSetNZCV(g, result, w, ctx);
+  set_nzcv(g, result, w, ctx);
   return result;
 }
 
@@ -112,13 +139,13 @@ PredV break_before(const PredV& inactive, const PredV& g, const PredV& a, const 
 }
 
 // The value of p in the last lane active in g, false where there is none.
-bool last_active_lane(const PredV& g, const PredV& p, CpuContext* ctx) {
-  const int last = FindLastActive(g, 8, ctx);
+bool last_active_lane(const PredV& g, const PredV& p, const CpuContext* ctx) {
+  const int last = last_active(g, 8, ctx);
   return last >= 0 && p.lane(static_cast<unsigned>(last));
 }
 
 // The propagating breaks go on from where the partition a ended, and stop at b.
-PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b, CpuContext* ctx) {
+PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
   bool going = last_active_lane(g, a, ctx);
   return in_lane_order(g, none, ctx, [&](unsigned i) {
     const bool result = going;
@@ -127,12 +154,22 @@ PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b, CpuCo
   });
 }
 
-PredV break_previous_before(const PredV& g, const PredV& a, const PredV& b, CpuContext* ctx) {
+PredV break_previous_before(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
   bool going = last_active_lane(g, a, ctx);
   return in_lane_order(g, none, ctx, [&](unsigned i) {
     going = going && !b.lane(i);
     return going;
   });
+}
+
+// b if the last active lane has a set, else nothing.
+PredV break_next(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
+  return last_active_lane(g, a, ctx) ? logic(all_lanes(ctx), b, b, ctx, and_) : none;
+}
+
+// The lanes of the FFR under g.
+PredV ffr_where(const PredV& g, const CpuContext* ctx) {
+  return logic(g, ctx->ffr, ctx->ffr, ctx, and_);
 }
 
 template <class T>
@@ -152,7 +189,7 @@ PredV ptrues(unsigned pattern, CpuContext* ctx) {
 template <class T>
 PredV next_active(const PredV& g, const PredV& a, CpuContext* ctx) {
   const int n = static_cast<int>(ctx->elements<T>());
-  int next = FindLastActive(a, width<T>, ctx) + 1;
+  int next = last_active(a, width<T>, ctx) + 1;
   while (next < n && !g.active<T>(static_cast<unsigned>(next))) ++next;
   const PredV result =
       generated<T>(ctx, [next](unsigned e) { return static_cast<int>(e) == next; });
@@ -218,46 +255,26 @@ PredV while_lt(Scalar op1, Scalar op2, CpuContext* ctx) {
 
 }  // namespace
 
-void PredSetNZC(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
-  const Test found = test(g, r, w, ctx);
-  write_flag(ctx, sve::flag_n, found.first);
-  write_flag(ctx, sve::flag_z, found.none);
-  write_flag(ctx, sve::flag_c, !found.last);
-}
+void PredSetNZC(PredV g, PredV r, int w, CpuContext* ctx) { set_nzc(g, r, w, ctx); }
 
-void PredSetNZCV(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
-  PredSetNZC(g, r, w, ctx);
-  write_flag(ctx, sve::flag_v, false);
-}
+void PredSetNZCV(PredV g, PredV r, int w, CpuContext* ctx) { set_nzcv(g, r, w, ctx); }
 
-void PredSetNC(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
-  if (FindFirstActive(g, w, ctx) < 0) return;
+void PredSetNC(PredV g, PredV r, int w, CpuContext* ctx) {
+  if (first_active(g, w, ctx) < 0) return;
   const Test found = test(g, r, w, ctx);
   write_flag(ctx, sve::flag_n, found.first);
   write_flag(ctx, sve::flag_c, !found.last);
 }
 
-void PredSetNCV(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
+void PredSetNCV(PredV g, PredV r, int w, CpuContext* ctx) {
   const Test found = test(g, r, w, ctx);
   write_flag(ctx, sve::flag_n, found.first);
   write_flag(ctx, sve::flag_c, !found.last);
   write_flag(ctx, sve::flag_v, false);
 }
 
-int FindFirstActive(const PredV& p, int w, CpuContext* ctx) {
-  const int n = element_count(w, ctx);
-  for (int e = 0; e < n; ++e) {
-    if (is_active(p, e, w)) return e;
-  }
-  return -1;
-}
-
-int FindLastActive(const PredV& p, int w, CpuContext* ctx) {
-  for (int e = element_count(w, ctx) - 1; e >= 0; --e) {
-    if (is_active(p, e, w)) return e;
-  }
-  return -1;
-}
+int FindFirstActive(PredV p, int w, CpuContext* ctx) { return first_active(p, w, ctx); }
+int FindLastActive(PredV p, int w, CpuContext* ctx) { return last_active(p, w, ctx); }
 
 int VecTrueILength(unsigned long pattern, int n) {
   return static_cast<int>(
@@ -273,25 +290,25 @@ PredV VecPNandPPZ(P g, P a, P b, Context c) { return logic(g, a, b, c, nand); }
 PredV VecPNorPPZ(P g, P a, P b, Context c) { return logic(g, a, b, c, nor); }
 PredV VecPSelPP(P g, P a, P b, Context c) { return logic(g, a, b, c, select); }
 
-PredV VecPAndFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPAndPPZ(g, a, b, c), c); }
-PredV VecPBicFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPBicPPZ(g, a, b, c), c); }
-PredV VecPOrFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPOrPPZ(g, a, b, c), c); }
-PredV VecPOrNFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPOrNPPZ(g, a, b, c), c); }
-PredV VecPXorFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPXorPPZ(g, a, b, c), c); }
-PredV VecPNandFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPNandPPZ(g, a, b, c), c); }
-PredV VecPNorFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, VecPNorPPZ(g, a, b, c), c); }
+PredV VecPAndFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, and_), c); }
+PredV VecPBicFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, bic), c); }
+PredV VecPOrFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, or_), c); }
+PredV VecPOrNFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, orn), c); }
+PredV VecPXorFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, xor_), c); }
+PredV VecPNandFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, nand), c); }
+PredV VecPNorFlgPPZ(P g, P a, P b, Context c) { return with_flags(g, logic(g, a, b, c, nor), c); }
 
 PredV VecPFalse(CpuContext* /*ctx*/) { return none; }
-PredV VecPReadFFSRP(CpuContext* ctx) { return VecPActualP(all_lanes(ctx), ctx); }
-PredV VecPActualP(P g, Context c) { return logic(g, c->ffr, c->ffr, c, and_); }
-PredV VecPActualFlgP(P g, Context c) { return with_flags(g, VecPActualP(g, c), c); }
-void VecPWriteFFSRP(const PredV& value, CpuContext* ctx) { ctx->ffr = value; }
+PredV VecPReadFFSRP(CpuContext* ctx) { return ffr_where(all_lanes(ctx), ctx); }
+PredV VecPActualP(P g, Context c) { return ffr_where(g, c); }
+PredV VecPActualFlgP(P g, Context c) { return with_flags(g, ffr_where(g, c), c); }
+void VecPWriteFFSRP(PredV value, CpuContext* ctx) { ctx->ffr = value; }
 void VecPClearFFSR(CpuContext* ctx) { ctx->ffr = all_lanes(ctx); }
 
 void VecPTestPZ(P g, P tested, Context c) { PredSetNZCV(g, tested, 8, c); }
 
 PredV VecPSetFirstActiveP(P g, P a, Context c) {
-  const int first = FindFirstActive(g, 8, c);
+  const int first = first_active(g, 8, c);
   const PredV result = generated<U8>(
       c, [&a, first](unsigned i) { return static_cast<int>(i) == first || a.lane(i); });
   return with_flags(g, result, c);
@@ -304,25 +321,22 @@ PredV VecP64GenNextP(P g, P a, Context c) { return next_active<U64>(g, a, c); }
 
 PredV VecPBreakAPZ(P g, P a, Context c) { return break_after(none, g, a, c); }
 PredV VecPBreakAPM(P merge, P g, P a, Context c) { return break_after(merge, g, a, c); }
-PredV VecPBreakAFlgPZ(P g, P a, Context c) { return with_flags(g, VecPBreakAPZ(g, a, c), c); }
+PredV VecPBreakAFlgPZ(P g, P a, Context c) { return with_flags(g, break_after(none, g, a, c), c); }
 PredV VecPBreakBPZ(P g, P a, Context c) { return break_before(none, g, a, c); }
 PredV VecPBreakBPM(P merge, P g, P a, Context c) { return break_before(merge, g, a, c); }
-PredV VecPBreakBFlgPZ(P g, P a, Context c) { return with_flags(g, VecPBreakBPZ(g, a, c), c); }
+PredV VecPBreakBFlgPZ(P g, P a, Context c) { return with_flags(g, break_before(none, g, a, c), c); }
 
-PredV VecPBreakNextPZ(P g, P a, P b, Context c) {
-  const PredV lanes = all_lanes(c);
-  return last_active_lane(g, a, c) ? logic(lanes, b, b, c, and_) : none;
-}
+PredV VecPBreakNextPZ(P g, P a, P b, Context c) { return break_next(g, a, b, c); }
 PredV VecPBreakNextFlgPZ(P g, P a, P b, Context c) {
-  return with_flags(all_lanes(c), VecPBreakNextPZ(g, a, b, c), c);
+  return with_flags(all_lanes(c), break_next(g, a, b, c), c);
 }
 PredV VecPBreakPrevAPZ(P g, P a, P b, Context c) { return break_previous_after(g, a, b, c); }
 PredV VecPBreakPrevAFlgPZ(P g, P a, P b, Context c) {
-  return with_flags(g, VecPBreakPrevAPZ(g, a, b, c), c);
+  return with_flags(g, break_previous_after(g, a, b, c), c);
 }
 PredV VecPBreakPrevBPZ(P g, P a, P b, Context c) { return break_previous_before(g, a, b, c); }
 PredV VecPBreakPrevBFlgPZ(P g, P a, P b, Context c) {
-  return with_flags(g, VecPBreakPrevBPZ(g, a, b, c), c);
+  return with_flags(g, break_previous_before(g, a, b, c), c);
 }
 
 PredV VecP8TrueI(unsigned pattern, Context c) { return ptrue<U8>(pattern, c); }

@@ -14,15 +14,15 @@
 // (the architecture's PredTest): N the first active element is true, Z none is, C the last is not.
 // A governing element is judged by its first lane, a result element counts as true for Z and C by
 // any of its lanes and for N by its first. No active element gives N 0, Z 1, C 1.
-void PredSetNZCV(const PredV& g, const PredV& r, int w, CpuContext* ctx);  // V becomes 0
-void PredSetNZC(const PredV& g, const PredV& r, int w, CpuContext* ctx);   // V stays
-void PredSetNCV(const PredV& g, const PredV& r, int w, CpuContext* ctx);   // Z stays, V becomes 0
+void PredSetNZCV(PredV g, PredV r, int w, CpuContext* ctx);  // V becomes 0
+void PredSetNZC(PredV g, PredV r, int w, CpuContext* ctx);   // V stays
+void PredSetNCV(PredV g, PredV r, int w, CpuContext* ctx);   // Z stays, V becomes 0
 // Z and V stay, and N and C too where no element is active.
-void PredSetNC(const PredV& g, const PredV& r, int w, CpuContext* ctx);
+void PredSetNC(PredV g, PredV r, int w, CpuContext* ctx);
 
 // Index of the lowest and the highest element of w bits that is active, -1 where none is.
-int FindFirstActive(const PredV& p, int w, CpuContext* ctx);
-int FindLastActive(const PredV& p, int w, CpuContext* ctx);
+int FindFirstActive(PredV p, int w, CpuContext* ctx);
+int FindLastActive(PredV p, int w, CpuContext* ctx);
 
 // Number of elements out of n that a 5-bit predicate pattern selects.
 int VecTrueILength(unsigned long pattern, int n);
@@ -31,11 +31,11 @@ namespace sve::semantics {
 
 using predicate_constant = PredV(CpuContext* ctx);
 using predicate_from_pattern = PredV(unsigned pattern, CpuContext* ctx);
-using predicate_of_one = PredV(const PredV& a, CpuContext* ctx);
-using predicate_of_two = PredV(const PredV& a, const PredV& b, CpuContext* ctx);
-using governed_of_one = PredV(const PredV& g, const PredV& a, CpuContext* ctx);
-using governed_of_two = PredV(const PredV& g, const PredV& a, const PredV& b, CpuContext* ctx);
-using merging_of_one = PredV(const PredV& merge, const PredV& g, const PredV& a, CpuContext* ctx);
+using predicate_of_one = PredV(PredV a, CpuContext* ctx);
+using predicate_of_two = PredV(PredV a, PredV b, CpuContext* ctx);
+using governed_of_one = PredV(PredV g, PredV a, CpuContext* ctx);
+using governed_of_two = PredV(PredV g, PredV a, PredV b, CpuContext* ctx);
+using merging_of_one = PredV(PredV merge, PredV g, PredV a, CpuContext* ctx);
 template <class Scalar>
 using loop_predicate = PredV(Scalar op1, Scalar op2, CpuContext* ctx);
 
@@ -51,11 +51,11 @@ sve::semantics::governed_of_two VecPSelPP;
 // PFALSE; RDFFR, RDFFRS, WRFFR, SETFFR.
 sve::semantics::predicate_constant VecPFalse, VecPReadFFSRP;
 sve::semantics::predicate_of_one VecPActualP, VecPActualFlgP;
-void VecPWriteFFSRP(const PredV& value, CpuContext* ctx);
+void VecPWriteFFSRP(PredV value, CpuContext* ctx);
 void VecPClearFFSR(CpuContext* ctx);
 
 // PTEST: the flags alone.
-void VecPTestPZ(const PredV& g, const PredV& tested, CpuContext* ctx);
+void VecPTestPZ(PredV g, PredV tested, CpuContext* ctx);
 
 // PFIRST and PNEXT.
 sve::semantics::governed_of_one VecPSetFirstActiveP, VecP8GenNextP, VecP16GenNextP, VecP32GenNextP,

@@ -37,14 +37,14 @@ Form form(const char* name, bool byte_offsets, Load load) {
 }
 
 template <class T, class M>
-Form bases(const char* name, VecV (*load)(const PredV&, const VecV&, unsigned, CpuContext*)) {
+Form bases(const char* name, VecV (*load)(PredV, VecV, unsigned, CpuContext*)) {
   return form<T, M>(name, true, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
     return load(g, vector_of<T>(at, 3 * sizeof(M), 1, 0), 3, ctx);
   });
 }
 
 template <class T, class M>
-Form offsets(const char* name, VecV (*load)(const PredV&, const VecV&, U64, CpuContext*), U64 base,
+Form offsets(const char* name, VecV (*load)(PredV, VecV, U64, CpuContext*), U64 base,
              U64 unused = 0) {
   return form<T, M>(name, true, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
     return load(g, vector_of<T>(at, base, 1, unused), base, ctx);
@@ -52,7 +52,7 @@ Form offsets(const char* name, VecV (*load)(const PredV&, const VecV&, U64, CpuC
 }
 
 template <class T, class M>
-Form scaled(const char* name, VecV (*load)(const PredV&, U64, const VecV&, CpuContext*), U64 base,
+Form scaled(const char* name, VecV (*load)(PredV, U64, VecV, CpuContext*), U64 base,
             U64 unused = 0) {
   return form<T, M>(name, false, [=](const PredV& g, const Addresses& at, CpuContext* ctx) {
     return load(g, base, vector_of<T>(at, base, sizeof(M), unused), ctx);
@@ -148,7 +148,7 @@ TEST_P(Gather, FirstFaultLoadsStopAtTheElementThatFaults) {
 
 TEST_P(Gather, ContiguousFirstFaultLoadsStopThere) {
   const struct : Form {
-    VecV (*function)(const PredV&, U64, U64, CpuContext*);
+    VecV (*function)(PredV, U64, U64, CpuContext*);
   } forms[] = {{{"16 1", 2, 1, true, true, {}}, VecS16CLoadFF1LSSZ},
                {{"16 2", 2, 2, false, true, {}}, VecU16CLoadFF2LSSZ},
                {{"64 4", 8, 4, true, true, {}}, VecS64CLoadFF4LSSZ}};
