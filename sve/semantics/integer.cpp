@@ -485,6 +485,10 @@ VecV VecU8DupSM(V a, P g, U64 x, Ctx c) { return select<U8>(g, dup<U8>(x, c), a,
 VecV VecU16DupSM(V a, P g, U64 x, Ctx c) { return select<U16>(g, dup<U16>(x, c), a, c); }
 VecV VecU32DupSM(V a, P g, U64 x, Ctx c) { return select<U32>(g, dup<U32>(x, c), a, c); }
 VecV VecU64DupSM(V a, P g, U64 x, Ctx c) { return select<U64>(g, dup<U64>(x, c), a, c); }
+VecV VecB8DupSM(V a, P g, U64 x, Ctx c) { return select<U8>(g, dup<U8>(x, c), a, c); }
+VecV VecH16DupSM(V a, P g, U64 x, Ctx c) { return select<U16>(g, dup<U16>(x, c), a, c); }
+VecV VecF32DupSM(V a, P g, U64 x, Ctx c) { return select<U32>(g, dup<U32>(x, c), a, c); }
+VecV VecD64DupSM(V a, P g, U64 x, Ctx c) { return select<U64>(g, dup<U64>(x, c), a, c); }
 VecV VecS8DupIZ(P g, U64 i, Ctx c) { return select<S8>(g, dup<S8>(i, c), zero, c); }
 VecV VecS16DupIZ(P g, U64 i, Ctx c) { return select<S16>(g, dup<S16>(i, c), zero, c); }
 VecV VecS32DupIZ(P g, U64 i, Ctx c) { return select<S32>(g, dup<S32>(i, c), zero, c); }

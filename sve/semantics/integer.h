@@ -133,11 +133,12 @@ sve::semantics::binary VecU32LEA1VV, VecU64LEA1VV, VecU32LEA2VV, VecU64LEA2VV, V
 sve::semantics::dot_product VecU32DotVVVX, VecS32DotVVVX, VecU64DotVVVX, VecS64DotVVVX;
 sve::semantics::dot_product_indexed VecU32DotVVVIX, VecS32DotVVVIX, VecU64DotVVVIX, VecS64DotVVVIX;
 
-// DUP, DUPM, CPY.
+// DUP, DUPM, CPY. The forms of tags B8, H16, F32 and D64 are those of U8 to U64; only the scalar's
+// register is another.
 sve::semantics::replication VecS8DupI, VecS16DupI, VecS32DupI, VecS64DupI, VecU8DupS, VecU16DupS,
     VecU32DupS, VecU64DupS, VecS64DupMaskI;
 sve::semantics::replication_merging VecS8DupIM, VecS16DupIM, VecS32DupIM, VecS64DupIM, VecU8DupSM,
-    VecU16DupSM, VecU32DupSM, VecU64DupSM;
+    VecU16DupSM, VecU32DupSM, VecU64DupSM, VecB8DupSM, VecH16DupSM, VecF32DupSM, VecD64DupSM;
 sve::semantics::replication_zeroing VecS8DupIZ, VecS16DupIZ, VecS32DupIZ, VecS64DupIZ;
 
 // INDEX: start + e x step.
