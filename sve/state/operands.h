@@ -8,10 +8,13 @@
 
 #include <cstdint>
 
+// Size codes of vector elements. Their names are too short for the global scope.
+enum element_size : unsigned {};
+
 namespace sve {
 
-// Size codes of vector elements. Q is a 128-bit quadword, z_none marks an unused field.
-enum element_size : unsigned { B = 0, H = 1, S = 2, D = 3, Q = 4, z_none = 5 };
+// Q is a 128-bit quadword, z_none marks an unused field.
+inline constexpr element_size B{0}, H{1}, S{2}, D{3}, Q{4}, z_none{5};
 
 // Codes of aarch64_p_reg beside B to D: the qualifier of a governing predicate.
 enum predicate_qualifier : unsigned {
@@ -25,8 +28,6 @@ enum predicate_qualifier : unsigned {
 enum general_register_code : unsigned { i_none = 4 };
 
 }  // namespace sve
-
-using sve::element_size;
 
 struct aarch64_z_reg {
   unsigned num, size, dst_size, src_size;
