@@ -6,9 +6,10 @@
 // results and the size of a predicate in memory all follow from the values here.
 #pragma once
 
+#include "sve/state/configured_length.h"
+
 namespace sve {
 
-inline constexpr unsigned vector_bits = SVE_VECTOR_BITS;
 inline constexpr unsigned vector_bytes = vector_bits / 8;
 inline constexpr unsigned vector_words64 = vector_bits / 64;   // unit of CpuContext::vl
 inline constexpr unsigned predicate_bytes = vector_bytes / 8;  // a predicate's image in memory
