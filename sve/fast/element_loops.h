@@ -101,6 +101,16 @@ inline rc write_units(unsigned char* destination, Value value) {
   return aarch64_decode_ok;
 }
 
+// Writes every second element, from element 0 on, of a register a and then of b.
+template <class T>
+inline void write_every_second(unsigned char* out, const unsigned char* a, const unsigned char* b) {
+  constexpr std::size_t pairs = elements<T> / 2;
+  for (std::size_t i = 0; i < pairs; ++i) {
+    set_element<T>(out, i, element<T>(a, 2 * i));
+    set_element<T>(out, pairs + i, element<T>(b, 2 * i));
+  }
+}
+
 // op of unit i of each source.
 template <class Unit, class Op, class... Sources>
 inline Unit apply(const cpu_state* state, [[maybe_unused]] std::size_t i, Op op,

@@ -1,6 +1,8 @@
 // Immediates arrive decoded and are broadcast at element width.
 #include "sve/fast/immediates_shifts_moves.h"
 
+#include <algorithm>
+
 #include "sve/fast/element_loops.h"
 #include "sve/fast/operations.h"
 
@@ -44,14 +46,16 @@ rc zpz_shift(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
   return merge_by_size<UnitKind>(s, zdn.dst_size, zdn, pg, op, zdn, zm);
 }
 
-// Shifts by the same count for all elements.
+// The right shift by the same count for all elements, which is clamped here, once, and before it is
+// cut to the element.
 template <class Unit>
 auto asr_by(unsigned shift) {
-  return [count = truncated<Unit>(shift)](Unit a) { return asr(a, count); };
+  const auto count = truncated<Unit>(std::min(shift, element_bits<Unit> - 1));
+  return [=](Unit a) { return as_signed(a) >> as_signed(count); };
 }
 
 // Calls loop(op) with the left shift by the same count for all elements, which is tested here,
-// once.
+// once. Of the count as many bits are looked at as a byte or halfword element has.
 template <class Unit, class Loop>
 void with_lsl(unsigned shift, Loop loop) {
   const auto count = static_cast<typename unit_traits<Unit>::element_type>(shift);

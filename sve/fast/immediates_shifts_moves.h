@@ -24,7 +24,8 @@ sve::form::zpz sve_asr_zpz;
 sve::form::zpz sve_lsl_zpz;
 sve::form::zpz sve_lsr_zpz;
 
-// Shifts by an immediate, under the same rule: zdn, pg, shift, and zd, zn, shift.
+// Shifts by an immediate, under the same rule: zdn, pg, shift, and zd, zn, shift. LSL looks at the
+// low 8 or 16 bits of the shift for bytes and halfwords.
 sve::form::zpi sve_asr_zpi;
 sve::form::zpi sve_lsl_zpi;
 sve::form::zzi sve_asr_zzi;

@@ -116,9 +116,12 @@ rc sve_zip2_zzz(cpu_state* s, Z zd, Z zn, Z zm) { return permute(s, zd, zn, zm, 
 rc sve_uzp1_zzz(cpu_state* s, Z zd, Z zn, Z zm) { return permute(s, zd, zn, zm, sve_uzp1); }
 
 rc sve_uzp2_zzz(cpu_state* s, Z zd, Z zn, Z zm) {
-  return permute(s, zd, zn, zm, [](char* out, char* a, char* b, element_size size) {
-    sve_uzp1(out, a + (1U << size), b + (1U << size), size);
+  unsigned char result[vector_bytes];
+  by_size<single>(zd.size, [&]<class T>() {
+    write_every_second<T>(result, s->z[zn.num] + sizeof(T), s->z[zm.num] + sizeof(T));
   });
+  std::memcpy(s->z[zd.num], result, vector_bytes);
+  return aarch64_decode_ok;
 }
 
 rc sve_trn2_zzz(cpu_state* s, Z zd, Z zn, Z zm) {

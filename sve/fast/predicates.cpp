@@ -88,15 +88,6 @@ void zip(byte* out, const byte* a, const byte* b) {
   }
 }
 
-template <class T>
-void uzp(byte* out, const byte* a, const byte* b) {
-  constexpr std::size_t pairs = elements<T> / 2;
-  for (std::size_t i = 0; i < pairs; ++i) {
-    set_element<T>(out, i, element<T>(a, 2 * i));
-    set_element<T>(out, pairs + i, element<T>(b, 2 * i));
-  }
-}
-
 template <class Permute>
 rc permute(cpu_state* s, P pd, P pn, P pm, Permute to_result) {
   byte result[vector_bytes];
@@ -238,5 +229,6 @@ void sve_zip2(char* out, char* a, char* b, element_size size) {
 }
 
 void sve_uzp1(char* out, char* a, char* b, element_size size) {
-  by_size<single>(size, [=]<class T>() { uzp<T>(as_bytes(out), as_bytes(a), as_bytes(b)); });
+  by_size<single>(
+      size, [=]<class T>() { write_every_second<T>(as_bytes(out), as_bytes(a), as_bytes(b)); });
 }
