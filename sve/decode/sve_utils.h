@@ -3,6 +3,8 @@
 // They are the single definition of what this system regards as an SVE instruction: a word that no
 // map knows stays in the application's code untouched. Maps, listing and tests all come from the
 // one table in sve/decode/instructions.inc.
+//
+// As everywhere, exported names stand at global scope, the library's own in namespace sve.
 #pragma once
 
 #include <cstdint>
@@ -57,8 +59,14 @@ const instruction_row* find_row(std::uint32_t word);
 
 }  // namespace sve
 
+// What the launcher looks up by name in the client that it has loaded. Like the client's entry
+// point, and unlike all else, these two have the linkage of C: their symbols are the plain names.
+extern "C" {
+
 // Prints the table, one line a row: pattern, kind, name.
-extern "C" void list_sve_instructions(std::FILE* out);
+void list_sve_instructions(std::FILE* out);
 
 // The vector length of this build, in bytes, for a host that tells programs of it.
-extern "C" unsigned sve_vector_bytes();
+unsigned sve_vector_bytes();
+
+}  // extern "C"

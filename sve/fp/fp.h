@@ -16,7 +16,9 @@
 //   before rounding and inexact. Under the flush control a result that is denormal before rounding
 //   is the zero of its sign and raises UFC alone.
 //
-// The templates exist for the carriers that stand above each group.
+// The templates exist for the carriers that stand above each group. All of these functions are
+// exported and stand at global scope, with FPSCR and FPRounding; what they share among themselves
+// stands in namespace sve.
 #pragma once
 
 #include "sve/fp/fpscr.h"

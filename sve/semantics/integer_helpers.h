@@ -7,6 +7,12 @@
 #include <array>
 #include <cstdint>
 
+// The low w bits set; all of them for w = 64, none for w below 1.
+constexpr std::uint64_t ones(int w) {
+  if (w >= 64) return ~std::uint64_t{0};
+  return w > 0 ? (std::uint64_t{1} << w) - 1 : 0;
+}
+
 namespace sve {
 
 // A saturating operation's value and whether it saturated (0 or 1).
@@ -23,13 +29,15 @@ struct WordPair {
   friend bool operator==(const WordPair&, const WordPair&) = default;
 };
 
-}  // namespace sve
-
-namespace sve::semantics {
+namespace semantics {
 
 using Int128 = __int128;
 
-}  // namespace sve::semantics
+// Bit w - 1 alone.
+constexpr std::uint64_t sign_bit(int w) { return ones(w) ^ ones(w - 1); }
+
+}  // namespace semantics
+}  // namespace sve
 
 // A 256-bit two's complement integer, least significant word first.
 struct BigInt {
@@ -38,19 +46,6 @@ struct BigInt {
 };
 
 // Widening and cutting.
-
-// The low w bits set; all of them for w = 64, none for w below 1.
-constexpr std::uint64_t ones(int w) {
-  if (w >= 64) return ~std::uint64_t{0};
-  return w > 0 ? (std::uint64_t{1} << w) - 1 : 0;
-}
-
-namespace sve::semantics {
-
-// Bit w - 1 alone.
-constexpr std::uint64_t sign_bit(int w) { return ones(w) ^ ones(w - 1); }
-
-}  // namespace sve::semantics
 
 // The low w bits of x as an integer, signed unless u is 1.
 constexpr __int128 Int(std::uint64_t x, int w, int u) {

@@ -6,7 +6,10 @@
 // an instruction means at any length.
 //
 // Names are Vec + element tag + stem + shape (VecS32AbdVVM). Arguments come in the order merge
-// source (shapes that end in M), governing predicate, remaining operands, CpuContext*.
+// source (shapes that end in M), governing predicate, remaining operands, CpuContext*. Vectors and
+// predicates are passed by value. These functions, the memory access functions and the integers of
+// the pseudocode are exported and stand at global scope; what they are made of stands in
+// sve::semantics.
 #pragma once
 
 #include <cstdint>

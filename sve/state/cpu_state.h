@@ -6,6 +6,11 @@
 // predicates and the FFR exist nowhere else and stay here from one emulated instruction to the
 // next. Predicates are unpacked, one byte for each vector byte, so that the governing test of a
 // fast path is one AND for each 16 bytes, without bit extraction.
+//
+// Names. What the library exports to callers stands at global scope and has the linkage of C++, so
+// that a plain declaration finds it: this record and the operands, the fast paths, the decoder, the
+// reference functions, their integers, the floating-point library. All else that the sources share
+// is the library's own and stands in namespace sve.
 #pragma once
 
 #include <cstddef>
