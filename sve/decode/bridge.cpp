@@ -41,12 +41,6 @@ void context_out(const CpuContext& context, cpu_state& state) {
   unpack(context.ffr, state.ffr);
 }
 
-VecV value_of(const cpu_state* state, aarch64_z_reg reg) {
-  VecV value;
-  std::memcpy(value.bytes, state->z[reg.num], vector_bytes);
-  return value;
-}
-
 PredV value_of(const cpu_state* state, aarch64_p_reg reg) { return pack(state->p[reg.num]); }
 
 std::uint64_t value_of(const cpu_state* state, aarch64_i_reg reg) {

@@ -5,6 +5,7 @@
 // simple: it knows nothing of the instruction but its operands.
 #pragma once
 
+#include <cstddef>
 #include <type_traits>
 
 #include "sve/decode/operand_fields.h"
@@ -24,8 +25,14 @@ CpuContext context_in(const cpu_state& state);
 void context_out(const CpuContext& context, cpu_state& state);
 
 // Operand records as values. A W register gives its low 32 bits, a SIMD&FP scalar the low 64 bits
-// of its register.
-VecV value_of(const cpu_state* state, aarch64_z_reg reg);
+// of its register. A vector register is a VecV where it lies, so that the call, which takes it by
+// value, makes the only copy; nobody reads what the VecV has beyond the register.
+static_assert(offsetof(cpu_state, z) + 31 * sizeof(vector_register) + sizeof(VecV) <=
+                  sizeof(cpu_state),
+              "a VecV that begins at the last vector register must end inside the state");
+inline const VecV& value_of(const cpu_state* state, aarch64_z_reg reg) {
+  return *reinterpret_cast<const VecV*>(state->z[reg.num]);
+}
 PredV value_of(const cpu_state* state, aarch64_p_reg reg);
 std::uint64_t value_of(const cpu_state* state, aarch64_i_reg reg);
 std::uint64_t value_of(const cpu_state* state, aarch64_i_rsp_reg reg);

@@ -29,17 +29,17 @@ PredV governed(const P& g, Ctx ctx, Truth truth) {
 }
 
 template <class T, class Condition>
-PredV compare(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
+[[gnu::noinline]] PredV compare(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
   return governed<T>(g, ctx, [&](unsigned e) { return holds(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Condition>
-PredV compare_imm(const P& g, const V& a, T i, Ctx ctx, Condition holds) {
+[[gnu::noinline]] PredV compare_imm(const P& g, const V& a, T i, Ctx ctx, Condition holds) {
   return governed<T>(g, ctx, [&](unsigned e) { return holds(a.get<T>(e), i); });
 }
 
 template <class T, class Condition>
-PredV compare_wide(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
+[[gnu::noinline]] PredV compare_wide(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
   return governed<T>(
       g, ctx, [&](unsigned e) { return holds(Int(a.get<T>(e)), Int(covering_element<T>(b, e))); });
 }

@@ -44,37 +44,37 @@ U64 q_sub(U64 x, U64 n) {
 
 // Elements and one number, which enters the 128-bit sum unsigned: modulo the element or saturated.
 template <class T>
-VecV add(const VecV& a, U64 n, const CpuContext* ctx) {
+[[gnu::noinline]] VecV add(const VecV& a, U64 n, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) { return a.get<T>(e) + n; });
 }
 
 template <class T>
-VecV sub(const VecV& a, U64 n, const CpuContext* ctx) {
+[[gnu::noinline]] VecV sub(const VecV& a, U64 n, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) { return a.get<T>(e) - n; });
 }
 
 template <class T>
-VecV q_add(const VecV& a, U64 n, const CpuContext* ctx) {
+[[gnu::noinline]] VecV q_add(const VecV& a, U64 n, const CpuContext* ctx) {
   return unpredicated<T>(
       ctx, [&](unsigned e) { return SatQ(Int(a.get<T>(e)) + n, width<T>, is_unsigned<T>).value; });
 }
 
 template <class T>
-VecV q_sub(const VecV& a, U64 n, const CpuContext* ctx) {
+[[gnu::noinline]] VecV q_sub(const VecV& a, U64 n, const CpuContext* ctx) {
   return unpredicated<T>(
       ctx, [&](unsigned e) { return SatQ(Int(a.get<T>(e)) - n, width<T>, is_unsigned<T>).value; });
 }
 
 // Elements and elements.
 template <class T>
-VecV q_add(const VecV& a, const VecV& b, const CpuContext* ctx) {
+[[gnu::noinline]] VecV q_add(const VecV& a, const VecV& b, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     return SatAdd(bits(a.get<T>(e)), bits(b.get<T>(e)), width<T>, is_unsigned<T>).value;
   });
 }
 
 template <class T>
-VecV q_sub(const VecV& a, const VecV& b, const CpuContext* ctx) {
+[[gnu::noinline]] VecV q_sub(const VecV& a, const VecV& b, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     return SatSub(bits(a.get<T>(e)), bits(b.get<T>(e)), width<T>, is_unsigned<T>).value;
   });

@@ -1,5 +1,10 @@
 // The shapes of the semantic functions: which elements are computed and what the others become.
 // A family is one of these with its element expression.
+//
+// An exported function has its vectors by value and hands them on by reference. Where it is marked
+// [[gnu::noinline]], the function that gets them compiles to a better loop than it would as a part
+// of the exported one: for GCC, an element of a parameter is harder to address than one of a
+// reference.
 #pragma once
 
 #include <cstdint>

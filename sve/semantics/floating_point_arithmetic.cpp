@@ -81,7 +81,8 @@ constexpr choice zero_or_one{zero, one};
 
 // The constant is made for inactive elements too.
 template <class T, class Operation>
-VecV merge_imm(const V& a, const P& g, bool flag, Ctx ctx, choice values, Operation op) {
+[[gnu::noinline]] VecV merge_imm(const V& a, const P& g, bool flag, Ctx ctx, choice values,
+                                 Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     const T i = in_format<T>(flag ? values.set : values.clear, ctx);
     const T x = a.get<T>(e);
@@ -90,18 +91,18 @@ VecV merge_imm(const V& a, const P& g, bool flag, Ctx ctx, choice values, Operat
 }
 
 template <class T, class Operation>
-VecV merge_bits(const V& source, const P& g, const V& a, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge_bits(const V& source, const P& g, const V& a, Ctx ctx, Operation op) {
   return merging<T>(source, g, ctx, [&](unsigned e) { return op(a.get<T>(e)); });
 }
 
 template <class T>
-VecV exponential(const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV exponential(const V& a, Ctx ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) { return expa(a.get<T>(e)); });
 }
 
 // FTSSEL: 1.0 or a by bit 0 of b, negated by bit 1.
 template <class T>
-VecV trig_select(const V& a, const V& b, Ctx ctx) {
+[[gnu::noinline]] VecV trig_select(const V& a, const V& b, Ctx ctx) {
   constexpr T plus_one = format<T>::power_of_two(0);
   return unpredicated<T>(ctx, [&](unsigned e) {
     const T selector = b.get<T>(e);
@@ -111,7 +112,7 @@ VecV trig_select(const V& a, const V& b, Ctx ctx) {
 }
 
 template <class T>
-VecV trig_multiply_add(const V& a, const V& b, unsigned i, Ctx ctx) {
+[[gnu::noinline]] VecV trig_multiply_add(const V& a, const V& b, unsigned i, Ctx ctx) {
   return each2<T>(a, b, ctx, [i](T x, T y, FPSCR& f) { return FPTRIMADD(i, x, y, f); });
 }
 
@@ -121,7 +122,7 @@ VecV dup(U64 value, Ctx ctx) {
 }
 
 template <class T>
-VecV dup_merging(const V& source, const P& g, U64 value, Ctx ctx) {
+[[gnu::noinline]] VecV dup_merging(const V& source, const P& g, U64 value, Ctx ctx) {
   return merging<T>(source, g, ctx, [value](unsigned) { return value; });
 }
 

@@ -24,14 +24,14 @@ constexpr auto ac_ge = [](auto a, auto b, FPSCR& f) { return ge(magnitude(a), ma
 constexpr auto ac_gt = [](auto a, auto b, FPSCR& f) { return gt(magnitude(a), magnitude(b), f); };
 
 template <class T, class Condition>
-PredV compare(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
+[[gnu::noinline]] PredV compare(const P& g, const V& a, const V& b, Ctx ctx, Condition holds) {
   return generated<T>(ctx, [&](unsigned e) {
     return g.active<T>(e) && compute(ctx, holds, a.get<T>(e), b.get<T>(e));
   });
 }
 
 template <class T, class Condition>
-PredV compare_zero(const P& g, const V& a, Ctx ctx, Condition holds) {
+[[gnu::noinline]] PredV compare_zero(const P& g, const V& a, Ctx ctx, Condition holds) {
   return generated<T>(
       ctx, [&](unsigned e) { return g.active<T>(e) && compute(ctx, holds, a.get<T>(e), T{0}); });
 }

@@ -13,7 +13,7 @@ namespace {
 
 // SCVTF, UCVTF.
 template <class Element, class From, class To>
-VecV from_integer(const V& source, const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV from_integer(const V& source, const P& g, const V& a, Ctx ctx) {
   return merging<Element>(source, g, ctx, [&](unsigned e) {
     const auto convert = [](From x, FPSCR& f) {
       return fplibFixedToFP<To>(static_cast<unsigned long>(x), 0, std::is_unsigned_v<From>,
@@ -25,7 +25,7 @@ VecV from_integer(const V& source, const P& g, const V& a, Ctx ctx) {
 
 // FCVTZS, FCVTZU.
 template <class Element, class From, class To>
-VecV to_integer(const V& source, const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV to_integer(const V& source, const P& g, const V& a, Ctx ctx) {
   return merging<Element>(source, g, ctx, [&](unsigned e) {
     const auto convert = [](From x, FPSCR& f) {
       return fplibFPToFixed<From, std::make_unsigned_t<To>>(x, 0, std::is_unsigned_v<To>,
@@ -37,7 +37,7 @@ VecV to_integer(const V& source, const P& g, const V& a, Ctx ctx) {
 
 // FCVT. The element is the wider of the two formats.
 template <class From, class To>
-VecV convert(const V& source, const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV convert(const V& source, const P& g, const V& a, Ctx ctx) {
   using Element = std::conditional_t<(sizeof(From) > sizeof(To)), From, To>;
   return merging<Element>(source, g, ctx, [&](unsigned e) {
     return convert_format<From, To>(ctx, static_cast<From>(a.get<Element>(e)),

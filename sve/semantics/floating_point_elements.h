@@ -59,12 +59,12 @@ inline constexpr auto minnum = [](auto a, auto b, FPSCR& f) { return FPMinNum(a,
 // Without a predicate.
 
 template <class T, class Operation>
-VecV each1(const V& a, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each1(const V& a, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx,
                          [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
 }
@@ -72,18 +72,19 @@ VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
 // Merging.
 
 template <class T, class Operation>
-VecV merge1(const V& source, const P& g, const V& a, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge1(const V& source, const P& g, const V& a, Ctx ctx, Operation op) {
   return merging<T>(source, g, ctx, [&](unsigned e) { return compute(ctx, op, a.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return compute(ctx, op, a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx,
+                              Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) {
     return compute(ctx, op, a.get<T>(e), b.get<T>(e), d.get<T>(e));
   });

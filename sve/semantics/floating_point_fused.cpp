@@ -30,14 +30,15 @@ T in_segment(const V& m, unsigned e, unsigned index) {
 }
 
 template <class T, class Operation>
-VecV each_indexed(const V& n, const V& m, const V& acc, unsigned i, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each_indexed(const V& n, const V& m, const V& acc, unsigned i, Ctx ctx,
+                                    Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) {
     return compute(ctx, op, acc.get<T>(e), n.get<T>(e), in_segment<T>(m, e, i));
   });
 }
 
 template <class T>
-VecV mul_indexed(const V& n, const V& m, unsigned i, Ctx ctx) {
+[[gnu::noinline]] VecV mul_indexed(const V& n, const V& m, unsigned i, Ctx ctx) {
   return unpredicated<T>(
       ctx, [&](unsigned e) { return compute(ctx, mul, n.get<T>(e), in_segment<T>(m, e, i)); });
 }
@@ -53,7 +54,7 @@ T negated_if(bool negate, T x) {
 
 // FCADD: a plus b times i (rotation 0, 90 degrees) or -i (rotation 1, 270 degrees).
 template <class T>
-VecV complex_add(const V& a, const P& g, const V& b, unsigned rotation, Ctx ctx) {
+[[gnu::noinline]] VecV complex_add(const V& a, const P& g, const V& b, unsigned rotation, Ctx ctx) {
   return merging<T>(a, g, ctx, [&](unsigned e) {
     const bool negate = is_real(e) == (rotation == 0);
     return compute(ctx, add, a.get<T>(e), negated_if(negate, b.get<T>(e ^ 1)));
@@ -72,7 +73,8 @@ T complex_multiply_add(const V& acc, const V& n, unsigned rotation, Ctx ctx, uns
 }
 
 template <class T>
-VecV complex_mla(const V& acc, const P& g, const V& n, const V& m, unsigned rotation, Ctx ctx) {
+[[gnu::noinline]] VecV complex_mla(const V& acc, const P& g, const V& n, const V& m,
+                                   unsigned rotation, Ctx ctx) {
   const auto m_element = [&m](unsigned e) { return m.get<T>(e); };
   return merging<T>(acc, g, ctx, [&](unsigned e) {
     return complex_multiply_add<T>(acc, n, rotation, ctx, e, m_element);
@@ -81,8 +83,8 @@ VecV complex_mla(const V& acc, const P& g, const V& n, const V& m, unsigned rota
 
 // With the complex number of index i in each segment of m.
 template <class T>
-VecV complex_mla_indexed(const V& n, const V& m, const V& acc, unsigned rotation, unsigned i,
-                         Ctx ctx) {
+[[gnu::noinline]] VecV complex_mla_indexed(const V& n, const V& m, const V& acc, unsigned rotation,
+                                           unsigned i, Ctx ctx) {
   const auto m_element = [&m, i](unsigned e) { return in_segment<T>(m, e, 2 * i + e % 2); };
   return unpredicated<T>(ctx, [&](unsigned e) {
     return complex_multiply_add<T>(acc, n, rotation, ctx, e, m_element);

@@ -24,7 +24,7 @@ template <class T>
 constexpr T nan = format<T>::default_nan;
 
 template <class T>
-U64 sum_in_order(const P& g, U64 start, const V& a, Ctx ctx) {
+[[gnu::noinline]] U64 sum_in_order(const P& g, U64 start, const V& a, Ctx ctx) {
   T sum = static_cast<T>(start);
   const unsigned n = ctx->elements<T>();
   for (unsigned e = 0; e < n; ++e) {
@@ -35,7 +35,7 @@ U64 sum_in_order(const P& g, U64 start, const V& a, Ctx ctx) {
 
 // Inactive elements, and those that the vector lacks to a power of two, take part as the identity.
 template <class T, class Operation>
-U64 tree(const P& g, const V& a, T identity, Ctx ctx, Operation op) {
+[[gnu::noinline]] U64 tree(const P& g, const V& a, T identity, Ctx ctx, Operation op) {
   T x[sizeof(VecV) / sizeof(T)];
   const unsigned n = ctx->elements<T>();
   unsigned count = std::bit_ceil(n);

@@ -82,44 +82,45 @@ constexpr auto lea_uxtw = [](U64 a, U64 b) { return Int(a) + Int(static_cast<U32
 // Operand shapes: each for the forms without a predicate, merge for the merging ones.
 
 template <class T, class Operation>
-VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV each_imm(const V& a, S64 i, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each_imm(const V& a, S64 i, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx, [&](unsigned e) { return op(a.get<T>(e), static_cast<T>(i)); });
 }
 
 template <class T, class Operation>
-VecV each_wide(const V& a, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV each_wide(const V& a, const V& b, Ctx ctx, Operation op) {
   return unpredicated<T>(ctx,
                          [&](unsigned e) { return op(a.get<T>(e), covering_element<T>(b, e)); });
 }
 
 template <class T, class Operation>
-VecV merge1(const V& source, const P& g, const V& x, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge1(const V& source, const P& g, const V& x, Ctx ctx, Operation op) {
   return merging<T>(source, g, ctx, [&](unsigned e) { return op(x.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge2(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge3(const V& a, const P& g, const V& b, const V& d, Ctx ctx,
+                              Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return op(a.get<T>(e), b.get<T>(e), d.get<T>(e)); });
 }
 
 template <class T, class Operation>
-VecV merge_imm(const V& a, const P& g, S64 i, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge_imm(const V& a, const P& g, S64 i, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx, [&](unsigned e) { return op(a.get<T>(e), static_cast<T>(i)); });
 }
 
 template <class T, class Operation>
-VecV merge_wide(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
+[[gnu::noinline]] VecV merge_wide(const V& a, const P& g, const V& b, Ctx ctx, Operation op) {
   return merging<T>(a, g, ctx,
                     [&](unsigned e) { return op(a.get<T>(e), covering_element<T>(b, e)); });
 }
@@ -138,12 +139,12 @@ VecV dot_of(const V& a, const V& b, const V& acc, Ctx ctx, BElement b_element) {
 }
 
 template <class T, class Narrow>
-VecV dot(const V& a, const V& b, const V& acc, Ctx ctx) {
+[[gnu::noinline]] VecV dot(const V& a, const V& b, const V& acc, Ctx ctx) {
   return dot_of<T, Narrow>(a, b, acc, ctx, [](unsigned e) { return e; });
 }
 
 template <class T, class Narrow>
-VecV dot(const V& a, const V& b, const V& acc, unsigned index, Ctx ctx) {
+[[gnu::noinline]] VecV dot(const V& a, const V& b, const V& acc, unsigned index, Ctx ctx) {
   constexpr unsigned in_segment = 16 / sizeof(T);
   return dot_of<T, Narrow>(a, b, acc, ctx,
                            [index](unsigned e) { return e / in_segment * in_segment + index; });
@@ -163,7 +164,7 @@ VecV start_step(U64 start, U64 step, Ctx ctx) {
 }
 
 template <class T>
-VecV select(const P& g, const V& a, const V& b, Ctx ctx) {
+[[gnu::noinline]] VecV select(const P& g, const V& a, const V& b, Ctx ctx) {
   return merging<T>(b, g, ctx, [&a](unsigned e) { return a.get<T>(e); });
 }
 

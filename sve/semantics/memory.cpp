@@ -55,13 +55,13 @@ auto address(U64 s, U64 i) {
 }
 
 template <class T, class M, class... Form>
-VecV load(const P& g, Ctx ctx, const Form&... form) {
+[[gnu::noinline]] VecV load(const P& g, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   return zeroing<T>(g, ctx, [&](unsigned e) { return read<M>(at(e), 0, nullptr, ctx); });
 }
 
 template <class T, class M, class... Form>
-void store(const P& g, const V& data, Ctx ctx, const Form&... form) {
+[[gnu::noinline]] void store(const P& g, const V& data, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   const unsigned n = ctx->elements<T>();
   for (unsigned e = 0; e < n; ++e) {
@@ -75,7 +75,7 @@ void clear_ffr(Ctx ctx, unsigned e) {
 }
 
 template <class T, class M, class... Form>
-VecV first_fault(const P& g, Ctx ctx, const Form&... form) {
+[[gnu::noinline]] VecV first_fault(const P& g, Ctx ctx, const Form&... form) {
   const auto at = address<T, M>(form...);
   bool fault = false;
   int later = 0;

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "sve/semantics/active_elements.h"
 #include "sve/semantics/elements.h"
-#include "sve/semantics/predicates.h"
 
 using namespace sve::semantics;
 
@@ -36,7 +36,7 @@ T of_both(const V& a, const V& b, unsigned i, Ctx ctx) {
 }
 
 template <class T>
-VecV compress(const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV compress(const P& g, const V& a, Ctx ctx) {
   VecV result = each<T>(ctx, [](unsigned) { return T{0}; });
   const unsigned n = ctx->elements<T>();
   for (unsigned e = 0, packed = 0; e < n; ++e) {
@@ -46,9 +46,9 @@ VecV compress(const P& g, const V& a, Ctx ctx) {
 }
 
 template <class T>
-VecV splice(const P& g, const V& a, const V& b, Ctx ctx) {
-  const int first = FindFirstActive(g, width<T>, ctx);
-  const int length = first < 0 ? 0 : FindLastActive(g, width<T>, ctx) - first + 1;
+[[gnu::noinline]] VecV splice(const P& g, const V& a, const V& b, Ctx ctx) {
+  const int first = first_active(g, width<T>, ctx);
+  const int length = first < 0 ? 0 : last_active(g, width<T>, ctx) - first + 1;
   return each<T>(ctx, [&](unsigned e) {
     const int i = static_cast<int>(e);
     return i < length ? a.get<T>(e + static_cast<unsigned>(first))
@@ -67,18 +67,18 @@ VecV transpose(const V& a, const V& b, unsigned part, Ctx ctx) {
 }
 
 template <class T>
-VecV unzip(const V& a, const V& b, unsigned part, Ctx ctx) {
+[[gnu::noinline]] VecV unzip(const V& a, const V& b, unsigned part, Ctx ctx) {
   return each<T>(ctx, [&](unsigned e) { return of_both<T>(a, b, 2 * e + part, ctx); });
 }
 
 template <class T>
-VecV zip(const V& a, const V& b, unsigned part, Ctx ctx) {
+[[gnu::noinline]] VecV zip(const V& a, const V& b, unsigned part, Ctx ctx) {
   const unsigned start = part * (ctx->elements<T>() / 2);
   return each<T>(ctx, [&](unsigned e) { return (e % 2 == 0 ? a : b).get<T>(start + e / 2); });
 }
 
 template <class T>
-VecV table(const V& a, const V& indices, Ctx ctx) {
+[[gnu::noinline]] VecV table(const V& a, const V& indices, Ctx ctx) {
   return each<T>(ctx, [&](unsigned e) {
     const T index = indices.get<T>(e);
     return index < ctx->elements<T>() ? a.get<T>(static_cast<unsigned>(index)) : T{0};
@@ -86,23 +86,23 @@ VecV table(const V& a, const V& indices, Ctx ctx) {
 }
 
 template <class T, class Narrow>
-VecV unpack(const V& a, unsigned half, Ctx ctx) {
+[[gnu::noinline]] VecV unpack(const V& a, unsigned half, Ctx ctx) {
   const unsigned start = half * ctx->elements<T>();
   return each<T>(ctx, [&](unsigned e) { return T{a.get<Narrow>(start + e)}; });
 }
 
 template <class T>
-VecV reverse(const V& a, Ctx ctx) {
+[[gnu::noinline]] VecV reverse(const V& a, Ctx ctx) {
   return each<T>(ctx, [&](unsigned e) { return a.get<T>(ctx->elements<T>() - 1 - e); });
 }
 
-VecV slide(const V& a, const V& b, unsigned i, Ctx ctx) {
+[[gnu::noinline]] VecV slide(const V& a, const V& b, unsigned i, Ctx ctx) {
   const unsigned start = i < ctx->elements<U8>() ? i : 0;
   return each<U8>(ctx, [&](unsigned e) { return of_both<U8>(a, b, start + e, ctx); });
 }
 
 template <class T>
-VecV broadcast_element(const V& a, unsigned i, Ctx ctx) {
+[[gnu::noinline]] VecV broadcast_element(const V& a, unsigned i, Ctx ctx) {
   const T value = i < ctx->elements<T>() ? a.get<T>(i) : T{};
   return each<T>(ctx, [&](unsigned) { return value; });
 }
@@ -110,33 +110,33 @@ VecV broadcast_element(const V& a, unsigned i, Ctx ctx) {
 // With no active element the last one counts as found, so that the one after it is element 0.
 template <class T>
 unsigned last_index(const P& g, Ctx ctx) {
-  const int last = FindLastActive(g, width<T>, ctx);
+  const int last = last_active(g, width<T>, ctx);
   return last < 0 ? ctx->elements<T>() - 1 : static_cast<unsigned>(last);
 }
 
 template <class T>
-U64 last(const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] U64 last(const P& g, const V& a, Ctx ctx) {
   return a.get<T>(last_index<T>(g, ctx));
 }
 
 template <class T>
-U64 last_after(const P& g, const V& a, Ctx ctx) {
+[[gnu::noinline]] U64 last_after(const P& g, const V& a, Ctx ctx) {
   return a.get<T>((last_index<T>(g, ctx) + 1) % ctx->elements<T>());
 }
 
-U64 conditional(const P& g, U64 old, U64 found, int element_width, Ctx ctx) {
-  return FindLastActive(g, element_width, ctx) < 0 ? old : found;
+[[gnu::noinline]] U64 conditional(const P& g, U64 old, U64 found, int element_width, Ctx ctx) {
+  return last_active(g, element_width, ctx) < 0 ? old : found;
 }
 
 template <class T>
-VecV conditional_broadcast_of(const P& g, const V& old, U64 found, Ctx ctx) {
-  const bool any = FindLastActive(g, width<T>, ctx) >= 0;
+[[gnu::noinline]] VecV conditional_broadcast_of(const P& g, const V& old, U64 found, Ctx ctx) {
+  const bool any = last_active(g, width<T>, ctx) >= 0;
   return each<T>(ctx, [&](unsigned e) { return any ? static_cast<T>(found) : old.get<T>(e); });
 }
 
 // The active elements folded into `start`; the result is extended as its type says.
 template <class T, class Accumulator, class Fold>
-U64 reduce(const P& g, const V& a, Accumulator start, Ctx ctx, Fold fold) {
+[[gnu::noinline]] U64 reduce(const P& g, const V& a, Accumulator start, Ctx ctx, Fold fold) {
   const unsigned n = ctx->elements<T>();
   for (unsigned e = 0; e < n; ++e) {
     if (g.active<T>(e)) start = static_cast<Accumulator>(fold(start, a.get<T>(e)));

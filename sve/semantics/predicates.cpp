@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "sve/semantics/active_elements.h"
 #include "sve/semantics/elements.h"
 #include "sve/state/cpu_state.h"
 #include "sve/state/predicate_pattern.h"
@@ -15,36 +16,8 @@ namespace {
 using P = PredV;
 using Context = CpuContext*;
 
-// Elements of w bits in a vector.
-int element_count(int w, const CpuContext* ctx) {
-  return static_cast<int>(ctx->vl * 64 / static_cast<unsigned>(w));
-}
-
-// All lanes of element e of w bits, the first lane lowest.
-std::uint64_t element_lanes(const PredV& p, int e, int w) {
-  const unsigned first = static_cast<unsigned>(e * w / 8);
-  return (p.words[first / 64] >> (first % 64)) & ones(w / 8);
-}
-
-bool is_active(const PredV& p, int e, int w) { return (element_lanes(p, e, w) & 1) != 0; }
-
 void write_flag(CpuContext* ctx, std::uint32_t flag, bool value) {
   ctx->nzcv = value ? ctx->nzcv | flag : ctx->nzcv & ~flag;
-}
-
-int first_active(const PredV& p, int w, const CpuContext* ctx) {
-  const int n = element_count(w, ctx);
-  for (int e = 0; e < n; ++e) {
-    if (is_active(p, e, w)) return e;
-  }
-  return -1;
-}
-
-int last_active(const PredV& p, int w, const CpuContext* ctx) {
-  for (int e = element_count(w, ctx) - 1; e >= 0; --e) {
-    if (is_active(p, e, w)) return e;
-  }
-  return -1;
 }
 
 // What the architecture's FirstActive, NoneActive and LastActive find out.
@@ -145,7 +118,8 @@ bool last_active_lane(const PredV& g, const PredV& p, const CpuContext* ctx) {
 }
 
 // The propagating breaks go on from where the partition a ended, and stop at b.
-PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
+[[gnu::noinline]] PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b,
+                                             const CpuContext* ctx) {
   bool going = last_active_lane(g, a, ctx);
   return in_lane_order(g, none, ctx, [&](unsigned i) {
     const bool result = going;
@@ -154,7 +128,8 @@ PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b, const
   });
 }
 
-PredV break_previous_before(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
+[[gnu::noinline]] PredV break_previous_before(const PredV& g, const PredV& a, const PredV& b,
+                                              const CpuContext* ctx) {
   bool going = last_active_lane(g, a, ctx);
   return in_lane_order(g, none, ctx, [&](unsigned i) {
     going = going && !b.lane(i);

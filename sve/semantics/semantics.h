@@ -16,8 +16,9 @@
 #include <cstring>
 
 // A vector value: room for the architecture's longest vector, of which vl * 8 bytes count; what
-// lies above is undefined and nobody reads it. Element 0 stands at byte 0, little-endian.
-struct VecV {
+// lies above is undefined and nobody reads it. Element 0 stands at byte 0, little-endian. A vector
+// register may be looked at as one.
+struct [[gnu::may_alias]] VecV {
   alignas(16) unsigned char bytes[256];
 
   template <class T>
