@@ -12,16 +12,18 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-static volatile long counters[4];
+static volatile long counters[5];
 
 static void* spin(void* counter) {
   while (counter != NULL) (*(volatile long*)counter)++;
   return NULL;
 }
 
-static void* sleep_for_ever(void* argument) {
-  pause();
-  return argument;
+static void* sleep_for_ever(void* counter) {
+  ++*(volatile long*)counter;
+  while (pause() != 0) {
+  }
+  return counter;
 }
 
 static void* print_late(void* argument) {
@@ -71,8 +73,10 @@ static int end(const char* how) {
   }
   if (strcmp(how, "threads") == 0) {
     for (int i = 0; i < 4; i++) start(spin, (void*)&counters[i]);
-    start(sleep_for_ever, NULL);
-    usleep(20000);
+    start(sleep_for_ever, (void*)&counters[4]);
+    for (int i = 0; i < 5; i++) {
+      while (counters[i] == 0) sched_yield();
+    }
     exit(9);
   }
   if (strcmp(how, "thread") == 0) {
