@@ -1,20 +1,34 @@
 #!/bin/sh
-# build.sh PRESET [TARGET...]: configures the preset where that is needed, and builds the targets, or
-# all. Speaks only if something has to be done or fails.
+# build.sh [--with-tests] PRESET [TARGET...]: configures the preset where that is needed, and builds
+# the targets, or all. Without --with-tests nothing that belongs to tests is looked for; but a build
+# directory that has had tests keeps them. Speaks only if something has to be done or fails.
 set -eu
 cd "$(dirname "$0")/.."
+testing=OFF
+if [ "$1" = --with-tests ]; then
+  testing=ON
+  shift
+fi
 preset=$1
 shift
+directory=build/$preset
 log=build/$preset.log
 mkdir -p build
+
 # Ninja configures again by itself when a CMake file changes, but not when the presets do.
-if [ -z "$(find "build/$preset/build.ninja" -newer CMakePresets.json 2>/dev/null)" ]; then
+is_configured() {
+  [ -n "$(find "$directory/build.ninja" -newer CMakePresets.json 2>/dev/null)" ] || return 1
+  [ $testing = OFF ] || grep -qx 'BUILD_TESTING:BOOL=ON' "$directory/CMakeCache.txt"
+}
+
+if ! is_configured; then
   echo "build: configuring $preset" >&2
-  cmake --preset "$preset" >"$log" 2>&1 || {
+  cmake --preset "$preset" -DBUILD_TESTING=$testing >"$log" 2>&1 || {
     cat "$log" >&2
+    rm -f "$directory/build.ninja" # so that the next call starts over, whatever this one left
     exit 1
   }
 fi
-if ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -q "no work to do"; then exit 0; fi
+if ninja -C "$directory" -n "$@" 2>/dev/null | grep -q "no work to do"; then exit 0; fi
 echo "build: building $preset" >&2
-exec ninja -C "build/$preset" -j "$(nproc)" "$@" >&2
+exec ninja -C "$directory" -j "$(nproc)" "$@" >&2

@@ -1,8 +1,8 @@
 #!/bin/sh
-# Installs what building needs and this machine lacks, and nothing else; with the argument "check"
-# also what checking needs, and fetches what the tests run into build/real_programs and build/kernel;
-# with "bench" what bench/floating_point needs. Called by ./run, ./check and the benchmarks; does
-# nothing on a machine that has it all.
+# setup.sh [run|check|all|bench]: installs what this machine lacks, and nothing else. "run" is what
+# building the product needs. "check" adds what the tests of ./check need, and "all" what the others
+# need, which it also fetches into build/real_programs and build/kernel. "bench" is what
+# bench/floating_point needs. Does nothing on a machine that has it all.
 set -eu
 
 missing_commands=
@@ -24,11 +24,9 @@ fail() {
   exit 1
 }
 
-find_missing() {
+find_missing_for_run() {
   need cmake cmake
   need ninja ninja-build
-  need g++ g++ # also where the product is cross-compiled: its benchmark's counter runs in QEMU
-  need /usr/src/googletest/CMakeLists.txt googletest
   need /usr/include/stb/stb_image_write.h libstb-dev
   case $(uname -m) in
     x86_64)
@@ -36,19 +34,33 @@ find_missing() {
       need /usr/aarch64-linux-gnu/lib/libc.so.6 libc6-dev-arm64-cross
       need qemu-aarch64 qemu-user
       ;;
-    aarch64) ;;
+    aarch64) need g++ g++ ;;
     *) fail "this is a $(uname -m) machine; x86-64 or AArch64 is needed" ;;
   esac
-  [ "$1" != bench ] ||
-    need "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.builtins-$(uname -m).a" \
-      libclang-rt-14-dev
-  [ "$1" = check ] || return 0
+}
+
+find_missing_for_check() {
+  find_missing_for_run
+  need g++ g++
+  need git git
+  need /usr/src/googletest/CMakeLists.txt googletest
   need qemu-aarch64 qemu-user
   need clang-format clang-format
   need clang-tidy clang-tidy
   need python3 python3
+}
+
+find_missing_for_all() {
+  find_missing_for_check
   need qemu-system-aarch64 qemu-system-arm
   need cpio cpio
+  need /usr/sbin/debootstrap debootstrap
+}
+
+find_missing_for_bench() {
+  need g++ g++
+  need "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.builtins-$(uname -m).a" \
+    libclang-rt-14-dev
 }
 
 as_root() {
@@ -69,14 +81,14 @@ install_missing() {
     apt-get install -q -y --no-install-recommends $missing_packages >&2
   missing_commands=
   missing_packages=
-  find_missing "$1"
+  "find_missing_for_$1"
   [ -z "$missing_commands" ] || fail "still missing after the installation:$missing_commands"
 }
 
 purpose=${1:-run}
-find_missing "$purpose"
+"find_missing_for_$purpose"
 [ -z "$missing_packages" ] || install_missing "$purpose"
-if [ "$purpose" = check ]; then
+if [ "$purpose" = all ]; then
   root=$(dirname "$0")/..
   # Tests that need these programs are skipped where they cannot be had.
   for suite in real_programs kernel; do
