@@ -186,7 +186,10 @@ static const char* put(const char* name, const char* content, mode_t mode) {
 
 static void scripts(void) {
   char line[300];
-  snprintf(line, sizeof line, "#! %s one  argument \nno matter", self);
+  char interpreter[64];  // the first line of a script has no place for spaces or for a long path
+  snprintf(interpreter, sizeof interpreter, "%s/interpreter", directory);
+  if (symlink(self, interpreter) != 0) perror(interpreter);
+  snprintf(line, sizeof line, "#! %s one  argument \nno matter", interpreter);
   const char* script = put("script", line, 0755);
   snprintf(line, sizeof line, "#!%s", script);
   const char* nested = put("nested", line, 0755);
