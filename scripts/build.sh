@@ -15,9 +15,11 @@ directory=build/$preset
 log=build/$preset.log
 mkdir -p build
 
-# Ninja configures again by itself when a CMake file changes, but not when the presets do.
+# Ninja configures again by itself when a CMake file changes, but not when the presets do. A cache that
+# is newer than what Ninja reads comes from a configuration that failed.
 is_configured() {
-  [ -n "$(find "$directory/build.ninja" -newer CMakePresets.json 2>/dev/null)" ] || return 1
+  [ "$directory/build.ninja" -nt CMakePresets.json ] || return 1
+  [ "$directory/build.ninja" -nt "$directory/CMakeCache.txt" ] || return 1
   [ $testing = OFF ] || grep -qx 'BUILD_TESTING:BOOL=ON' "$directory/CMakeCache.txt"
 }
 
@@ -25,7 +27,6 @@ if ! is_configured; then
   echo "build: configuring $preset" >&2
   cmake --preset "$preset" -DBUILD_TESTING=$testing >"$log" 2>&1 || {
     cat "$log" >&2
-    rm -f "$directory/build.ninja" # so that the next call starts over, whatever this one left
     exit 1
   }
 fi
