@@ -82,31 +82,25 @@ TEST_F(FastPaths, DupOfAnElementBeyondTheVectorGivesZeros) {
 }
 
 // Shifts of z0 by a count that only callers of their own pass.
+template <auto* Shift>
+void shift_zzi(cpu_state* s, unsigned code, unsigned count) {
+  Shift(s, {0, code, 5, 5}, {0, code, 5, 5}, count);
+}
+
+template <auto* Shift>
+void shift_zpi(cpu_state* s, unsigned code, unsigned count) {
+  Shift(s, {0, 5, code, code}, predicate(1, sve::merging), count);
+}
+
 constexpr struct {
   const char* name;
-  void (*run)(cpu_state*, unsigned code, unsigned shift);
+  void (*run)(cpu_state*, unsigned code, unsigned count);
   bool right;
 } immediate_shifts[] = {
-    {"asr_zzi",
-     [](cpu_state* s, unsigned code, unsigned shift) {
-       sve_asr_zzi(s, {0, code, 5, 5}, {0, code, 5, 5}, shift);
-     },
-     true},
-    {"asr_zpi",
-     [](cpu_state* s, unsigned code, unsigned shift) {
-       sve_asr_zpi(s, {0, 5, code, code}, predicate(1, sve::merging), shift);
-     },
-     true},
-    {"lsl_zzi",
-     [](cpu_state* s, unsigned code, unsigned shift) {
-       sve_lsl_zzi(s, {0, code, 5, 5}, {0, code, 5, 5}, shift);
-     },
-     false},
-    {"lsl_zpi",
-     [](cpu_state* s, unsigned code, unsigned shift) {
-       sve_lsl_zpi(s, {0, 5, code, code}, predicate(1, sve::merging), shift);
-     },
-     false},
+    {"asr_zzi", shift_zzi<sve_asr_zzi>, true},
+    {"asr_zpi", shift_zpi<sve_asr_zpi>, true},
+    {"lsl_zzi", shift_zzi<sve_lsl_zzi>, false},
+    {"lsl_zpi", shift_zpi<sve_lsl_zpi>, false},
 };
 
 // A right shift clamps the count; a left shift looks at no more bits of it than the element has.
