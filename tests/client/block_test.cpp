@@ -1,7 +1,7 @@
 // Block rewriting: which blocks, which instructions, and the sequence word for word.
 #include <utility>
 
-#include "host/assembler.h"
+#include "host/translation/assembler.h"
 #include "sve/client/emulate.h"
 #include "tests/client/client_fixture.h"
 

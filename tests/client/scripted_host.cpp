@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "host/fatal.h"
-#include "host/instruction_list.h"
+#include "host/client/instruction_list.h"
+#include "host/kernel/fatal.h"
 
 scripted_host host_script;
 

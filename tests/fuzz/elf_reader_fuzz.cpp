@@ -12,8 +12,8 @@
 #include <optional>
 #include <sys/mman.h>
 
-#include "host/elf_reader.h"
-#include "host/launch_error.h"
+#include "host/loading/elf_reader.h"
+#include "host/loading/launch_error.h"
 #include "tests/conformance/random.h"
 #include "tests/loader/elf_file.h"
 

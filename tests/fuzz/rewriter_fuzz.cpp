@@ -20,10 +20,10 @@
 #include <span>
 #include <vector>
 
-#include "host/block_code.h"
-#include "host/context.h"
-#include "host/mangle.h"
-#include "host/register_fields.h"
+#include "host/translation/block_code.h"
+#include "host/translation/context.h"
+#include "host/translation/mangle.h"
+#include "host/translation/register_fields.h"
 #include "tests/conformance/random.h"
 
 namespace {

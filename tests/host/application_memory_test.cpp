@@ -1,5 +1,5 @@
 // What of /proc/self/maps is shown to the application.
-#include "host/application_memory.h"
+#include "host/memory/application_memory.h"
 
 #include <gtest/gtest.h>
 

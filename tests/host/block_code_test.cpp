@@ -1,7 +1,7 @@
 // Single instructions and what takes their place, as words with their disassembly. What a word
 // branches to or loads is open until the block has an address, so it stands behind => in the
 // disassembly, and the word is without it. The instruction is at 0x412340.
-#include "host/block_code.h"
+#include "host/translation/block_code.h"
 
 #include <gtest/gtest.h>
 #include <map>

@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/context_offsets.h"
 #include "host/include/drmgr.h"
 #include "host/include/drreg.h"
-#include "host/thread.h"
+#include "host/threads/thread.h"
+#include "host/translation/context_offsets.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Blocks in the code cache: linked, looked up, mapped back to the application, and run.
-#include "host/code_cache.h"
+#include "host/translation/code_cache.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -7,10 +7,10 @@
 #include <sys/syscall.h>
 #include <ucontext.h>
 
-#include "host/context_switch.h"
-#include "host/signal_actions.h"
-#include "host/syscalls.h"
-#include "host/thread.h"
+#include "host/processes/syscalls.h"
+#include "host/signals/signal_actions.h"
+#include "host/threads/thread.h"
+#include "host/translation/context_switch.h"
 
 namespace host {
 namespace {

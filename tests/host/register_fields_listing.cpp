@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <random>
 
-#include "host/control_flow.h"
-#include "host/mangle.h"
-#include "host/register_fields.h"
+#include "host/translation/control_flow.h"
+#include "host/translation/mangle.h"
+#include "host/translation/register_fields.h"
 
 namespace {
 

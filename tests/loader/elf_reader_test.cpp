@@ -1,6 +1,6 @@
 // A well-formed program is built in memory, then damaged in one place. Files are given to the
 // reader in heap blocks of their exact size, so that the sanitizers see a read beyond the end.
-#include "host/elf_reader.h"
+#include "host/loading/elf_reader.h"
 
 #include <cstring>
 #include <elf.h>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
-#include "host/launch_error.h"
+#include "host/loading/launch_error.h"
 #include "tests/loader/elf_file.h"
 
 namespace host {

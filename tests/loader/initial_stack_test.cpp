@@ -1,5 +1,5 @@
 // Reads the stack back as a C library's start code does.
-#include "host/initial_stack.h"
+#include "host/loading/initial_stack.h"
 
 #include <array>
 #include <cstring>

@@ -1,5 +1,5 @@
 // Maps small programs into the test's own process and looks at what is there then.
-#include "host/loader.h"
+#include "host/loading/loader.h"
 
 #include <algorithm>
 #include <fstream>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/launch_error.h"
+#include "host/loading/launch_error.h"
 #include "tests/loader/elf_file.h"
 
 namespace host {

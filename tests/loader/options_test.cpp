@@ -1,8 +1,8 @@
-#include "host/options.h"
+#include "host/launcher/options.h"
 
 #include <gtest/gtest.h>
 
-#include "host/launch_error.h"
+#include "host/loading/launch_error.h"
 
 namespace host {
 namespace {

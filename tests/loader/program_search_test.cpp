@@ -1,11 +1,11 @@
-#include "host/program_search.h"
+#include "host/loading/program_search.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "host/launch_error.h"
+#include "host/loading/launch_error.h"
 
 namespace host {
 namespace {

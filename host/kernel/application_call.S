@@ -1,0 +1,40 @@
+// A system call of the application, which a signal must be able to keep from starting: between the
+// look at the attention word and the SVC there is no way to notice one. The signal entry sends a
+// thread that it finds there to application_call_not_started; the kernel itself goes back to the
+// SVC, and so there, where it restarts a call after a handler.
+
+#include "host/translation/context_offsets.h"
+
+  .text
+
+// int64_t application_call(const uint64_t* x, const uint64_t* attention): with X0 to X5 and X8 from
+// x. The kernel's result, or call_not_started.
+  .globl application_call
+  .hidden application_call
+  .type application_call, %function
+  .balign 16
+application_call:
+  mov x9, x0
+  mov x10, x1
+  ldp x0, x1, [x9]
+  ldp x2, x3, [x9, #16]
+  ldp x4, x5, [x9, #32]
+  ldr x8, [x9, #64]
+  ldr x10, [x10]
+  .globl application_call_checked
+  .hidden application_call_checked
+application_call_checked:
+  cbnz x10, application_call_not_started
+  svc #0
+  .globl application_call_made
+  .hidden application_call_made
+application_call_made:
+  ret
+  .globl application_call_not_started
+  .hidden application_call_not_started
+application_call_not_started:
+  mov x0, #-4096
+  ret
+  .size application_call, . - application_call
+
+  .section .note.GNU-stack, "", %progbits

@@ -1,0 +1,110 @@
+#include <cstdio>
+#include <cstdlib>
+#include <elf.h>
+#include <filesystem>
+#include <string>
+#include <sys/prctl.h>
+#include <unistd.h>
+#include <vector>
+
+#include "host/launcher/client_library.h"
+#include "host/launcher/options.h"
+#include "host/launcher/runtime.h"
+#include "host/loading/launch_error.h"
+#include "host/loading/loader.h"
+#include "host/loading/program_search.h"
+#include "host/memory/advertised_sve.h"
+#include "host/processes/processes.h"
+
+namespace {
+
+using namespace host;
+
+// Where the kernel put the auxiliary vector: behind the environment, as long as that stands where
+// it was.
+const Elf64_auxv_t* auxiliary_vector(char** environment) {
+  while (*environment != nullptr) ++environment;
+  return reinterpret_cast<const Elf64_auxv_t*>(environment + 1);
+}
+
+std::vector<std::string> collect(char** texts) {
+  std::vector<std::string> result;
+  for (; *texts != nullptr; ++texts) result.emplace_back(*texts);
+  return result;
+}
+
+// Without PATH a shell looks here.
+std::string search_path() {
+  const char* const path = std::getenv("PATH");
+  return path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
+}
+
+// A name without a slash is searched only where it is the user's, not where it is execve's.
+program_to_run find(const options& chosen) {
+  if (chosen.executable.empty()) return find_program(chosen.program, search_path());
+  const std::string& name =
+      chosen.executable_name.empty() ? chosen.executable : chosen.executable_name;
+  program_to_run found = follow_scripts({chosen.executable, name}, chosen.program);
+  if (chosen.executable_descriptor >= 0) close(chosen.executable_descriptor);
+  return found;
+}
+
+loaded_program load(const options& chosen, char** environment) {
+  const program_to_run program = find(chosen);
+  if (program.file.real_path() == launcher_path()) {
+    throw launch_error(exit_status::cannot_run, program.executable_name +
+                                                    ": this is tessaly itself, which runs in no "
+                                                    "other; name the program alone");
+  }
+  loaded_program loaded = load_program(program, collect(environment), auxiliary_vector(environment),
+                                       chosen.advertise_sve);
+  // The process bears the program's name, as after exec.
+  const std::string& name = program.executable_name;
+  prctl(PR_SET_NAME, name.c_str() + name.rfind('/') + 1);
+  return loaded;
+}
+
+// Programs that this one executes may be in another directory by then.
+std::string absolute(const std::string& path) {
+  return std::filesystem::absolute(path).lexically_normal();
+}
+
+[[noreturn]] void run_program(options chosen, char** environment) {
+  const loaded_program program = load(chosen, environment);
+  if (chosen.client.empty()) chosen.client.push_back(default_client_path());
+  launch_settings settings{launcher_path(), chosen.client, chosen.advertise_sve};
+  settings.client.front() = absolute(settings.client.front());
+  set_launch_settings(settings);
+  initialize(program);
+  const client_library client(chosen.client.front());
+  if (chosen.advertise_sve) advertise_sve(client.vector_bytes());
+  client.start(chosen.client);
+  run(program);
+}
+
+int launch(const options& chosen, char** environment) {
+  switch (chosen.action) {
+    case requested_action::show_help: std::fputs(help_text, stdout); return 0;
+    case requested_action::show_version: std::puts("tessaly " TESSALY_VERSION); return 0;
+    case requested_action::list_instructions:
+      client_library(default_client_path()).list_instructions();
+      return 0;
+    case requested_action::run: break;
+  }
+  run_program(chosen, environment);
+}
+
+}  // namespace
+
+int main(int argc, char** argv, char** environment) {
+  try {
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    return launch(parse_options(arguments), environment);
+  } catch (const launch_error& error) {
+    std::fprintf(stderr, "tessaly: %s\n", error.what());
+    return static_cast<int>(error.status());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tessaly: internal error: %s\n", error.what());
+    return static_cast<int>(exit_status::launcher_failed);
+  }
+}

@@ -1,0 +1,21 @@
+// Brings a program into this process: its segments and those of its interpreter as the kernel would
+// map them, and the stack that it would find.
+#pragma once
+
+#include <elf.h>
+#include <string>
+#include <vector>
+
+#include "host/loading/program.h"
+#include "host/loading/program_search.h"
+
+namespace host {
+
+// Throws launch_error if the program or its interpreter cannot be mapped. `own_auxiliary_vector` is
+// this process's, up to AT_NULL; with `advertise_sve` the program finds SVE in it. What was mapped
+// until an error stays mapped: the caller gives up.
+loaded_program load_program(const program_to_run& program,
+                            const std::vector<std::string>& environment,
+                            const Elf64_auxv_t* own_auxiliary_vector, bool advertise_sve = false);
+
+}  // namespace host

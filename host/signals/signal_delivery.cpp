@@ -1,0 +1,148 @@
+#include "host/signals/signal_delivery.h"
+
+#include <csignal>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+
+#include "host/client/events.h"
+#include "host/kernel/address.h"
+#include "host/kernel/fatal.h"
+#include "host/kernel/guarded_copy.h"
+#include "host/processes/syscalls.h"
+#include "host/signals/signal_frame.h"
+#include "host/threads/thread.h"
+
+namespace host {
+namespace {
+
+constexpr std::uint64_t never_blocked = signal_bit(SIGKILL) | signal_bit(SIGSTOP);
+
+// Returns the mask before.
+std::uint64_t set_kernel_mask(std::uint64_t mask) {
+  std::uint64_t old = 0;
+  kernel_call(SYS_rt_sigprocmask, SIG_SETMASK, address_of(&mask), address_of(&old), sizeof mask);
+  return old;
+}
+
+bool is_ignored_by_default(int signal) {
+  return signal == SIGCHLD || signal == SIGURG || signal == SIGWINCH || signal == SIGCONT;
+}
+
+// The action has changed since the signal was taken, or it is one of the host's own.
+void act_by_default(const waiting_signal& arrived) {
+  if (is_ignored_by_default(arrived.signal)) return;
+  die_by_signal(arrived.signal);
+}
+
+// Goes to the handler. `mask` is the application's; it becomes that of the handler.
+void enter_handler(thread_state& thread, const waiting_signal& arrived, const kernel_action& action,
+                   std::uint64_t& mask) {
+  const std::uint64_t interrupted_pc = thread.context.pc;
+  if (!push_signal_frame(thread, arrived, action, mask)) {
+    print_line("signal %d at %#lx: there is no room for it on the stack at %#lx", arrived.signal,
+               interrupted_pc, thread.context.sp);
+    die_by_signal(SIGSEGV);
+  }
+  mask |= action.mask;
+  if ((action.flags & SA_NODEFER) == 0) mask |= signal_bit(arrived.signal);
+  run_signal_delivery_events(thread, arrived.signal);
+}
+
+void deliver_fault(thread_state& thread, const waiting_signal& fault, std::uint64_t& mask) {
+  const bool blocked = (mask & signal_bit(fault.signal)) != 0;
+  const kernel_action action = blocked ? kernel_action{} : thread.actions->take(fault.signal);
+  if (!action.has_handler()) end_by_fault(thread, fault);
+  enter_handler(thread, fault, action, mask);
+}
+
+void deliver_sent(thread_state& thread, const waiting_signal& arrived, std::uint64_t& mask) {
+  const kernel_action action = thread.actions->take(arrived.signal);
+  if (action.has_handler()) {
+    enter_handler(thread, arrived, action, mask);
+  } else if (action.is_default()) {
+    act_by_default(arrived);
+  }
+}
+
+waiting_signal take(waiting_signal& waiting) { return std::exchange(waiting, waiting_signal{}); }
+
+}  // namespace
+
+std::uint64_t block_signals(thread_state& thread) {
+  const std::uint64_t old = set_kernel_mask(~host_signal_mask());
+  const waiting_signal& other = thread.waiting.other;
+  const std::uint64_t mask = other.signal != 0 ? other.mask : old;
+  return (mask & ~host_signal_mask()) | thread.blocked_host_signals;
+}
+
+// While a signal waits, all stay blocked, and the mask waits with it.
+void set_application_mask(thread_state& thread, std::uint64_t mask) {
+  mask &= ~never_blocked;
+  thread.blocked_host_signals = mask & host_signal_mask();
+  if (thread.waiting.other.signal != 0) {
+    thread.waiting.other.mask = mask;
+  } else {
+    set_kernel_mask(mask & ~host_signal_mask());
+  }
+  for (const waiting_signal& sent : thread.waiting.sent_faults) {
+    if (sent.signal != 0 && (mask & signal_bit(sent.signal)) == 0) thread.context.attention = 1;
+  }
+}
+
+void deliver_signals(thread_state& thread) {
+  waiting_signals& waiting = thread.waiting;
+  const std::uint64_t interrupted_mask = block_signals(thread);
+  std::uint64_t mask = interrupted_mask;
+  if (waiting.fault.signal != 0) deliver_fault(thread, take(waiting.fault), mask);
+  for (waiting_signal& sent : waiting.sent_faults) {
+    if (sent.signal == 0 || (mask & signal_bit(sent.signal)) != 0) continue;
+    deliver_sent(thread, take(sent), mask);
+  }
+  if (waiting.other.signal != 0) {
+    // The kernel has let it come, whatever the mask says that waits behind sigsuspend.
+    const waiting_signal other = take(waiting.other);
+    if ((mask & ~interrupted_mask & signal_bit(other.signal)) != 0) {
+      send_again(other.signal, other.info);
+    } else {
+      deliver_sent(thread, other, mask);
+    }
+  }
+  set_application_mask(thread, mask);
+}
+
+void raise_fetch_fault(thread_state& thread, int signal) {
+  waiting_signal& fault = thread.waiting.fault;
+  fault = {.signal = signal, .fault_address = thread.context.pc};
+  fault.info.si_signo = signal;
+  fault.info.si_code = SEGV_MAPERR;
+  if (signal == SIGBUS) fault.info.si_code = BUS_ADRALN;
+  std::uint32_t word = 0;
+  if (signal == SIGSEGV && read_from_application(thread.context.pc, word)) {
+    fault.info.si_code = SEGV_ACCERR;
+  }
+  fault.info.si_addr = pointer_to(thread.context.pc);
+  thread.context.attention = 1;
+}
+
+void return_from_signal(thread_state& thread) {
+  const std::uint64_t frame = thread.context.sp;
+  std::uint64_t mask = 0;
+  if (!pop_signal_frame(thread, mask)) {
+    print_line("rt_sigreturn: there is no signal frame at %#lx", frame);
+    die_by_signal(SIGSEGV);
+  }
+  run_signal_return_events(thread, frame);
+  block_signals(thread);
+  set_application_mask(thread, mask);
+}
+
+void stop_taking_signals(thread_state& thread) {
+  set_kernel_mask(~host_signal_mask());
+  const waiting_signal other = take(thread.waiting.other);
+  if (other.signal == 0 || other.info.si_code == SI_TKILL) return;
+  kernel_call(SYS_rt_sigqueueinfo, static_cast<std::uint64_t>(getpid()),
+              static_cast<std::uint64_t>(other.signal), address_of(&other.info));
+}
+
+}  // namespace host

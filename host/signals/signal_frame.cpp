@@ -1,0 +1,175 @@
+#include "host/signals/signal_frame.h"
+
+#include <algorithm>
+#include <asm/sigcontext.h>
+#include <cstring>
+#include <sys/mman.h>
+
+#include "host/kernel/address.h"
+#include "host/kernel/fatal.h"
+#include "host/kernel/guarded_copy.h"
+#include "host/threads/thread.h"
+
+namespace host {
+namespace {
+
+struct frame {
+  siginfo_t info;
+  ucontext_t context;
+};
+static_assert(sizeof(siginfo_t) == 128 && offsetof(ucontext_t, uc_sigmask) == 40 &&
+                  offsetof(ucontext_t, uc_mcontext) == 176,
+              "the C library's types are the kernel's, but for the room behind the mask");
+
+// What x29 points at in a handler: the interrupted function's, for those who walk the stack.
+struct frame_record {
+  std::uint64_t fp;
+  std::uint64_t lr;
+};
+
+constexpr std::uint64_t stack_alignment = 16;
+constexpr std::uint64_t condition_flags = 0xf0000000;
+
+std::uint64_t align_down(std::uint64_t address) { return address & ~(stack_alignment - 1); }
+
+bool is_on(const stack_t& stack, std::uint64_t sp) {
+  const std::uint64_t start = address_of(stack.ss_sp);
+  return sp > start && sp - start <= stack.ss_size;
+}
+
+template <typename Record>
+unsigned char* append(unsigned char* at, const Record& record) {
+  std::memcpy(at, &record, sizeof record);
+  return at + sizeof record;
+}
+
+void write_vectors(const thread_context& from, fpsimd_context& to) {
+  to.head = {.magic = FPSIMD_MAGIC, .size = sizeof to};
+  to.fpsr = static_cast<std::uint32_t>(from.fpsr);
+  to.fpcr = static_cast<std::uint32_t>(from.fpcr);
+  std::memcpy(to.vregs, from.q, sizeof to.vregs);
+}
+
+void write_registers(const thread_context& from, const waiting_signal& arrived, mcontext_t& to) {
+  std::ranges::copy(from.x, std::begin(to.regs));
+  to.sp = from.sp;
+  to.pc = from.pc;
+  to.pstate = from.nzcv & condition_flags;
+  to.fault_address = arrived.fault_address;
+  fpsimd_context vectors{};
+  write_vectors(from, vectors);
+  unsigned char* at = append(to.__reserved, vectors);
+  if (arrived.syndrome == 0) return;
+  append(at, esr_context{.head = {.magic = ESR_MAGIC, .size = sizeof(esr_context)},
+                         .esr = arrived.syndrome});
+}
+
+// Where frames begin: the alternate stack's top if the action asks for it and it isn't in use.
+std::uint64_t top_of_stack(const thread_state& thread, const kernel_action& action) {
+  const bool alternate = (action.flags & SA_ONSTACK) != 0 && signal_stack_status(thread) == 0;
+  if (!alternate) return thread.context.sp;
+  return address_of(thread.signal_stack.ss_sp) + thread.signal_stack.ss_size;
+}
+
+// A program that was interrupted on its alternate stack must not run over that stack's end.
+bool overflows(const thread_state& thread, std::uint64_t sp) {
+  return signal_stack_status(thread) == SS_ONSTACK && !is_on(thread.signal_stack, sp);
+}
+
+// The two instructions that C libraries and unwinders know as the return from a handler:
+// mov x8, #139 (rt_sigreturn); svc #0. The kernel has them in the vdso; this page isn't the
+// application's, but it may be read and run as that may.
+std::uint64_t return_code() {
+  static const std::uint64_t code = [] {
+    constexpr std::uint32_t words[] = {0xd2801168, 0xd4000001};
+    void* const page =
+        mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED) fatal("cannot map a page for the return from signal handlers");
+    std::memcpy(page, words, sizeof words);
+    mprotect(page, 4096, PROT_READ | PROT_EXEC);
+    return address_of(page);
+  }();
+  return code;
+}
+
+void enter_handler(thread_context& context, const kernel_action& action, int signal,
+                   std::uint64_t sp, std::uint64_t record) {
+  context.x[0] = static_cast<std::uint64_t>(signal);
+  if ((action.flags & SA_SIGINFO) != 0) {
+    context.x[1] = sp + offsetof(frame, info);
+    context.x[2] = sp + offsetof(frame, context);
+  }
+  constexpr std::uint64_t has_restorer = 0x04000000;
+  context.x[29] = record;
+  context.x[30] = (action.flags & has_restorer) != 0 ? action.restorer : return_code();
+  context.sp = sp;
+  context.pc = action.handler;
+}
+
+void read_vectors(const fpsimd_context& from, thread_context& to) {
+  to.fpsr = from.fpsr;
+  to.fpcr = from.fpcr;
+  std::memcpy(to.q, from.vregs, sizeof to.q);
+}
+
+// The records that a handler may have moved; the kernel looks for them by their heads as well.
+void read_records(const mcontext_t& from, thread_context& to) {
+  std::size_t at = 0;
+  while (at + sizeof(fpsimd_context) <= sizeof from.__reserved) {
+    fpsimd_context record{};
+    std::memcpy(&record, from.__reserved + at, sizeof record);
+    if (record.head.magic == FPSIMD_MAGIC) return read_vectors(record, to);
+    if (record.head.size == 0) return;
+    at += record.head.size;
+  }
+}
+
+}  // namespace
+
+int signal_stack_status(const thread_state& thread) {
+  if (thread.signal_stack.ss_size == 0) return SS_DISABLE;
+  return is_on(thread.signal_stack, thread.context.sp) ? SS_ONSTACK : 0;
+}
+
+bool push_signal_frame(thread_state& thread, const waiting_signal& arrived,
+                       const kernel_action& action, std::uint64_t mask) {
+  const std::uint64_t record = align_down(top_of_stack(thread, action) - sizeof(frame_record));
+  const std::uint64_t sp = align_down(record - sizeof(frame));
+  if (overflows(thread, sp)) return false;
+  frame made{.info = arrived.info, .context = {}};
+  made.context.uc_stack = thread.signal_stack;
+  // As in the kernel, it does not tell whether the stack is in use.
+  if (signal_stack_status(thread) == SS_DISABLE) made.context.uc_stack.ss_flags |= SS_DISABLE;
+  std::memcpy(&made.context.uc_sigmask, &mask, sizeof mask);
+  write_registers(thread.context, arrived, made.context.uc_mcontext);
+  const frame_record interrupted = {thread.context.x[29], thread.context.x[30]};
+  if (!write_to_application(record, interrupted) || !write_to_application(sp, made)) return false;
+  if ((thread.signal_stack.ss_flags & stack_autodisarm) != 0) {
+    thread.signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
+  }
+  enter_handler(thread.context, action, arrived.signal, sp, record);
+  return true;
+}
+
+bool pop_signal_frame(thread_state& thread, std::uint64_t& mask) {
+  frame found{};
+  thread_context& context = thread.context;
+  if (context.sp % stack_alignment != 0 || !read_from_application(context.sp, found)) return false;
+  const mcontext_t& machine = found.context.uc_mcontext;
+  std::ranges::copy(machine.regs, context.x);
+  context.sp = machine.sp;
+  context.pc = machine.pc;
+  context.nzcv = machine.pstate & condition_flags;
+  read_records(machine, context);
+  std::memcpy(&mask, &found.context.uc_sigmask, sizeof mask);
+  const stack_t& stack = found.context.uc_stack;
+  if (signal_stack_status(thread) != SS_ONSTACK) {
+    const bool disabled = (stack.ss_flags & SS_DISABLE) != 0;
+    thread.signal_stack = {.ss_sp = disabled ? nullptr : stack.ss_sp,
+                           .ss_flags = stack.ss_flags & stack_autodisarm,
+                           .ss_size = disabled ? 0 : stack.ss_size};
+  }
+  return true;
+}
+
+}  // namespace host
