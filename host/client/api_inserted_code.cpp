@@ -75,9 +75,9 @@ bool dr_insert_set_stolen_reg_value(void* /*drcontext*/, instrlist_t* ilist, ins
 // mov x0, #argument...; mov x9, #callee; ldr x10, [x28, #call_entry]; blr x10
 void dr_insert_call_velox(void* /*drcontext*/, instrlist_t* ilist, instr_t* where, app_pc pc,
                           void* callee, uint num_args, ...) {
-  constexpr uint most_arguments = 8;
-  if (num_args > most_arguments) {
-    fatal("dr_insert_call_velox: %u arguments, at most %u are passed", num_args, most_arguments);
+  constexpr uint max_arguments = 8;
+  if (num_args > max_arguments) {
+    fatal("dr_insert_call_velox: %u arguments, at most %u are passed", num_args, max_arguments);
   }
   host::words code;
   va_list arguments;

@@ -20,7 +20,7 @@ bool processor_has_sve() {
 
 // Appends the block's instructions and returns the address after the last.
 std::uint64_t discover(std::uint64_t pc, instrlist_t& list) {
-  for (int count = 0; count < most_instructions; count++) {
+  for (int count = 0; count < max_instructions; count++) {
     if ((count == 0 || pc % page_bytes == 0) && !is_executable(pc)) break;
     auto* const bits = pointer_to<byte>(pc);
     instr_t* const instr = instr_create_app(nullptr, bits, bits);
@@ -61,7 +61,7 @@ const instr_t* emit_exclusive_from(const instr_t& first, block_code& out) {
 
 std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc) {
   instrlist_t list;
-  note_translated(pc, pc + most_block_bytes);  // before it is read, so that no change is missed
+  note_translated(pc, pc + max_block_bytes);  // before it is read, so that no change is missed
   const std::uint64_t end = discover(pc, list);
   if (end == pc) return std::nullopt;
   run_block_events(thread, pc, list);

@@ -56,7 +56,7 @@ void give_registers(thread_context& context, const clone_request& request) {
 }
 
 // A signal that waits is the parent's. As the kernel does, the call is made again after it.
-bool has_waiting_signal(const thread_state& thread) { return thread.waiting.other.signal != 0; }
+bool has_pending_signal(const thread_state& thread) { return thread.waiting.other.signal != 0; }
 
 // --- fork --------------------------------------------------------------------------------------
 
@@ -140,7 +140,7 @@ class parents_view {
   std::uint64_t clear_child_tid_;
   stack_t signal_stack_;
   signal_actions* actions_;
-  waiting_signals waiting_;
+  pending_signals waiting_;
   bool is_vfork_child_;
 };
 
@@ -218,7 +218,7 @@ std::int64_t clone_process(thread_state& thread) {
   shares_memory ? check_vfork(request) : check_fork(request);
   const std::uint64_t mask = block_signals(thread);
   std::int64_t result = call_not_started;
-  if (!has_waiting_signal(thread)) {
+  if (!has_pending_signal(thread)) {
     result =
         shares_memory ? vfork_or_fork(thread, request, mask) : fork_with_locks(thread, request);
   }

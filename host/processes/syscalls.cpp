@@ -140,7 +140,7 @@ std::int64_t call(thread_state& thread) {
     case SYS_set_tid_address: return set_tid_address(thread);
     case SYS_rt_sigaction: return set_signal_action(thread, x);
     case SYS_rt_sigprocmask: return change_signal_mask(thread, x);
-    case SYS_rt_sigpending: return get_waiting_signals(thread, x);
+    case SYS_rt_sigpending: return get_pending_signals(thread, x);
     case SYS_rt_sigtimedwait: return wait_for_signal(thread, x);
     case SYS_sigaltstack: return change_signal_stack(thread, x);
     case SYS_rt_sigsuspend:

@@ -91,11 +91,11 @@ std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x) {
   return x[1] == 0 || write_to_application(x[1], old) ? 0 : -EFAULT;
 }
 
-std::int64_t get_waiting_signals(thread_state& thread, const std::uint64_t* x) {
+std::int64_t get_pending_signals(thread_state& thread, const std::uint64_t* x) {
   std::uint64_t mask = 0;
   if (x[1] > mask_bytes) return -EINVAL;
   kernel_call(SYS_rt_sigpending, address_of(&mask), mask_bytes);
-  for (const waiting_signal& sent : thread.waiting.sent_faults) {
+  for (const pending_signal& sent : thread.waiting.sent_faults) {
     if (sent.signal != 0) mask |= signal_bit(sent.signal);
   }
   return guarded_copy(pointer_to(x[0]), &mask, x[1]) == 0 ? 0 : -EFAULT;
@@ -104,9 +104,9 @@ std::int64_t get_waiting_signals(thread_state& thread, const std::uint64_t* x) {
 std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x) {
   std::uint64_t wanted = 0;
   if (x[3] == mask_bytes && read_from_application(x[0], wanted)) {
-    for (waiting_signal& sent : thread.waiting.sent_faults) {
+    for (pending_signal& sent : thread.waiting.sent_faults) {
       if (sent.signal == 0 || (wanted & signal_bit(sent.signal)) == 0) continue;
-      const waiting_signal taken = std::exchange(sent, {});
+      const pending_signal taken = std::exchange(sent, {});
       return x[1] == 0 || write_to_application(x[1], taken.info) ? taken.signal : -EFAULT;
     }
   }

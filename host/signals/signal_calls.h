@@ -11,7 +11,7 @@ struct thread_state;
 std::int64_t set_signal_action(thread_state& thread, const std::uint64_t* x);    // rt_sigaction
 std::int64_t change_signal_mask(thread_state& thread, const std::uint64_t* x);   // rt_sigprocmask
 std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x);  // sigaltstack
-std::int64_t get_waiting_signals(thread_state& thread, const std::uint64_t* x);  // rt_sigpending
+std::int64_t get_pending_signals(thread_state& thread, const std::uint64_t* x);  // rt_sigpending
 
 // rt_sigtimedwait. Signals of faults that were sent wait with the host and not with the kernel.
 std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x);

@@ -30,13 +30,13 @@ bool is_ignored_by_default(int signal) {
 }
 
 // The action has changed since the signal was taken, or it is one of the host's own.
-void act_by_default(const waiting_signal& arrived) {
+void act_by_default(const pending_signal& arrived) {
   if (is_ignored_by_default(arrived.signal)) return;
   die_by_signal(arrived.signal);
 }
 
 // Goes to the handler. `mask` is the application's; it becomes that of the handler.
-void enter_handler(thread_state& thread, const waiting_signal& arrived, const kernel_action& action,
+void enter_handler(thread_state& thread, const pending_signal& arrived, const kernel_action& action,
                    std::uint64_t& mask) {
   const std::uint64_t interrupted_pc = thread.context.pc;
   if (!push_signal_frame(thread, arrived, action, mask)) {
@@ -49,14 +49,14 @@ void enter_handler(thread_state& thread, const waiting_signal& arrived, const ke
   run_signal_delivery_events(thread, arrived.signal);
 }
 
-void deliver_fault(thread_state& thread, const waiting_signal& fault, std::uint64_t& mask) {
+void deliver_fault(thread_state& thread, const pending_signal& fault, std::uint64_t& mask) {
   const bool blocked = (mask & signal_bit(fault.signal)) != 0;
   const kernel_action action = blocked ? kernel_action{} : thread.actions->take(fault.signal);
   if (!action.has_handler()) end_by_fault(thread, fault);
   enter_handler(thread, fault, action, mask);
 }
 
-void deliver_sent(thread_state& thread, const waiting_signal& arrived, std::uint64_t& mask) {
+void deliver_sent(thread_state& thread, const pending_signal& arrived, std::uint64_t& mask) {
   const kernel_action action = thread.actions->take(arrived.signal);
   if (action.has_handler()) {
     enter_handler(thread, arrived, action, mask);
@@ -65,13 +65,13 @@ void deliver_sent(thread_state& thread, const waiting_signal& arrived, std::uint
   }
 }
 
-waiting_signal take(waiting_signal& waiting) { return std::exchange(waiting, waiting_signal{}); }
+pending_signal take(pending_signal& waiting) { return std::exchange(waiting, pending_signal{}); }
 
 }  // namespace
 
 std::uint64_t block_signals(thread_state& thread) {
   const std::uint64_t old = set_kernel_mask(~host_signal_mask());
-  const waiting_signal& other = thread.waiting.other;
+  const pending_signal& other = thread.waiting.other;
   const std::uint64_t mask = other.signal != 0 ? other.mask : old;
   return (mask & ~host_signal_mask()) | thread.blocked_host_signals;
 }
@@ -85,23 +85,23 @@ void set_application_mask(thread_state& thread, std::uint64_t mask) {
   } else {
     set_kernel_mask(mask & ~host_signal_mask());
   }
-  for (const waiting_signal& sent : thread.waiting.sent_faults) {
+  for (const pending_signal& sent : thread.waiting.sent_faults) {
     if (sent.signal != 0 && (mask & signal_bit(sent.signal)) == 0) thread.context.attention = 1;
   }
 }
 
 void deliver_signals(thread_state& thread) {
-  waiting_signals& waiting = thread.waiting;
+  pending_signals& waiting = thread.waiting;
   const std::uint64_t interrupted_mask = block_signals(thread);
   std::uint64_t mask = interrupted_mask;
   if (waiting.fault.signal != 0) deliver_fault(thread, take(waiting.fault), mask);
-  for (waiting_signal& sent : waiting.sent_faults) {
+  for (pending_signal& sent : waiting.sent_faults) {
     if (sent.signal == 0 || (mask & signal_bit(sent.signal)) != 0) continue;
     deliver_sent(thread, take(sent), mask);
   }
   if (waiting.other.signal != 0) {
     // The kernel has let it come, whatever the mask says that waits behind sigsuspend.
-    const waiting_signal other = take(waiting.other);
+    const pending_signal other = take(waiting.other);
     if ((mask & ~interrupted_mask & signal_bit(other.signal)) != 0) {
       send_again(other.signal, other.info);
     } else {
@@ -112,7 +112,7 @@ void deliver_signals(thread_state& thread) {
 }
 
 void raise_fetch_fault(thread_state& thread, int signal) {
-  waiting_signal& fault = thread.waiting.fault;
+  pending_signal& fault = thread.waiting.fault;
   fault = {.signal = signal, .fault_address = thread.context.pc};
   fault.info.si_signo = signal;
   fault.info.si_code = SEGV_MAPERR;
@@ -139,7 +139,7 @@ void return_from_signal(thread_state& thread) {
 
 void stop_taking_signals(thread_state& thread) {
   set_kernel_mask(~host_signal_mask());
-  const waiting_signal other = take(thread.waiting.other);
+  const pending_signal other = take(thread.waiting.other);
   if (other.signal == 0 || other.info.si_code == SI_TKILL) return;
   kernel_call(SYS_rt_sigqueueinfo, static_cast<std::uint64_t>(getpid()),
               static_cast<std::uint64_t>(other.signal), address_of(&other.info));

@@ -50,7 +50,7 @@ void write_vectors(const thread_context& from, fpsimd_context& to) {
   std::memcpy(to.vregs, from.q, sizeof to.vregs);
 }
 
-void write_registers(const thread_context& from, const waiting_signal& arrived, mcontext_t& to) {
+void write_registers(const thread_context& from, const pending_signal& arrived, mcontext_t& to) {
   std::ranges::copy(from.x, std::begin(to.regs));
   to.sp = from.sp;
   to.pc = from.pc;
@@ -131,7 +131,7 @@ int signal_stack_status(const thread_state& thread) {
   return is_on(thread.signal_stack, thread.context.sp) ? SS_ONSTACK : 0;
 }
 
-bool push_signal_frame(thread_state& thread, const waiting_signal& arrived,
+bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
                        const kernel_action& action, std::uint64_t mask) {
   const std::uint64_t record = align_down(top_of_stack(thread, action) - sizeof(frame_record));
   const std::uint64_t sp = align_down(record - sizeof(frame));

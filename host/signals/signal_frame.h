@@ -16,7 +16,7 @@ inline constexpr int stack_autodisarm = static_cast<int>(0x80000000);
 
 // Puts a frame on the thread's stack, or its alternate one, and sends its context to the handler.
 // `mask` is what rt_sigreturn is to bring back. False, with nothing changed: there is no room.
-bool push_signal_frame(thread_state& thread, const waiting_signal& arrived,
+bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
                        const kernel_action& action, std::uint64_t mask);
 
 // Takes the context from the frame at its SP, and the mask. False: there is no frame.

@@ -152,7 +152,7 @@ class arrival {
     return bits;
   }
 
-  [[nodiscard]] waiting_signal as_waiting() {
+  [[nodiscard]] pending_signal as_pending() {
     return {.signal = signal_,
             .info = info_,
             .mask = mask(),
@@ -167,7 +167,7 @@ class arrival {
     } else if (thread_.cache.contains(pc)) {
       thread_.cache.recover(machine(), thread_.context);
       thread_.context.tpidr = interrupted_tpidr_;
-      thread_.waiting.fault = as_waiting();
+      thread_.waiting.fault = as_pending();
       thread_.context.attention = 1;
       leave();
     } else if (!call_client_handler(signal_, &info_, &context_)) {
@@ -188,12 +188,12 @@ class arrival {
     const auto* const own = std::ranges::find(fault_signals, signal_);
     if (own != fault_signals.end()) {
       const auto index = static_cast<std::size_t>(own - fault_signals.begin());
-      waiting_signal& waiting = thread_.waiting.sent_faults[index];
-      if (waiting.signal == 0) waiting = as_waiting();
+      pending_signal& waiting = thread_.waiting.sent_faults[index];
+      if (waiting.signal == 0) waiting = as_pending();
     } else {
       // Client code that longjmps out of a fault of its own brings its old mask back.
       if (thread_.waiting.other.signal == 0) {
-        thread_.waiting.other = as_waiting();
+        thread_.waiting.other = as_pending();
       } else {
         send_again(signal_, info_);
       }
@@ -302,7 +302,7 @@ extern "C" void signal_entry(int signal, siginfo_t* info, void* context) {
   if (!arriving.has_left()) exchange_tpidr(interrupted_tpidr);
 }
 
-void end_by_fault(thread_state& thread, const waiting_signal& fault) {
+void end_by_fault(thread_state& thread, const pending_signal& fault) {
   siginfo_t info = fault.info;
   ucontext_t context{};
   std::ranges::copy(thread.context.x, std::begin(context.uc_mcontext.regs));

@@ -32,7 +32,7 @@ bool is_host_signal(int signal);
 std::uint64_t host_signal_mask();
 
 // A signal that a thread has taken and the application has not.
-struct waiting_signal {
+struct pending_signal {
   int signal = 0;  // 0: none
   siginfo_t info{};
   std::uint64_t mask = 0;  // the thread's mask when it came
@@ -43,10 +43,10 @@ struct waiting_signal {
 // All that waits on a thread. With one other signal waiting all are blocked, so there is one of
 // these; the host's own are never blocked really, but as with every standard signal only one of
 // each waits.
-struct waiting_signals {
-  waiting_signal fault;
-  waiting_signal other;
-  std::array<waiting_signal, fault_signals.size()> sent_faults;  // by kill and kin
+struct pending_signals {
+  pending_signal fault;
+  pending_signal other;
+  std::array<pending_signal, fault_signals.size()> sent_faults;  // by kill and kin
 };
 
 void install_signal_handlers();
@@ -59,7 +59,7 @@ extern "C" void signal_entry(int signal, siginfo_t* info, void* context);
 
 // Reports a fault of application code that the application doesn't handle, calls the client's
 // handler, and ends the process by the signal. The state is the thread's context.
-[[noreturn]] void end_by_fault(thread_state& thread, const waiting_signal& fault);
+[[noreturn]] void end_by_fault(thread_state& thread, const pending_signal& fault);
 
 // Has the kernel keep a signal for the calling thread, where it is blocked.
 void send_again(int signal, const siginfo_t& info);

@@ -31,7 +31,7 @@ struct thread_state : followed_by_branch_tables {
   std::uint64_t robust_list = 0;      // that the kernel knows; 0: none
   stack_t signal_stack{};             // that the application asked for
   signal_actions* actions = nullptr;  // of its process
-  waiting_signals waiting;
+  pending_signals waiting;
   std::uint64_t blocked_host_signals = 0;  // that the application has blocked; really they are not
   void* signal_stack_memory = nullptr;     // the host's, kept with the record
   stale_code stale;

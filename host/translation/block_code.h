@@ -13,8 +13,8 @@ namespace host {
 
 // Long enough that few straight runs of code are cut, short enough that a block of calls to the
 // client still fits the arena many times over.
-inline constexpr int most_instructions = 64;
-inline constexpr std::uint64_t most_block_bytes = std::uint64_t{most_instructions} * 4;
+inline constexpr int max_instructions = 64;
+inline constexpr std::uint64_t max_block_bytes = std::uint64_t{max_instructions} * 4;
 
 enum class exit_kind : std::uint8_t {
   direct,           // to `target`; the branch can be linked to the target's translation

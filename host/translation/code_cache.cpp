@@ -17,15 +17,15 @@ constexpr std::size_t arena_bytes = 64u << 20;
 static_assert(arena_bytes <= 128u << 20, "B and BL must reach from one end to the other");
 
 // What bounds the memory beside the arena.
-constexpr std::size_t most_fragments = 1u << 17;
+constexpr std::size_t max_fragments = 1u << 17;
 
 constexpr std::size_t chunk_words = (32u << 10) / 4;
 static_assert(chunk_words * 4 <= 32u << 10, "TBZ must reach from one end to the other");
 
 // A larger block gets a chunk of its own size. TBZ still reaches its stub, since it is the block's
 // last word but one and the stub is the nearest thing behind.
-constexpr std::size_t most_chunk_words = (1u << 20) / 4;
-static_assert(most_chunk_words * 4 <= 1u << 20, "LDR (literal) must reach the end");
+constexpr std::size_t max_chunk_words = (1u << 20) / 4;
+static_assert(max_chunk_words * 4 <= 1u << 20, "LDR (literal) must reach the end");
 
 // Entries that a lookup may touch: the mask selects one of 2^n, and probing goes on upward without
 // wrapping round, through as many more.
@@ -96,7 +96,7 @@ bool code_cache::has_room(std::size_t words_needed) const {
 
 bool code_cache::open_chunk(std::size_t words_needed) {
   const std::size_t size = std::max(chunk_words, (words_needed + literal_words + 1) & ~1u);
-  if (size > most_chunk_words) return false;
+  if (size > max_chunk_words) return false;
   if (next_chunk_ + size > pointer_to<std::uint32_t>(end_)) return false;
   cursor_ = next_chunk_;
   next_chunk_ += size;
@@ -169,7 +169,7 @@ const fragment* code_cache::find(std::uint64_t pc) const {
 
 const fragment* code_cache::install(std::uint64_t pc, const block_code& block,
                                     const exit_record* came_from) {
-  if (fragments_.size() == most_fragments) return nullptr;
+  if (fragments_.size() == max_fragments) return nullptr;
   const std::size_t needed =
       checked_entry_words + block.code.size() + literal_words + conflict_branch_words +
       plain_entry_words + stub_words * block.exits.size() + literal_words * block.literals.size();
@@ -358,13 +358,13 @@ void code_cache::flush() {
 bool code_cache::drop(std::uint64_t start, std::uint64_t end) {
   const auto overlaps = [=](const fragment& each) { return each.pc < end && each.end > start; };
   bool done = true;
-  if (end - start > most_block_bytes) {
+  if (end - start > max_block_bytes) {
     for (fragment& each : fragments_) {
       if (overlaps(each) && each.successor == nullptr) done = done && drop(each);
     }
     return done;
   }
-  for (std::uint64_t pc = (start & ~3ull) - most_block_bytes; pc != ((end + 3) & ~3ull); pc += 4) {
+  for (std::uint64_t pc = (start & ~3ull) - max_block_bytes; pc != ((end + 3) & ~3ull); pc += 4) {
     const auto found = by_pc_.find(pc);
     if (found != by_pc_.end() && overlaps(*found->second)) done = done && drop(*found->second);
   }

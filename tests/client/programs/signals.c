@@ -9,10 +9,10 @@
 #include <string.h>
 #include <sys/time.h>
 
-enum { most_bytes = 256 * 32 + 32 * 17 };
+enum { max_bytes = 256 * 32 + 32 * 17 };
 
 struct image {
-  unsigned char bytes[most_bytes];
+  unsigned char bytes[max_bytes];
 };
 
 void hold_vectors(const struct image* in, struct image* out, const volatile int* go_on);
