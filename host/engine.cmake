@@ -25,6 +25,8 @@ add_library(host_engine OBJECT
   kernel/fatal.cpp
   kernel/fork_lock.cpp
   kernel/guarded_copy.S
+  kernel/kernel_action.cpp
+  kernel/kernel_call.cpp
   client/instruction_list.cpp
   translation/mangle.cpp
   memory/memory_map.cpp
@@ -35,11 +37,13 @@ add_library(host_engine OBJECT
   translation/register_fields.cpp
   processes/robust_list.cpp
   launcher/runtime.cpp
+  signals/host_signals.cpp
   signals/signal_actions.cpp
   signals/signal_calls.cpp
   signals/signal_delivery.cpp
   signals/signal_frame.cpp
   signals/signals.cpp
+  signals/thread_signals.cpp
   threads/stale_code.cpp
   processes/syscalls.cpp
   threads/thread.cpp

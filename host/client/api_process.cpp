@@ -1,5 +1,4 @@
 // Process, output and memory of the client interface.
-#include <atomic>
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
@@ -10,16 +9,13 @@
 #include "host/include/dr_api.h"
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
-#include "host/launcher/runtime.h"
+#include "host/kernel/kernel_action.h"
 #include "host/memory/memory_map.h"
 #include "host/threads/thread.h"
 
 file_t our_stderr = STDERR_FILENO;
 
 namespace {
-
-std::atomic<int> log_descriptor = -1;
-std::atomic<unsigned> log_level = 0;
 
 module_data_t* to_record(const host::module_info& module) {
   char* const path = strdup(module.full_path.c_str());
@@ -32,14 +28,7 @@ module_data_t* to_record(const host::module_info& module) {
 
 }  // namespace
 
-void host::set_log(int descriptor, unsigned level) {
-  log_level = level;
-  log_descriptor = descriptor;
-}
-
-void dr_set_client_name(const char* name, const char* /*report_url*/) {
-  dr_log(nullptr, DR_LOG_ALL, 1, "client: %s\n", name);
-}
+void dr_set_client_name(const char* /*name*/, const char* /*report_url*/) {}
 
 void* dr_get_current_drcontext() { return host::current_thread(); }
 
@@ -60,13 +49,8 @@ std::ptrdiff_t dr_fprintf(file_t file, const char* format, ...) {
   return written;
 }
 
-void dr_log(void* /*drcontext*/, uint /*mask*/, uint level, const char* format, ...) {
-  if (log_descriptor < 0 || level > log_level) return;
-  va_list arguments;
-  va_start(arguments, format);
-  vdprintf(log_descriptor, format, arguments);
-  va_end(arguments);
-}
+// This host keeps no log.
+void dr_log(void* /*drcontext*/, uint /*mask*/, uint /*level*/, const char* /*format*/, ...) {}
 
 void dr_abort() { host::die_by_signal(SIGABRT); }
 

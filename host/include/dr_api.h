@@ -273,8 +273,7 @@ DR_EXPORT file_t our_stderr;
 #define STDERR our_stderr
 DR_EXPORT std::ptrdiff_t dr_fprintf(file_t file, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
-// Writes to the host's log, if there is one: see set_log in host/launcher/runtime.h. `drcontext`
-// may be null.
+// Writes to the host's log. The embedded host keeps none. `drcontext` may be null.
 DR_EXPORT void dr_log(void* drcontext, uint mask, uint level, const char* format, ...)
     __attribute__((format(printf, 4, 5)));
 #define DR_LOG_ALL 0x00ffffff

@@ -3,8 +3,6 @@
 // thread that it finds there to application_call_not_started; the kernel itself goes back to the
 // SVC, and so there, where it restarts a call after a handler.
 
-#include "host/translation/context_offsets.h"
-
   .text
 
 // int64_t application_call(const uint64_t* x, const uint64_t* attention): with X0 to X5 and X8 from

@@ -2,12 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
-#include <sys/syscall.h>
 #include <unistd.h>
-
-#include "host/launcher/runtime.h"
-#include "host/signals/signals.h"
 
 namespace host {
 namespace {
@@ -38,16 +33,6 @@ void fatal(const char* format, ...) {
   print_line_list(format, arguments);
   va_end(arguments);
   _exit(unsupported_status);
-}
-
-void die_by_signal(int signal) {
-  restore_default_action(signal);
-  sigset_t only;
-  sigemptyset(&only);
-  sigaddset(&only, signal);
-  pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
-  syscall(SYS_tgkill, getpid(), syscall(SYS_gettid), signal);
-  _exit(128 + signal);  // the signal was not fatal by default
 }
 
 }  // namespace host

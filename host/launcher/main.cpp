@@ -14,7 +14,7 @@
 #include "host/loading/loader.h"
 #include "host/loading/program_search.h"
 #include "host/memory/advertised_sve.h"
-#include "host/processes/processes.h"
+#include "host/processes/execution.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/loading/launch_error.h"
+#include "host/loading/option_names.h"
 
 namespace host {
 namespace {

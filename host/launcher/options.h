@@ -7,15 +7,6 @@
 
 namespace host {
 
-// Options that the launcher gives itself where the program calls execve; see execute_program.
-namespace option_name {
-inline constexpr const char* client = "-c";
-inline constexpr const char* advertise_sve = "--advertise-sve";
-inline constexpr const char* executable = "--executable";
-inline constexpr const char* executable_name = "--executable-name";
-inline constexpr const char* executable_descriptor = "--executable-descriptor";
-}  // namespace option_name
-
 enum class requested_action { run, show_help, show_version, list_instructions };
 
 struct options {

@@ -5,6 +5,7 @@
 
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
+#include "host/kernel/kernel_call.h"
 #include "host/memory/application_memory.h"
 #include "host/memory/memory_map.h"
 #include "host/memory/own_files.h"
@@ -12,8 +13,10 @@
 #include "host/processes/dispatch.h"
 #include "host/processes/syscalls.h"
 #include "host/processes/threads.h"
+#include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
 #include "host/signals/signals.h"
+#include "host/signals/thread_signals.h"
 
 namespace host {
 
@@ -24,10 +27,12 @@ void initialize(const loaded_program& program) {
   note_initial_stack(program.stack_pointer);
   install_signal_handlers();
   reserve_program_break();
+  set_system_call_handler(handle_system_call);
   thread_state* const initial = acquire_thread();
   if (initial == nullptr) fatal("the process is ending before it has begun");
-  initial->actions = &actions;
+  attach_signals(*initial, actions);
   bind_thread(*initial);
+  install_signal_stack(*initial);
 }
 
 void run(const loaded_program& program) {

@@ -14,17 +14,11 @@
 
 namespace host {
 
-// Exit status when a program needs something that this host does not carry.
-inline constexpr int unsupported_status = 125;
-
 // Call once, before the client is loaded: its constructors may already use the interface.
 void initialize(const loaded_program& program);
 
 // Runs the program. The process ends with the program's exit status, or by the signal that ended
 // the program.
 [[noreturn]] void run(const loaded_program& program);
-
-// Sends the client's log messages up to `level` to a file descriptor. None are written by default.
-void set_log(int descriptor, unsigned level);
 
 }  // namespace host

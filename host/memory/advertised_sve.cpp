@@ -28,7 +28,7 @@ void advertise_sve(unsigned vector_bytes) {
 bool sve_is_advertised() { return advertised_bytes != 0; }
 
 std::int64_t get_vector_length(const thread_state& thread) {
-  return advertised_bytes | (thread.inherits_vector_length ? PR_SVE_VL_INHERIT : 0);
+  return advertised_bytes | (thread.process.inherits_vector_length ? PR_SVE_VL_INHERIT : 0);
 }
 
 // The kernel takes the largest length that it has and that is not above the one asked for. There is
@@ -38,7 +38,7 @@ std::int64_t set_vector_length(thread_state& thread, std::uint64_t argument) {
   const std::uint64_t flags = argument & ~std::uint64_t{PR_SVE_VL_LEN_MASK};
   if ((flags & ~known_flags) != 0) return -EINVAL;
   if (!is_vector_length(argument & PR_SVE_VL_LEN_MASK)) return -EINVAL;
-  thread.inherits_vector_length = (flags & PR_SVE_VL_INHERIT) != 0;
+  thread.process.inherits_vector_length = (flags & PR_SVE_VL_INHERIT) != 0;
   return get_vector_length(thread);
 }
 

@@ -13,11 +13,11 @@
 
 #include "host/kernel/address.h"
 #include "host/kernel/guarded_copy.h"
+#include "host/kernel/kernel_call.h"
 #include "host/memory/advertised_sve.h"
 #include "host/memory/application_memory.h"
 #include "host/memory/memory_map.h"
 #include "host/memory/program_break.h"
-#include "host/processes/syscalls.h"
 
 namespace host {
 namespace {

@@ -6,12 +6,13 @@
 #include "host/client/events.h"
 #include "host/kernel/fatal.h"
 #include "host/memory/memory_map.h"
-#include "host/processes/syscalls.h"
 #include "host/signals/signal_delivery.h"
 #include "host/translation/context_switch.h"
 
 namespace host {
 namespace {
+
+system_call_handler handle_system_call = nullptr;
 
 constexpr std::uint64_t instruction_cache_line = 64;  // at least; CTR_EL0.IminLine may say less
 
@@ -120,6 +121,8 @@ class dispatcher {
 };
 
 }  // namespace
+
+void set_system_call_handler(system_call_handler handler) { handle_system_call = handler; }
 
 void run_thread(thread_state& thread) {
   run_thread_init_events(thread);

@@ -1,9 +1,5 @@
-// execve, under the same launcher and client.
-//
-// What can fail shall fail here, in the program that called: the file, its scripts' interpreters
-// and its own interpreter are looked at as the launcher will look at them. A file that is not for
-// this machine is the kernel's to judge, or a binfmt_misc handler's. Set-user-ID and capabilities
-// of a file have no effect, as under ptrace: the kernel executes the launcher.
+#include "host/processes/execution.h"
+
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -20,15 +16,17 @@
 #include "host/kernel/application_call.h"
 #include "host/kernel/fatal.h"
 #include "host/kernel/guarded_copy.h"
-#include "host/launcher/options.h"
+#include "host/kernel/kernel_call.h"
 #include "host/loading/elf_reader.h"
 #include "host/loading/launch_error.h"
+#include "host/loading/option_names.h"
 #include "host/loading/program_search.h"
 #include "host/memory/memory_map.h"
 #include "host/memory/own_files.h"
-#include "host/processes/processes.h"
-#include "host/processes/syscalls.h"
+#include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
+#include "host/signals/signals.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 
 namespace host {
@@ -175,8 +173,8 @@ bool is_programs_own_error(std::int64_t error) {
 std::int64_t call_execve(thread_state& thread, std::uint64_t environment) {
   const std::uint64_t mask = block_signals(thread);
   std::int64_t result = call_not_started;
-  if (thread.waiting.other.signal == 0) {
-    thread.actions->tell_kernel_of_ignored();
+  if (thread.signals->pending.other.signal == 0) {
+    thread.signals->actions->tell_kernel_of_ignored();
     kernel_call(SYS_rt_sigprocmask, SIG_SETMASK, address_of(&mask), 0, sizeof mask);
     const std::array<std::uint64_t, 9> x = {address_of(settings.launcher.c_str()),
                                             address_of(prepared.arguments.data()),

@@ -14,15 +14,14 @@
 #include "host/kernel/fatal.h"
 #include "host/kernel/fork_lock.h"
 #include "host/kernel/guarded_copy.h"
+#include "host/kernel/kernel_call.h"
+#include "host/kernel/process_call.h"
 #include "host/processes/dispatch.h"
-#include "host/processes/syscalls.h"
 #include "host/processes/threads.h"
+#include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
-
-extern "C" std::int64_t start_suspended(std::uint64_t flags, std::uint64_t parent_tid,
-                                        std::uint64_t child_tid, void (*run)(void*),
-                                        void* argument);
 
 namespace host {
 namespace {
@@ -56,7 +55,9 @@ void give_registers(thread_context& context, const clone_request& request) {
 }
 
 // A signal that waits is the parent's. As the kernel does, the call is made again after it.
-bool has_pending_signal(const thread_state& thread) { return thread.waiting.other.signal != 0; }
+bool has_pending_signal(const thread_state& thread) {
+  return thread.signals->pending.other.signal != 0;
+}
 
 // --- fork --------------------------------------------------------------------------------------
 
@@ -84,10 +85,10 @@ std::int64_t announce_child(const clone_request& request, pid_t child) {
 }
 
 void begin_forked(thread_state& thread, const clone_request& request) {
-  thread.waiting = {};
-  thread.is_vfork_child = false;
-  thread.robust_list = 0;
-  thread.clear_child_tid = request.has(CLONE_CHILD_CLEARTID) ? request.child_tid : 0;
+  thread.signals->pending = {};
+  thread.process.is_vfork_child = false;
+  thread.process.robust_list = 0;
+  thread.process.clear_child_tid = request.has(CLONE_CHILD_CLEARTID) ? request.child_tid : 0;
   if (request.has(CLONE_CHILD_SETTID)) write_to_application(request.child_tid, thread.tid);
   give_registers(thread.context, request);
 }
@@ -114,19 +115,19 @@ class parents_view {
       : thread_(thread),
         context_(thread.context),
         tid_(thread.tid),
-        clear_child_tid_(thread.clear_child_tid),
-        signal_stack_(thread.signal_stack),
-        actions_(thread.actions),
-        waiting_(thread.waiting),
-        is_vfork_child_(thread.is_vfork_child) {}
+        clear_child_tid_(thread.process.clear_child_tid),
+        alternate_stack_(thread.signals->alternate_stack),
+        actions_(thread.signals->actions),
+        pending_(thread.signals->pending),
+        is_vfork_child_(thread.process.is_vfork_child) {}
   ~parents_view() {
     copy_registers(context_, thread_.context);
     thread_.tid = tid_;
-    thread_.clear_child_tid = clear_child_tid_;
-    thread_.signal_stack = signal_stack_;
-    thread_.actions = actions_;
-    thread_.waiting = waiting_;
-    thread_.is_vfork_child = is_vfork_child_;
+    thread_.process.clear_child_tid = clear_child_tid_;
+    thread_.signals->alternate_stack = alternate_stack_;
+    thread_.signals->actions = actions_;
+    thread_.signals->pending = pending_;
+    thread_.process.is_vfork_child = is_vfork_child_;
     thread_.stop_requested = process_is_ending();
     thread_.context.attention = 1;
   }
@@ -138,9 +139,9 @@ class parents_view {
   thread_context context_;
   pid_t tid_;
   std::uint64_t clear_child_tid_;
-  stack_t signal_stack_;
+  stack_t alternate_stack_;
   signal_actions* actions_;
-  pending_signals waiting_;
+  pending_signals pending_;
   bool is_vfork_child_;
 };
 
@@ -156,10 +157,10 @@ void run_vforked(void* argument) {
   const auto& birth = *static_cast<const vfork_birth*>(argument);
   thread_state& thread = birth.thread;
   thread.tid = static_cast<pid_t>(kernel_call(SYS_gettid));
-  thread.actions = &birth.actions;
-  thread.waiting = {};
-  thread.is_vfork_child = true;
-  thread.clear_child_tid = 0;  // the kernel knows it
+  thread.signals->actions = &birth.actions;
+  thread.signals->pending = {};
+  thread.process.is_vfork_child = true;
+  thread.process.clear_child_tid = 0;  // the kernel knows it
   give_registers(thread.context, birth.request);
   thread.context.x[0] = 0;
   set_application_mask(thread, birth.mask);
@@ -170,7 +171,7 @@ void run_vforked(void* argument) {
 }
 
 std::int64_t start_vforked(thread_state& thread, const clone_request& request, std::uint64_t mask) {
-  signal_actions own(*thread.actions);
+  signal_actions own(*thread.signals->actions);
   const vfork_birth birth{thread, request, own, mask};
   const parents_view parent(thread);
   return start_suspended(request.flags & ~std::uint64_t{CLONE_SETTLS}, request.parent_tid,
@@ -201,7 +202,7 @@ std::int64_t vfork_or_fork(thread_state& thread, clone_request request, std::uin
   request.flags &= ~std::uint64_t{CLONE_VM | CLONE_VFORK};
   check_fork(request);
   const std::int64_t result = fork_with_locks(thread, request);
-  if (result == 0) thread.is_vfork_child = true;
+  if (result == 0) thread.process.is_vfork_child = true;
   return result;
 }
 

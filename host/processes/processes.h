@@ -7,26 +7,13 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace host {
 
 struct thread_state;
 
-// How this launcher was started, for programs that the application executes.
-struct launch_settings {
-  std::string launcher;             // absolute
-  std::vector<std::string> client;  // its path, absolute, and its arguments
-  bool advertise_sve = false;
-};
-void set_launch_settings(const launch_settings& settings);
-
 // clone without the flags of a thread. Returns the child's number, 0 in the child, or a negative
 // error number; call_not_started if a signal is to be delivered first.
 std::int64_t clone_process(thread_state& thread);
-
-// execve and execveat. Returns only if the program cannot be executed.
-std::int64_t execute_program(thread_state& thread);
 
 }  // namespace host

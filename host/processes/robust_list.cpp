@@ -6,7 +6,7 @@
 
 #include "host/kernel/address.h"
 #include "host/kernel/guarded_copy.h"
-#include "host/processes/syscalls.h"
+#include "host/kernel/kernel_call.h"
 #include "host/threads/thread.h"
 
 namespace host {
@@ -63,13 +63,13 @@ void leave_all(std::uint64_t address, pid_t owner) {
 
 std::int64_t set_robust_list(thread_state& thread, const std::uint64_t* x) {
   const std::int64_t result = kernel_call(SYS_set_robust_list, x[0], x[1]);
-  if (result == 0) thread.robust_list = x[0];
+  if (result == 0) thread.process.robust_list = x[0];
   return result;
 }
 
 void leave_robust_mutexes(thread_state& thread) {
-  if (thread.robust_list == 0) return;
-  leave_all(thread.robust_list, thread.tid);
+  if (thread.process.robust_list == 0) return;
+  leave_all(thread.process.robust_list, thread.tid);
   kernel_call(SYS_set_robust_list, 0, sizeof(robust_list_head));
 }
 

@@ -17,11 +17,13 @@
 #include "host/kernel/address.h"
 #include "host/kernel/application_call.h"
 #include "host/kernel/fatal.h"
+#include "host/kernel/kernel_call.h"
 #include "host/memory/advertised_sve.h"
 #include "host/memory/application_memory.h"
 #include "host/memory/memory_map.h"
 #include "host/memory/own_files.h"
 #include "host/memory/program_break.h"
+#include "host/processes/execution.h"
 #include "host/processes/processes.h"
 #include "host/processes/robust_list.h"
 #include "host/processes/threads.h"
@@ -118,7 +120,7 @@ std::int64_t control_process(thread_state& thread, const std::uint64_t* x) {
 }
 
 std::int64_t set_tid_address(thread_state& thread) {
-  thread.clear_child_tid = thread.context.x[0];
+  thread.process.clear_child_tid = thread.context.x[0];
   return thread.tid;
 }
 
@@ -164,22 +166,6 @@ std::int64_t call(thread_state& thread) {
 }
 
 }  // namespace
-
-std::int64_t kernel_call(std::int64_t number, std::uint64_t a0, std::uint64_t a1, std::uint64_t a2,
-                         std::uint64_t a3, std::uint64_t a4, std::uint64_t a5) {
-  register std::uint64_t x0 asm("x0") = a0;
-  register std::uint64_t x1 asm("x1") = a1;
-  register std::uint64_t x2 asm("x2") = a2;
-  register std::uint64_t x3 asm("x3") = a3;
-  register std::uint64_t x4 asm("x4") = a4;
-  register std::uint64_t x5 asm("x5") = a5;
-  register std::int64_t x8 asm("x8") = number;
-  asm volatile("svc #0"
-               : "+r"(x0)
-               : "r"(x1), "r"(x2), "r"(x3), "r"(x4), "r"(x5), "r"(x8)
-               : "memory", "cc");
-  return static_cast<std::int64_t>(x0);
-}
 
 after_call handle_system_call(thread_state& thread) {
   switch (thread.context.x[8]) {

@@ -13,9 +13,12 @@
 #include "host/client/events.h"
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
+#include "host/kernel/kernel_call.h"
 #include "host/processes/dispatch.h"
 #include "host/processes/robust_list.h"
 #include "host/signals/signal_delivery.h"
+#include "host/signals/signals.h"
+#include "host/signals/thread_signals.h"
 
 namespace host {
 namespace {
@@ -42,13 +45,14 @@ void announce(birth& b) {
   const pid_t tid = b.thread->tid;
   if ((b.flags & CLONE_PARENT_SETTID) != 0) store_tid(b.parent_tid, tid);
   if ((b.flags & CLONE_CHILD_SETTID) != 0) store_tid(b.child_tid, tid);
-  if ((b.flags & CLONE_CHILD_CLEARTID) != 0) b.thread->clear_child_tid = b.child_tid;
+  if ((b.flags & CLONE_CHILD_CLEARTID) != 0) b.thread->process.clear_child_tid = b.child_tid;
 }
 
 void* run_new_thread(void* argument) {
   auto& b = *static_cast<birth*>(argument);
   thread_state& thread = *b.thread;
   bind_thread(thread);
+  install_signal_stack(thread);
   announce(b);
   const std::uint64_t mask = b.signal_mask;
   b.ready.release();  // `b` is gone from here on
@@ -115,12 +119,13 @@ void copy_registers(const thread_context& from, thread_context& to) {
 }
 
 std::int64_t clone_thread(thread_state& parent) {
-  if (parent.is_vfork_child) fatal("a thread in a process that vfork made is not supported");
+  if (parent.process.is_vfork_child)
+    fatal("a thread in a process that vfork made is not supported");
   thread_state* const child = acquire_thread();
   if (child == nullptr) return -EAGAIN;
   set_up_child(parent.context, child->context);
-  child->actions = parent.actions;
-  child->inherits_vector_length = parent.inherits_vector_length;
+  attach_signals(*child, *parent.signals->actions);
+  child->process.inherits_vector_length = parent.process.inherits_vector_length;
   const std::uint64_t mask = block_signals(parent);  // the new thread has no stack for them yet
   birth b = {.thread = child,
              .flags = parent.context.x[0],
@@ -137,13 +142,13 @@ std::int64_t clone_thread(thread_state& parent) {
 }
 
 after_call exit_thread(thread_state& thread, int status) {
-  if (thread.is_vfork_child) leave_vforked(status);
+  if (thread.process.is_vfork_child) leave_vforked(status);
   if (is_initial_thread(thread)) status_of_initial_thread = status;
   return after_call::end_thread;
 }
 
 after_call exit_process(thread_state& thread, int status) {
-  if (thread.is_vfork_child) leave_vforked(status);
+  if (thread.process.is_vfork_child) leave_vforked(status);
   if (!stop_other_threads()) return after_call::end_thread;
   run_thread_exit_events(thread);
   retire_thread(thread);
@@ -153,7 +158,7 @@ after_call exit_process(thread_state& thread, int status) {
 void finish_thread(thread_state& thread) {
   stop_taking_signals(thread);
   const bool initial = is_initial_thread(thread);
-  const std::uint64_t clear_child_tid = thread.clear_child_tid;
+  const std::uint64_t clear_child_tid = thread.process.clear_child_tid;
   const int left = retire_thread(thread);
   if (process_is_ending()) wait_for_the_end();
   if (left == 0) end_process(status_of_initial_thread);

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "host/processes/syscalls.h"
+#include "host/processes/dispatch.h"
 #include "host/threads/thread.h"
 
 namespace host {

@@ -1,10 +1,9 @@
 #include "host/signals/signal_actions.h"
 
 #include <csignal>
-#include <sys/syscall.h>
 
 #include "host/kernel/address.h"
-#include "host/processes/syscalls.h"
+#include "host/signals/host_signals.h"
 #include "host/signals/signals.h"
 
 namespace host {
@@ -15,11 +14,6 @@ constexpr std::uint64_t all_signals = ~std::uint64_t{0};
 // Flags that change what the kernel does before or without the handler. SA_NODEFER and SA_RESETHAND
 // take effect at delivery, and the alternate stack is the host's.
 constexpr std::uint64_t kernel_flags = SA_NOCLDSTOP | SA_NOCLDWAIT | SA_RESTART;
-
-std::int64_t tell_kernel(int signal, const kernel_action& action) {
-  return kernel_call(SYS_rt_sigaction, static_cast<std::uint64_t>(signal), address_of(&action), 0,
-                     sizeof action.mask);
-}
 
 // With all signals blocked, the interrupted thread takes no second one before it has seen to the
 // first.
@@ -35,9 +29,7 @@ kernel_action for_kernel(const kernel_action& action) {
 
 signal_actions::signal_actions() {
   for (int signal = 1; signal <= highest_signal; ++signal) {
-    kernel_action& action = actions_[static_cast<std::size_t>(signal)];
-    kernel_call(SYS_rt_sigaction, static_cast<std::uint64_t>(signal), 0, address_of(&action),
-                sizeof action.mask);
+    actions_[static_cast<std::size_t>(signal)] = action_in_kernel(signal);
   }
 }
 
@@ -55,7 +47,7 @@ std::int64_t signal_actions::set(int signal, const kernel_action& action, kernel
   const std::lock_guard lock(mutex_);
   kernel_action& kept = actions_[static_cast<std::size_t>(signal)];
   if (!is_host_signal(signal)) {
-    const std::int64_t error = tell_kernel(signal, for_kernel(action));
+    const std::int64_t error = set_action_in_kernel(signal, for_kernel(action));
     if (error < 0) return error;
   }
   previous = kept;
@@ -70,7 +62,7 @@ kernel_action signal_actions::take(int signal) {
   const kernel_action taken = kept;
   if (taken.has_handler() && (taken.flags & SA_RESETHAND) != 0) {
     kept.handler = 0;
-    if (!is_host_signal(signal)) tell_kernel(signal, kept);
+    if (!is_host_signal(signal)) set_action_in_kernel(signal, kept);
   }
   return taken;
 }
@@ -79,7 +71,7 @@ void signal_actions::tell_kernel_of_ignored() const {
   const std::lock_guard lock(mutex_);
   for (int signal = 1; signal <= highest_signal; ++signal) {
     const kernel_action& kept = actions_[static_cast<std::size_t>(signal)];
-    if (is_host_signal(signal) && kept.is_ignored()) tell_kernel(signal, kept);
+    if (is_host_signal(signal) && kept.is_ignored()) set_action_in_kernel(signal, kept);
   }
 }
 

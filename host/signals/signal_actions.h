@@ -2,7 +2,7 @@
 //
 // The kernel itself is told of SIG_DFL and SIG_IGN as they are, so that stops, ignored signals and
 // what exec inherits are its own business. In place of a handler it gets the host's entry. The
-// actions of the host's own signals (host/signals/signals.h) stay the host's whatever the
+// actions of the host's own signals (host/signals/host_signals.h) stay the host's whatever the
 // application asks.
 #pragma once
 
@@ -11,24 +11,9 @@
 #include <mutex>
 
 #include "host/kernel/fork_lock.h"
+#include "host/kernel/kernel_action.h"
 
 namespace host {
-
-inline constexpr int highest_signal = 64;
-
-// The kernel's struct sigaction, which isn't the C library's.
-struct kernel_action {
-  std::uint64_t handler;  // 0: SIG_DFL, 1: SIG_IGN
-  std::uint64_t flags;
-  std::uint64_t restorer;
-  std::uint64_t mask;
-
-  [[nodiscard]] bool is_default() const { return handler == 0; }
-  [[nodiscard]] bool is_ignored() const { return handler == 1; }
-  [[nodiscard]] bool has_handler() const { return handler > 1; }
-};
-
-constexpr std::uint64_t signal_bit(int signal) { return std::uint64_t{1} << (signal - 1); }
 
 class signal_actions {
  public:

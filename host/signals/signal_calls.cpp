@@ -9,9 +9,12 @@
 #include "host/kernel/address.h"
 #include "host/kernel/application_call.h"
 #include "host/kernel/guarded_copy.h"
-#include "host/processes/syscalls.h"
+#include "host/kernel/kernel_call.h"
+#include "host/signals/host_signals.h"
+#include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
 #include "host/signals/signal_frame.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 
 namespace host {
@@ -49,11 +52,11 @@ std::int64_t set_signal_action(thread_state& thread, const std::uint64_t* x) {
   if (x[3] != mask_bytes || x[0] == 0 || x[0] > highest_signal) return -EINVAL;
   const int signal = static_cast<int>(x[0]);
   kernel_action wanted{};
-  kernel_action previous = thread.actions->get(signal);
+  kernel_action previous = thread.signals->actions->get(signal);
   if (x[1] != 0) {
     if (!read_from_application(x[1], wanted)) return -EFAULT;
     if (signal == SIGKILL || signal == SIGSTOP) return -EINVAL;
-    const std::int64_t error = thread.actions->set(signal, wanted, previous);
+    const std::int64_t error = thread.signals->actions->set(signal, wanted, previous);
     if (error < 0) return error;
   }
   if (x[2] != 0 && !write_to_application(x[2], previous)) return -EFAULT;
@@ -73,7 +76,7 @@ std::int64_t change_signal_mask(thread_state& thread, const std::uint64_t* x) {
 std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x) {
   stack_t wanted{};
   if (x[0] != 0 && !read_from_application(x[0], wanted)) return -EFAULT;
-  stack_t old = thread.signal_stack;
+  stack_t old = thread.signals->alternate_stack;
   old.ss_flags |= signal_stack_status(thread);
   if (x[0] != 0) {
     const int mode = wanted.ss_flags & ~stack_autodisarm;
@@ -86,7 +89,7 @@ std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x) {
       return -ENOMEM;
     }
     wanted.ss_flags &= stack_autodisarm;
-    thread.signal_stack = wanted;
+    thread.signals->alternate_stack = wanted;
   }
   return x[1] == 0 || write_to_application(x[1], old) ? 0 : -EFAULT;
 }
@@ -95,7 +98,7 @@ std::int64_t get_pending_signals(thread_state& thread, const std::uint64_t* x) {
   std::uint64_t mask = 0;
   if (x[1] > mask_bytes) return -EINVAL;
   kernel_call(SYS_rt_sigpending, address_of(&mask), mask_bytes);
-  for (const pending_signal& sent : thread.waiting.sent_faults) {
+  for (const pending_signal& sent : thread.signals->pending.sent_faults) {
     if (sent.signal != 0) mask |= signal_bit(sent.signal);
   }
   return guarded_copy(pointer_to(x[0]), &mask, x[1]) == 0 ? 0 : -EFAULT;
@@ -104,7 +107,7 @@ std::int64_t get_pending_signals(thread_state& thread, const std::uint64_t* x) {
 std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x) {
   std::uint64_t wanted = 0;
   if (x[3] == mask_bytes && read_from_application(x[0], wanted)) {
-    for (pending_signal& sent : thread.waiting.sent_faults) {
+    for (pending_signal& sent : thread.signals->pending.sent_faults) {
       if (sent.signal == 0 || (wanted & signal_bit(sent.signal)) == 0) continue;
       const pending_signal taken = std::exchange(sent, {});
       return x[1] == 0 || write_to_application(x[1], taken.info) ? taken.signal : -EFAULT;

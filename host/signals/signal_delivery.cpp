@@ -9,8 +9,13 @@
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
 #include "host/kernel/guarded_copy.h"
-#include "host/processes/syscalls.h"
+#include "host/kernel/kernel_action.h"
+#include "host/kernel/kernel_call.h"
+#include "host/signals/host_signals.h"
+#include "host/signals/signal_actions.h"
 #include "host/signals/signal_frame.h"
+#include "host/signals/signals.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 
 namespace host {
@@ -51,13 +56,14 @@ void enter_handler(thread_state& thread, const pending_signal& arrived, const ke
 
 void deliver_fault(thread_state& thread, const pending_signal& fault, std::uint64_t& mask) {
   const bool blocked = (mask & signal_bit(fault.signal)) != 0;
-  const kernel_action action = blocked ? kernel_action{} : thread.actions->take(fault.signal);
+  const kernel_action action =
+      blocked ? kernel_action{} : thread.signals->actions->take(fault.signal);
   if (!action.has_handler()) end_by_fault(thread, fault);
   enter_handler(thread, fault, action, mask);
 }
 
 void deliver_sent(thread_state& thread, const pending_signal& arrived, std::uint64_t& mask) {
-  const kernel_action action = thread.actions->take(arrived.signal);
+  const kernel_action action = thread.signals->actions->take(arrived.signal);
   if (action.has_handler()) {
     enter_handler(thread, arrived, action, mask);
   } else if (action.is_default()) {
@@ -65,43 +71,43 @@ void deliver_sent(thread_state& thread, const pending_signal& arrived, std::uint
   }
 }
 
-pending_signal take(pending_signal& waiting) { return std::exchange(waiting, pending_signal{}); }
+pending_signal take(pending_signal& pending) { return std::exchange(pending, pending_signal{}); }
 
 }  // namespace
 
 std::uint64_t block_signals(thread_state& thread) {
   const std::uint64_t old = set_kernel_mask(~host_signal_mask());
-  const pending_signal& other = thread.waiting.other;
+  const pending_signal& other = thread.signals->pending.other;
   const std::uint64_t mask = other.signal != 0 ? other.mask : old;
-  return (mask & ~host_signal_mask()) | thread.blocked_host_signals;
+  return (mask & ~host_signal_mask()) | thread.signals->blocked_host_signals;
 }
 
 // While a signal waits, all stay blocked, and the mask waits with it.
 void set_application_mask(thread_state& thread, std::uint64_t mask) {
   mask &= ~never_blocked;
-  thread.blocked_host_signals = mask & host_signal_mask();
-  if (thread.waiting.other.signal != 0) {
-    thread.waiting.other.mask = mask;
+  thread.signals->blocked_host_signals = mask & host_signal_mask();
+  if (thread.signals->pending.other.signal != 0) {
+    thread.signals->pending.other.mask = mask;
   } else {
     set_kernel_mask(mask & ~host_signal_mask());
   }
-  for (const pending_signal& sent : thread.waiting.sent_faults) {
+  for (const pending_signal& sent : thread.signals->pending.sent_faults) {
     if (sent.signal != 0 && (mask & signal_bit(sent.signal)) == 0) thread.context.attention = 1;
   }
 }
 
 void deliver_signals(thread_state& thread) {
-  pending_signals& waiting = thread.waiting;
+  pending_signals& pending = thread.signals->pending;
   const std::uint64_t interrupted_mask = block_signals(thread);
   std::uint64_t mask = interrupted_mask;
-  if (waiting.fault.signal != 0) deliver_fault(thread, take(waiting.fault), mask);
-  for (pending_signal& sent : waiting.sent_faults) {
+  if (pending.fault.signal != 0) deliver_fault(thread, take(pending.fault), mask);
+  for (pending_signal& sent : pending.sent_faults) {
     if (sent.signal == 0 || (mask & signal_bit(sent.signal)) != 0) continue;
     deliver_sent(thread, take(sent), mask);
   }
-  if (waiting.other.signal != 0) {
+  if (pending.other.signal != 0) {
     // The kernel has let it come, whatever the mask says that waits behind sigsuspend.
-    const pending_signal other = take(waiting.other);
+    const pending_signal other = take(pending.other);
     if ((mask & ~interrupted_mask & signal_bit(other.signal)) != 0) {
       send_again(other.signal, other.info);
     } else {
@@ -112,7 +118,7 @@ void deliver_signals(thread_state& thread) {
 }
 
 void raise_fetch_fault(thread_state& thread, int signal) {
-  pending_signal& fault = thread.waiting.fault;
+  pending_signal& fault = thread.signals->pending.fault;
   fault = {.signal = signal, .fault_address = thread.context.pc};
   fault.info.si_signo = signal;
   fault.info.si_code = SEGV_MAPERR;
@@ -139,7 +145,7 @@ void return_from_signal(thread_state& thread) {
 
 void stop_taking_signals(thread_state& thread) {
   set_kernel_mask(~host_signal_mask());
-  const pending_signal other = take(thread.waiting.other);
+  const pending_signal other = take(thread.signals->pending.other);
   if (other.signal == 0 || other.info.si_code == SI_TKILL) return;
   kernel_call(SYS_rt_sigqueueinfo, static_cast<std::uint64_t>(getpid()),
               static_cast<std::uint64_t>(other.signal), address_of(&other.info));

@@ -8,6 +8,8 @@
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
 #include "host/kernel/guarded_copy.h"
+#include "host/kernel/kernel_action.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 
 namespace host {
@@ -68,12 +70,13 @@ void write_registers(const thread_context& from, const pending_signal& arrived, 
 std::uint64_t top_of_stack(const thread_state& thread, const kernel_action& action) {
   const bool alternate = (action.flags & SA_ONSTACK) != 0 && signal_stack_status(thread) == 0;
   if (!alternate) return thread.context.sp;
-  return address_of(thread.signal_stack.ss_sp) + thread.signal_stack.ss_size;
+  return address_of(thread.signals->alternate_stack.ss_sp) +
+         thread.signals->alternate_stack.ss_size;
 }
 
 // A program that was interrupted on its alternate stack must not run over that stack's end.
 bool overflows(const thread_state& thread, std::uint64_t sp) {
-  return signal_stack_status(thread) == SS_ONSTACK && !is_on(thread.signal_stack, sp);
+  return signal_stack_status(thread) == SS_ONSTACK && !is_on(thread.signals->alternate_stack, sp);
 }
 
 // The two instructions that C libraries and unwinders know as the return from a handler:
@@ -127,8 +130,8 @@ void read_records(const mcontext_t& from, thread_context& to) {
 }  // namespace
 
 int signal_stack_status(const thread_state& thread) {
-  if (thread.signal_stack.ss_size == 0) return SS_DISABLE;
-  return is_on(thread.signal_stack, thread.context.sp) ? SS_ONSTACK : 0;
+  if (thread.signals->alternate_stack.ss_size == 0) return SS_DISABLE;
+  return is_on(thread.signals->alternate_stack, thread.context.sp) ? SS_ONSTACK : 0;
 }
 
 bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
@@ -137,15 +140,15 @@ bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
   const std::uint64_t sp = align_down(record - sizeof(frame));
   if (overflows(thread, sp)) return false;
   frame made{.info = arrived.info, .context = {}};
-  made.context.uc_stack = thread.signal_stack;
+  made.context.uc_stack = thread.signals->alternate_stack;
   // As in the kernel, it does not tell whether the stack is in use.
   if (signal_stack_status(thread) == SS_DISABLE) made.context.uc_stack.ss_flags |= SS_DISABLE;
   std::memcpy(&made.context.uc_sigmask, &mask, sizeof mask);
   write_registers(thread.context, arrived, made.context.uc_mcontext);
   const frame_record interrupted = {thread.context.x[29], thread.context.x[30]};
   if (!write_to_application(record, interrupted) || !write_to_application(sp, made)) return false;
-  if ((thread.signal_stack.ss_flags & stack_autodisarm) != 0) {
-    thread.signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
+  if ((thread.signals->alternate_stack.ss_flags & stack_autodisarm) != 0) {
+    thread.signals->alternate_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
   }
   enter_handler(thread.context, action, arrived.signal, sp, record);
   return true;
@@ -165,9 +168,9 @@ bool pop_signal_frame(thread_state& thread, std::uint64_t& mask) {
   const stack_t& stack = found.context.uc_stack;
   if (signal_stack_status(thread) != SS_ONSTACK) {
     const bool disabled = (stack.ss_flags & SS_DISABLE) != 0;
-    thread.signal_stack = {.ss_sp = disabled ? nullptr : stack.ss_sp,
-                           .ss_flags = stack.ss_flags & stack_autodisarm,
-                           .ss_size = disabled ? 0 : stack.ss_size};
+    thread.signals->alternate_stack = {.ss_sp = disabled ? nullptr : stack.ss_sp,
+                                       .ss_flags = stack.ss_flags & stack_autodisarm,
+                                       .ss_size = disabled ? 0 : stack.ss_size};
   }
   return true;
 }

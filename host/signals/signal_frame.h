@@ -4,11 +4,10 @@
 
 #include <cstdint>
 
-#include "host/signals/signal_actions.h"
-#include "host/signals/signals.h"
-
 namespace host {
 
+struct kernel_action;
+struct pending_signal;
 struct thread_state;
 
 // The kernel's SS_AUTODISARM, which C libraries lack: the stack is given up while a handler runs.

@@ -14,8 +14,10 @@
 #include "host/kernel/application_call.h"
 #include "host/kernel/fatal.h"
 #include "host/kernel/guarded_copy.h"
-#include "host/processes/syscalls.h"
-#include "host/signals/signal_actions.h"
+#include "host/kernel/kernel_action.h"
+#include "host/kernel/kernel_call.h"
+#include "host/signals/host_signals.h"
+#include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 #include "host/translation/context_switch.h"
 
@@ -167,7 +169,7 @@ class arrival {
     } else if (thread_.cache.contains(pc)) {
       thread_.cache.recover(machine(), thread_.context);
       thread_.context.tpidr = interrupted_tpidr_;
-      thread_.waiting.fault = as_pending();
+      thread_.signals->pending.fault = as_pending();
       thread_.context.attention = 1;
       leave();
     } else if (!call_client_handler(signal_, &info_, &context_)) {
@@ -181,19 +183,19 @@ class arrival {
       print_line("%s in the launcher or its client, at %#llx, accessing %p", name_of(signal_),
                  machine().pc, info_.si_addr);
     }
-    restore_default_action(signal_);
+    set_action_in_kernel(signal_, kernel_action{});
   }
 
   void take_sent_signal() {
     const auto* const own = std::ranges::find(fault_signals, signal_);
     if (own != fault_signals.end()) {
       const auto index = static_cast<std::size_t>(own - fault_signals.begin());
-      pending_signal& waiting = thread_.waiting.sent_faults[index];
-      if (waiting.signal == 0) waiting = as_pending();
+      pending_signal& pending = thread_.signals->pending.sent_faults[index];
+      if (pending.signal == 0) pending = as_pending();
     } else {
       // Client code that longjmps out of a fault of its own brings its old mask back.
-      if (thread_.waiting.other.signal == 0) {
-        thread_.waiting.other = as_pending();
+      if (thread_.signals->pending.other.signal == 0) {
+        thread_.signals->pending.other = as_pending();
       } else {
         send_again(signal_, info_);
       }
@@ -239,8 +241,7 @@ void install(int signal) {
                                 .flags = SA_SIGINFO | SA_ONSTACK | SA_RESTART | SA_NODEFER,
                                 .restorer = 0,
                                 .mask = all_signals & ~host_signal_mask()};
-  kernel_call(SYS_rt_sigaction, static_cast<std::uint64_t>(signal), address_of(&action), 0,
-              sizeof action.mask);
+  set_action_in_kernel(signal, action);
 }
 
 void* map_aligned(std::size_t bytes) {
@@ -255,26 +256,10 @@ void* map_aligned(std::size_t bytes) {
 
 }  // namespace
 
-bool is_fault_signal(int signal) { return std::ranges::count(fault_signals, signal) != 0; }
-
-bool is_host_signal(int signal) { return is_fault_signal(signal) || signal == stop_signal; }
-
-std::uint64_t host_signal_mask() {
-  std::uint64_t mask = signal_bit(stop_signal);
-  for (const int signal : fault_signals) mask |= signal_bit(signal);
-  return mask;
-}
-
 void send_again(int signal, const siginfo_t& info) {
   kernel_call(SYS_rt_tgsigqueueinfo, static_cast<std::uint64_t>(getpid()),
               static_cast<std::uint64_t>(kernel_call(SYS_gettid)),
               static_cast<std::uint64_t>(signal), address_of(&info));
-}
-
-void restore_default_action(int signal) {
-  const kernel_action action{};
-  kernel_call(SYS_rt_sigaction, static_cast<std::uint64_t>(signal), address_of(&action), 0,
-              sizeof action.mask);
 }
 
 void install_signal_handlers() {
@@ -283,12 +268,10 @@ void install_signal_handlers() {
 }
 
 void install_signal_stack(thread_state& thread) {
-  if (thread.signal_stack_memory == nullptr) {
-    thread.signal_stack_memory = map_aligned(signal_stack_bytes);
-  }
-  *static_cast<thread_state**>(thread.signal_stack_memory) = &thread;
-  const stack_t stack = {
-      .ss_sp = thread.signal_stack_memory, .ss_flags = 0, .ss_size = signal_stack_bytes};
+  void*& memory = thread.signals->entry_stack;
+  if (memory == nullptr) memory = map_aligned(signal_stack_bytes);
+  *static_cast<thread_state**>(memory) = &thread;
+  const stack_t stack = {.ss_sp = memory, .ss_flags = 0, .ss_size = signal_stack_bytes};
   sigaltstack(&stack, nullptr);
 }
 

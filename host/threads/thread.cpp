@@ -8,7 +8,6 @@
 
 #include "host/kernel/address.h"
 #include "host/kernel/fork_lock.h"
-#include "host/signals/signals.h"
 #include "host/translation/context_switch.h"
 
 namespace host {
@@ -20,7 +19,7 @@ fork_safe_mutex registry_mutex;
 std::atomic<thread_state*> registry = nullptr;
 std::atomic<int> active_threads = 0;
 std::atomic<bool> ending = false;
-pid_t process = getpid();  // whose threads are registered; not that of a vforked child
+pid_t process_id = getpid();  // whose threads are registered; not that of a vforked child
 
 std::uint64_t read_tpidr() {
   std::uint64_t value = 0;
@@ -47,7 +46,7 @@ constexpr timespec a_moment = {.tv_sec = 0, .tv_nsec = 1'000'000};
 // Has the thread look at its attention word, wherever it is.
 void poke(thread_state& thread) {
   std::atomic_ref(thread.context.attention).store(1);
-  syscall(SYS_tgkill, process, thread.tid, stop_signal);
+  syscall(SYS_tgkill, process_id, thread.tid, stop_signal);
 }
 
 // A thread in the kernel may not answer for long, in a call that no signal ends; it will find the
@@ -63,15 +62,9 @@ void thread_state::reset() {
   context = {};
   cache.flush();
   tls_fields = {};
-  clear_child_tid = 0;
-  robust_list = 0;
-  signal_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
-  waiting = {};
-  blocked_host_signals = 0;
+  process = {};
   stale.take();
   stop_requested = false;
-  is_vfork_child = false;
-  inherits_vector_length = false;
 }
 
 thread_state* current_thread() { return bound_thread; }
@@ -94,7 +87,6 @@ void bind_thread(thread_state& thread) {
   thread.context.host_tpidr = read_tpidr();
   thread.context.exit_entry = address_of(&leave_cache_with_record);
   thread.context.call_entry = address_of(&call_client);
-  install_signal_stack(thread);
 }
 
 int retire_thread(thread_state& thread) {
@@ -125,7 +117,7 @@ void keep_only(thread_state& survivor) {
   registry = &survivor;
   active_threads = 1;
   ending = false;
-  process = survivor.tid;
+  process_id = survivor.tid;
 }
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit) {

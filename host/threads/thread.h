@@ -11,8 +11,6 @@
 #include <functional>
 #include <sys/types.h>
 
-#include "host/signals/signal_actions.h"
-#include "host/signals/signals.h"
 #include "host/threads/stale_code.h"
 #include "host/translation/branch_tables.h"
 #include "host/translation/code_cache.h"
@@ -20,28 +18,40 @@
 
 namespace host {
 
+struct thread_signals;
+
 inline constexpr int tls_field_count = 16;
 
-struct thread_state : followed_by_branch_tables {
-  thread_context context{};  // first: X28 points here, and a drcontext is this record's address
-  code_cache cache{context};
-  std::array<void*, tls_field_count> tls_fields{};
-  pid_t tid = 0;
-  std::uint64_t clear_child_tid = 0;  // where the kernel would clear the thread's number at its end
-  std::uint64_t robust_list = 0;      // that the kernel knows; 0: none
-  stack_t signal_stack{};             // that the application asked for
-  signal_actions* actions = nullptr;  // of its process
-  pending_signals waiting;
-  std::uint64_t blocked_host_signals = 0;  // that the application has blocked; really they are not
-  void* signal_stack_memory = nullptr;     // the host's, kept with the record
-  stale_code stale;
-  std::atomic<bool> stop_requested = false;
-  std::atomic<bool> in_cache = false;   // or in a call from there; not in the dispatcher
-  std::atomic<bool> active = false;     // between its thread-init and thread-exit events
+// Sent by one thread to another to have its attention: the process ends, or code has changed.
+// Nothing else on Linux uses it.
+inline constexpr int stop_signal = SIGSTKFLT;
+
+// What the kernel would keep for a thread; the calls in host/processes see to it.
+struct thread_process {
+  std::uint64_t clear_child_tid = 0;    // where the thread's number is cleared at its end
+  std::uint64_t robust_list = 0;        // that the kernel knows; 0: none
   bool is_vfork_child = false;          // its memory and all records are its parent's
   bool inherits_vector_length = false;  // PR_SVE_VL_INHERIT
-  bool in_use = false;                  // guarded by the registry's lock
-  thread_state* next = nullptr;         // in the registry
+};
+
+// The record has a part for each floor that keeps something for a thread.
+struct thread_state : followed_by_branch_tables {
+  // Translation.
+  thread_context context{};  // first: X28 points here, and a drcontext is this record's address
+  code_cache cache{context};
+  stale_code stale;
+  std::atomic<bool> in_cache = false;  // or in a call from there; not in the dispatcher
+
+  std::array<void*, tls_field_count> tls_fields{};  // the client's
+  thread_signals* signals = nullptr;                // host/signals/thread_signals.h
+  thread_process process;
+
+  // The registry.
+  pid_t tid = 0;
+  std::atomic<bool> stop_requested = false;
+  std::atomic<bool> active = false;  // between its thread-init and thread-exit events
+  bool in_use = false;               // guarded by the registry's lock
+  thread_state* next = nullptr;
 
   void reset();
 };
@@ -52,7 +62,7 @@ thread_state* current_thread();
 // A record for a new thread, registered as active; null if the process is ending.
 thread_state* acquire_thread();
 
-// Makes the record the calling thread's: its number, its TPIDR_EL0, its signal stack.
+// Makes the record the calling thread's: its number, its TPIDR_EL0.
 void bind_thread(thread_state& thread);
 
 // Takes the thread out of the active ones. Returns how many are left.

@@ -7,7 +7,7 @@
 #include <sys/syscall.h>
 #include <ucontext.h>
 
-#include "host/processes/syscalls.h"
+#include "host/kernel/kernel_call.h"
 #include "host/signals/signal_actions.h"
 #include "host/threads/thread.h"
 #include "host/translation/context_switch.h"

@@ -1,0 +1,16 @@
+#include "host/signals/thread_signals.h"
+
+#include "host/threads/thread.h"
+
+namespace host {
+
+void attach_signals(thread_state& thread, signal_actions& actions) {
+  if (thread.signals == nullptr) thread.signals = new thread_signals;
+  *thread.signals = {.actions = &actions,
+                     .pending = {},
+                     .blocked_host_signals = 0,
+                     .alternate_stack = {},
+                     .entry_stack = thread.signals->entry_stack};
+}
+
+}  // namespace host
