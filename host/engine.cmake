@@ -47,5 +47,5 @@ add_library(host_engine OBJECT
   threads/stale_code.cpp
   processes/syscalls.cpp
   threads/thread.cpp
-  processes/threads.cpp)
+  processes/thread_calls.cpp)
 target_link_libraries(host_engine PUBLIC host_loader Threads::Threads ${CMAKE_DL_LIBS})

@@ -12,7 +12,7 @@
 #include "host/memory/program_break.h"
 #include "host/processes/dispatch.h"
 #include "host/processes/syscalls.h"
-#include "host/processes/threads.h"
+#include "host/processes/thread_calls.h"
 #include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
 #include "host/signals/signals.h"

@@ -17,7 +17,7 @@
 #include "host/kernel/kernel_call.h"
 #include "host/kernel/process_call.h"
 #include "host/processes/dispatch.h"
-#include "host/processes/threads.h"
+#include "host/processes/thread_calls.h"
 #include "host/signals/signal_actions.h"
 #include "host/signals/signal_delivery.h"
 #include "host/signals/thread_signals.h"

@@ -26,7 +26,7 @@
 #include "host/processes/execution.h"
 #include "host/processes/processes.h"
 #include "host/processes/robust_list.h"
-#include "host/processes/threads.h"
+#include "host/processes/thread_calls.h"
 #include "host/signals/signal_calls.h"
 #include "host/signals/signal_delivery.h"
 #include "host/threads/thread.h"

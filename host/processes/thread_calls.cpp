@@ -1,4 +1,4 @@
-#include "host/processes/threads.h"
+#include "host/processes/thread_calls.h"
 
 #include <cerrno>
 #include <climits>
