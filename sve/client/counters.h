@@ -1,9 +1,9 @@
 // The counts of emulated instructions: in total, and by address.
 //
-// The table is gathered on every emulated instruction, under one lock, and stays unprinted unless
-// somebody asks for it. Both objects are inline variables, so that in every source that includes
-// this header they are constructed before, and destroyed after, that source's own static objects:
-// the load-time initialiser of the decode maps needs no call to bring them up first.
+// Every emulated instruction updates the table, under one lock. Nothing prints it unless somebody
+// asks. Both objects are inline variables. In every source that includes this header, they are
+// therefore constructed before that source's own static objects and destroyed after them. The
+// load-time initialiser of the decode maps does not have to call anything to set them up.
 #pragma once
 
 #include <atomic>
@@ -12,19 +12,20 @@
 #include <mutex>
 #include <utility>
 
-// Instructions emulated with success, in all threads together.
+// Instructions that were emulated successfully, over all threads.
 inline std::atomic<std::uint64_t> sve_instr_count{0};
 
 // Guards `icounts`.
 inline std::mutex icounts_mutex;
 
-// By application address: the instruction word that was first met there, and how many times an
-// instruction was emulated there with success.
+// The key is an application address. The value is the instruction word first counted there, and how
+// many times an instruction was emulated there successfully.
 inline std::map<unsigned int*, std::pair<unsigned int, std::atomic<unsigned long>>> icounts;
 
-// Counts one success of `word` at `pc`. An address keeps the word that it was first counted with.
+// Counts one successful emulation of `word` at `pc`. An address keeps the word it was first counted
+// with.
 void update_sve_stats(unsigned int* pc, unsigned int word);
 
-// Prints "address: word count" to stderr, a line for each address, in ascending order. Takes no
-// lock: to be called while no other thread emulates.
+// Prints "address: word count" to stderr, one line per address, in ascending order. It takes no
+// lock: call it only while no other thread emulates.
 void dump_sve_stats();

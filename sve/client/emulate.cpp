@@ -8,8 +8,8 @@
 
 namespace {
 
-// The registers that the inserted code cannot reach: it works in X26 and X27, and X28 is the host's
-// own. Their application values wait in save slots.
+// The registers that the inserted code cannot transfer: it works in X26 and X27, and the host keeps
+// X28 for itself. Their application values are in save slots.
 struct slotted_register {
   unsigned number;
   dr_spill_slot_t slot;

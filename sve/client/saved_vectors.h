@@ -1,10 +1,11 @@
-// What a signal must not change in the code that it interrupts, and no register of the processor
-// holds: the upper parts of the Z registers, the predicates and the FFR.
+// The state that a signal must preserve in the code it interrupts, and that no register of the
+// processor holds: the upper parts of the Z registers, the predicates and the FFR.
 //
-// The kernel of a processor with SVE keeps them in the signal frame. Here they wait beside it,
-// under the frame's address: a handler that returns gets back what it interrupted, however handlers
-// nest, and one that jumps out never asks, so that its registers stand as they are. What was saved
-// for it goes when a frame comes to lie at the same address, or when too much has gathered.
+// The kernel of a processor with SVE keeps them in the signal frame. Here they are kept outside it,
+// keyed by the frame's address. When a handler returns, the code it interrupted gets its values
+// back, however deeply handlers nest. A handler that jumps out never asks for them, so the
+// registers stay as they are. Its entry is dropped when a new frame gets the same address, or when
+// there are too many entries.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +18,7 @@ namespace sve {
 
 class saved_vectors {
  public:
-  // Handlers of one thread that are interrupted in turn. Beyond that, the oldest are forgotten.
+  // The most entries that one thread keeps. Beyond that, the oldest entry is dropped.
   static constexpr std::size_t most = 256;
 
   void save(std::uint64_t frame, const cpu_state& state);

@@ -1,8 +1,9 @@
 target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counters.cpp)
 
 if(NOT TESSALY_CORE_ONLY)
-  # What a host loads. It exports the whole core by name; the host's functions stay undefined, they
-  # come from the executable that loads it. Its own definitions bind within, whatever that exports.
+  # The library that a host loads. It exports the whole core by name. The host's functions stay
+  # undefined here, because the executable that loads the library provides them. -Bsymbolic makes
+  # the library use its own definitions, whatever that executable exports.
   add_library(sve_client SHARED)
   target_sources(sve_client PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/emulate.cpp

@@ -1,7 +1,7 @@
 // The client: what it sets up when the host loads it, and what it does with each block.
 //
-// The host must run with thread-private code caches: the address of a thread's cpu_state stands as
-// an immediate in the blocks that were rewritten on that thread.
+// The host must run with thread-private code caches: a block that was rewritten on a thread
+// contains the address of that thread's cpu_state as an immediate.
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -20,7 +20,7 @@
 
 extern "C" {
 
-// Version of the host's interface that this client is written for; the host reads it at load.
+// The version of the host's interface that this client is written for. The host reads it at load.
 DR_EXPORT int _USES_DR_VERSION_;
 int _USES_DR_VERSION_ = 602;
 
@@ -36,7 +36,7 @@ namespace {
 
 app_pc exe_start = nullptr;
 
-// Instructions of rewritten blocks that no decode map knows, counted at translation.
+// Instructions of rewritten blocks that are in no decode map, counted at translation.
 std::atomic<std::uint64_t> aarch64_instr_count{0};
 
 void fail_assertion(int line, const char* condition) {
@@ -45,14 +45,14 @@ void fail_assertion(int line, const char* condition) {
   dr_abort();
 }
 
-// A macro for the caller's line. The text is told apart from the condition, so that the message
+// A macro, to get the caller's line number. The text is a separate argument, so that the message
 // does not depend on how the condition is written.
 #define CLIENT_ASSERT(condition, text) \
   ((condition) ? static_cast<void>(0) : fail_assertion(__LINE__, text))
 
 // --- Blocks ------------------------------------------------------------------------------------
 
-// Whether the block at `tag` is emulated: the main module's, or code outside of any module.
+// Whether to emulate the block at `tag`: it is in the main module, or outside of every module.
 bool is_rewritten(void* tag) {
   module_data_t* module = dr_lookup_module(dr_fragment_app_pc(tag));
   if (module == nullptr) return true;
@@ -130,7 +130,7 @@ void event_exit() {
   drmgr_exit();
 }
 
-// The client has no options: an argument that is not "--" is an error, what follows one is ignored.
+// The client has no options: a first argument other than "--" is an error. The rest is ignored.
 void scan_arguments(int argc, const char* argv[]) {
   if (argc < 2 || std::strcmp(argv[1], "--") == 0) return;
   dr_fprintf(our_stderr, "Usage error: Unknown option: %s\n", argv[1]);
@@ -144,7 +144,7 @@ void register_events() {
   CLIENT_ASSERT(drmgr_register_bb_app2app_event(event_instruction_change, nullptr), "false");
 }
 
-// A child of fork must not find the counts locked by a thread that it hasn't.
+// The counts must not be locked in a child of fork by a thread that does not exist there.
 int hold_counts_across_fork() {
   return pthread_atfork([] { icounts_mutex.lock(); }, [] { icounts_mutex.unlock(); },
                         [] { icounts_mutex.unlock(); });

@@ -1,4 +1,4 @@
-// Where a thread's cpu_state is found: in a field of the host's per-thread storage, from the
+// Where to find a thread's cpu_state: in a field of the host's per-thread storage, from the
 // thread's init event to its exit event.
 #pragma once
 
@@ -6,7 +6,7 @@
 
 namespace sve {
 
-// Takes a field from the host: once, when the client starts.
+// Takes a field from the host. Call it once, when the client starts.
 void register_thread_state_field();
 
 cpu_state* thread_state(void* drcontext);

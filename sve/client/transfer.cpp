@@ -1,9 +1,10 @@
-// One sequence serves all instructions: the word and the handler differ, the code does not. It
-// transfers everything and so needs to know nothing of the registers that an instruction reads or
-// writes. X26 carries values and X27 the state's address, because before the transfer nothing else
-// is free; their application values wait in save slots 1 and 2, and that of X28, which the host
-// keeps for itself, in slot 3. emulate_instruction reads and writes these three slots, so that an
-// emulated write to one of the three registers arrives through its slot after the call.
+// One sequence serves all instructions: only the word and the handler differ. It transfers the
+// whole state, so it does not have to know which registers an instruction reads or writes. X26
+// carries values and X27 the address of the state, because no other register is free before the
+// transfer. Their application values are in save slots 1 and 2. Slot 3 has the application value of
+// X28, which the host keeps for itself. emulate_instruction reads and writes these three slots.
+// When an emulated instruction writes one of the three registers, the value arrives through its
+// slot after the call.
 #include "sve/client/transfer.h"
 
 #include <cstddef>
@@ -38,7 +39,7 @@ opnd_t field(std::size_t offset, opnd_size_t size) {
 reg_id_t x_register(unsigned n) { return static_cast<reg_id_t>(DR_REG_X0 + n); }
 reg_id_t q_register(unsigned n) { return static_cast<reg_id_t>(DR_REG_Q0 + n); }
 
-// Inserts one instruction after another ahead of `where`, each with its address as translation.
+// Inserts instructions in order ahead of `where`, and gives each the application address `pc`.
 struct inserter {
   void* drcontext;
   instrlist_t* block;
@@ -49,7 +50,7 @@ struct inserter {
     instrlist_preinsert(block, where, instr_set_translation(instr, pc));
   }
 
-  // Copies with SP on either side, for which MOV is an alias of ADD with 0.
+  // Copies to or from SP. The MOV for this is an alias of ADD with 0.
   void move(reg_id_t to, reg_id_t from) const {
     const opnd_t no_shift =
         opnd_add_flags(opnd_create_immed_int(DR_SHIFT_LSL, OPSZ_0), DR_OPND_IS_SHIFT);
