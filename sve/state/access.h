@@ -1,8 +1,10 @@
-// How the emulation reaches registers: one accessor for a vector element, one for a predicate bit,
-// one for each kind of general register, one for a field of an instruction word.
+// How the emulation accesses registers and instruction words. There is one accessor for a vector
+// element, one for a predicate bit, one for each kind of general register, and one for a field of
+// an instruction word.
 //
-// Vector registers are byte arrays that many element types look at, so elements move by memcpy,
-// which compiles to plain loads and stores and lets the element loops vectorise.
+// Vector registers are byte arrays that code of many element types accesses. So elements are moved
+// by memcpy, which compiles to plain loads and stores and lets the compiler vectorise the element
+// loops.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +20,7 @@ constexpr unsigned bits(unsigned word, unsigned hi, unsigned lo) {
   return (word >> lo) & (0xffffffffU >> (31 - (hi - lo)));
 }
 
-// Element i of a vector register or of a value at any byte address.
+// Element i of a vector register, or of a value at any byte address.
 template <class T>
 inline T element(const unsigned char* vector, std::size_t i) {
   T value;
@@ -32,14 +34,14 @@ inline void set_element(unsigned char* vector, std::size_t i, T value) {
 }
 
 // The predicate bit of element i of type T: bit 0 of the element's first byte. The element's other
-// bytes are ignored, whatever they hold.
+// bits and bytes are ignored.
 template <class T>
 inline bool active(const unsigned char* predicate, std::size_t i) {
   return (element<T>(predicate, i) & 1) != 0;
 }
 
-// Writes a truth value as predicate element i: 1 or 0 at the element's full width, so that its
-// non-first bytes are 0.
+// Writes a truth value as predicate element i: 1 or 0 at the element's full width, so that all
+// bytes but the first are 0.
 template <class T>
 inline void set_active(unsigned char* predicate, std::size_t i, bool value) {
   set_element<T>(predicate, i, static_cast<T>(value));

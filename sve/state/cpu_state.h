@@ -1,16 +1,16 @@
 // The emulated register file of one application thread, and the result codes of the emulation.
 //
-// It holds two kinds of state. X0 to X30, SP, NZCV, FPSR, FPCR and the low 128 bits of each Z
+// The state is of two kinds. X0 to X30, SP, NZCV, FPSR, FPCR and the low 128 bits of each Z
 // register mirror the processor: the code that replaces an SVE instruction copies them in just
 // before the emulated instruction and back just after it. The rest of the Z registers, the
-// predicates and the FFR exist nowhere else and stay here from one emulated instruction to the
-// next. Predicates are unpacked, one byte for each vector byte, so that the governing test of a
-// fast path is one AND for each 16 bytes, without bit extraction.
+// predicates and the FFR exist nowhere else and stay here between emulated instructions. Predicates
+// are unpacked, one byte for each vector byte. That way a fast path applies the governing predicate
+// with one AND for each 16 bytes, and extracts no bits.
 //
-// Names. What the library exports to callers stands at global scope and has the linkage of C++, so
-// that a plain declaration finds it: this record and the operands, the fast paths, the decoder, the
-// reference functions, their integers, the floating-point library. All else that the sources share
-// is the library's own and stands in namespace sve.
+// Names. What the library exports to callers is at global scope and has C++ linkage, so that a
+// plain declaration finds it: this record and the operands, the fast paths, the decoder, the
+// reference functions, their integers, and the floating-point library. Everything else that the
+// sources share is internal and in namespace sve.
 #pragma once
 
 #include <cstddef>
@@ -18,13 +18,13 @@
 
 #include "sve/state/vector_length.h"
 
-// Result of a decode handler and of a fast path. No other value occurs.
+// Result of a decode handler and of a fast path. There are no other values.
 enum aarch64_decode_rc : int {
   aarch64_decode_ok = 0,             // the instruction was carried out
   aarch64_decode_unimplemented = 2,  // nothing was carried out
 };
 
-// Element bytes ascending; a byte of a vector register or of an unpacked predicate.
+// A vector register and an unpacked predicate, as bytes in ascending order.
 using vector_register = unsigned char[sve::vector_bytes];
 using predicate_register = unsigned char[sve::vector_bytes];
 

@@ -1,11 +1,11 @@
-// How the emulation touches the emulated program's memory.
+// How the emulation accesses the emulated program's memory.
 //
-// The program lives in the emulator's own address space, so that a guest address is a host pointer.
-// Its memory is not ours: an access must be one access of exactly that width, because neighbouring
-// bytes may be unmapped, may belong to an inactive element or may be shared with another thread.
-// Volatile keeps the compiler from merging, splitting, widening or moving it. Guest addresses may
-// be unaligned, null or wild, and a fault on them is the guest's, to be reported by SVESigHandler;
-// so the sanitizers, which watch the emulator, stay out of here.
+// The program lives in the emulator's own address space, so a guest address is a host pointer. The
+// memory belongs to the program: each access must be a single access of exactly the element's
+// width, because neighbouring bytes may be unmapped, belong to an inactive element or be shared
+// with another thread. Volatile keeps the compiler from merging, splitting, widening or moving the
+// access. Guest addresses may be unaligned, null or wild. A fault on one is the guest's fault, and
+// SVESigHandler reports it. So the sanitizers, which check the emulator, are switched off here.
 #pragma once
 
 #include <cstddef>
@@ -36,8 +36,8 @@ __attribute__((no_sanitize("address", "undefined"))) inline void write_guest(std
   guest_pointer<volatile unaligned<T>>(address)->value = value;
 }
 
-// Block copies between guest memory and a whole register, where every byte is wanted: their
-// accesses may be of any width.
+// Block copies between guest memory and a whole register. All bytes are wanted, so the accesses may
+// be of any width.
 template <std::size_t N>
 __attribute__((no_sanitize("address", "undefined"))) inline void read_guest_block(
     unsigned char (&to)[N], std::uint64_t address) {

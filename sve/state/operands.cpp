@@ -1,4 +1,5 @@
-// The assembler names of the registers, for listings and debuggers; the emulation reads none.
+// The assembler names of the registers, for listings and debuggers. The emulation does not read
+// them.
 #include "sve/state/operands.h"
 
 #define NAMES_16(p, s)                                                                      \

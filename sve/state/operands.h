@@ -1,9 +1,9 @@
-// Typed register and immediate operands, as a decode handler builds them for a fast path.
+// Typed register and immediate operands. A decode handler builds them for a fast path.
 //
 // They make the signature of a fast path read like the assembler form of the instruction:
-// sve_smin_zpz(state, zdn, pg, zm). A register that the instruction only reads or only writes
-// carries its code in `size`; one that it both reads and writes (Zdn, Pdn, Rdn) carries the
-// none-code in `size` and its code in `dst_size` and `src_size`. All records travel by value.
+// sve_smin_zpz(state, zdn, pg, zm). If the instruction only reads or only writes a register, the
+// size code is in `size`. If it both reads and writes it (Zdn, Pdn, Rdn), `size` is the none-code
+// and the size code is in `dst_size` and `src_size`. All records are passed by value.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@ enum element_size : unsigned {};
 
 namespace sve {
 
-// Q is a 128-bit quadword, z_none marks an unused field.
+// Q is a 128-bit quadword. z_none marks an unused field.
 inline constexpr element_size B{0}, H{1}, S{2}, D{3}, Q{4}, z_none{5};
 
-// Codes of aarch64_p_reg beside B to D: the qualifier of a governing predicate.
+// Codes of aarch64_p_reg in addition to B to D: the qualifier of a governing predicate.
 enum predicate_qualifier : unsigned {
   merging = 4,      // Pg/M
   zeroing = 5,      // Pg/Z
@@ -24,7 +24,7 @@ enum predicate_qualifier : unsigned {
   p_none = 7,
 };
 
-// Codes of aarch64_i_reg beside B to D, where S is a W register and D an X register.
+// Codes of aarch64_i_reg in addition to B to D. S is a W register and D an X register.
 enum general_register_code : unsigned { i_none = 4 };
 
 }  // namespace sve
@@ -51,7 +51,8 @@ struct aarch64_p_reg {
   static const char* const pname_d[16];
 };
 
-// A general register of which number 31 is the zero register: it reads as 0, writes are dropped.
+// A general register in which number 31 is the zero register: it reads as 0, and writes to it are
+// dropped.
 struct aarch64_i_reg {
   unsigned num, size, dst_size, src_size;
 
@@ -59,7 +60,7 @@ struct aarch64_i_reg {
   static const char* const xname[32];
 };
 
-// A general register of which number 31 is the stack pointer.
+// A general register in which number 31 is the stack pointer.
 struct aarch64_i_rsp_reg {
   unsigned num, size;
 
@@ -74,7 +75,7 @@ struct aarch64_sve_fp_dup_imm {
   std::uint64_t dbl;
 };
 
-// The one-bit immediate of FADD, FSUB, FMUL and kin.
+// The one-bit immediate of FADD, FSUB, FMUL and similar instructions.
 struct aarch64_sve_fp_arith_imm {
   unsigned select;
 };

@@ -1,13 +1,14 @@
-// Between the unpacked predicate, one byte for each vector byte, and the packed one of memory and
-// of the reference semantics, one bit. Eight lanes go at a time, by multiplication: a loop over
-// single bits is what makes such a conversion the costliest part of an instruction.
+// Conversion between the unpacked predicate, one byte for each vector byte, and the packed one, one
+// bit for each. Memory and the reference semantics use the packed one. Multiplication converts
+// eight lanes at a time: a loop over single bits would make the conversion the costliest part of an
+// instruction.
 #pragma once
 
 #include <cstdint>
 
 namespace sve {
 
-// Bit k of the result is bit 0 of byte k of `lanes`; the other bits of each byte are ignored.
+// Bit k of the result is bit 0 of byte k of `lanes`. The other bits of each byte are ignored.
 constexpr std::uint8_t pack_lanes(std::uint64_t lanes) {
   constexpr std::uint64_t lowest = 0x0101010101010101;
   constexpr std::uint64_t gather = 0x0102040810204080;  // moves bit 8k to bit 56 + k

@@ -1,12 +1,13 @@
-// The predicate patterns of PTRUE, CNTB and kin (the architecture's DecodePredCount).
+// The predicate patterns of PTRUE, CNTB and similar instructions (the architecture's
+// DecodePredCount).
 #pragma once
 
 #include <bit>
 
 namespace sve {
 
-// Number of elements that the 5-bit `pattern` selects out of `n`: 0 for a fixed count above n and
-// for the unallocated codes 14 to 28.
+// The number of elements that the 5-bit `pattern` selects out of `n`. It is 0 for a fixed count
+// above n and for the unallocated codes 14 to 28.
 constexpr unsigned pattern_count(unsigned pattern, unsigned n) {
   const auto fixed = [n](unsigned count) { return count <= n ? count : 0; };
   if (pattern == 0) return n < 2 ? 1 : std::bit_floor(n);  // POW2

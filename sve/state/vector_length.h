@@ -1,9 +1,9 @@
 // The vector length of the emulated processor.
 //
-// It is a build constant, because every loop of the fast paths is written for a known trip count;
-// it comes from the CMake cache variable SVE_VECTOR_BITS and from nowhere else, so that a build for
-// another length is a matter of configuring again. No other file names a length: counts, pattern
-// results and the size of a predicate in memory all follow from the values here.
+// It is a build constant, because all loops of the fast paths have a trip count that is known at
+// compile time. It comes only from the CMake cache variable SVE_VECTOR_BITS, so that you build for
+// another length just by configuring again. No other file names a length: counts, pattern results
+// and the size of a predicate in memory all follow from the values here.
 #pragma once
 
 #include "sve/state/configured_length.h"
@@ -14,7 +14,7 @@ inline constexpr unsigned vector_bytes = vector_bits / 8;
 inline constexpr unsigned vector_words64 = vector_bits / 64;   // unit of CpuContext::vl
 inline constexpr unsigned predicate_bytes = vector_bytes / 8;  // a predicate's image in memory
 
-// Size of one unit of the branch-free loops: the processor's own 128-bit vector.
+// The size of one unit of the branch-free loops: the processor's own 128-bit vector.
 inline constexpr unsigned group_bytes = 16;
 
 static_assert(vector_bits % 128 == 0 && vector_bits >= 128 && vector_bits <= 2048,
