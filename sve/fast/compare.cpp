@@ -1,6 +1,6 @@
-// One template per form, over the compare and the flag helper: all bytes of the result are built in
-// the temporary, the flags are taken from it under the old pg, and only then is it copied, so that
-// pd may be pg.
+// One template per form, over the compare and the flag helper. Each builds all bytes of the result
+// in the temporary, then sets the flags from it under the old pg, and only then copies it. So pd
+// may be pg.
 #include "sve/fast/compare.h"
 
 #include "sve/fast/element_loops.h"
@@ -35,7 +35,7 @@ rc ppzz(cpu_state* s, P pd, P pg, Z zn, Z zm, Compare holds) {
   });
 }
 
-// The immediate is truncated, or extended as its type says.
+// The immediate is truncated, or extended as its type requires.
 template <class Integer, class Compare>
 rc ppzi(cpu_state* s, P pd, P pg, Z zn, Integer imm, Compare holds) {
   const unsigned char* n = s->z[zn.num];

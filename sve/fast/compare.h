@@ -1,8 +1,8 @@
 // Integer compares of a vector with a vector or with an immediate, into a predicate.
 //
-// Element i of pd is 1 at its full width where its governing bit is 1 and the compare holds, else
-// 0; all bytes of pd are written. N, Z, C and V are set as by sve_ptest over pg, as it was before
-// the instruction, and the result. The size code is `size` of pd.
+// Element i of pd is 1 at its full width if its governing bit is 1 and the compare holds, else 0.
+// All bytes of pd are written. N, Z, C and V are set as sve_ptest sets them from the result and the
+// value of pg before the instruction. The size code is `size` of pd.
 #pragma once
 
 #include "sve/fast/forms.h"

@@ -1,7 +1,7 @@
-// There is no temporary, since no operand but the address is read and a fault doesn't return here.
+// A load needs no temporary: it reads no vector register, and a fault does not return here.
 //
-// All loads of a width are one template, whether plain, non-temporal or of several registers, and
-// so are all stores; each name below is one instance of it.
+// All loads of a width are one template, whether plain, non-temporal or of several registers. So
+// are all stores. Each name below is one instance.
 #include "sve/fast/contiguous_memory.h"
 
 #include <cstdint>
@@ -26,12 +26,13 @@ using sve::fast::store_elements;
 
 using namespace sve::fast::memory;
 
-// Byte offset of a block transfer: registers times bytes, in 32 bits, sign-extended.
+// Byte offset of a block transfer: the immediate times the bytes of a register, in 32 bits,
+// sign-extended.
 U64 block_offset(int imm, unsigned bytes) {
   return static_cast<U64>(static_cast<S32>(static_cast<U32>(imm) * bytes));
 }
 
-// M is the memory element, whose sign is extended where it is signed; T the register element.
+// M is the memory element, sign-extended if its type is signed. T is the register element.
 template <class M, class T, int N>
 RC load(CPU* cpu, Z zt, P pg, U64 address) {
   load_elements<M, T, N>(cpu, zt, pg, elements<T>, consecutive<M, N>(address));
@@ -89,7 +90,7 @@ RC sve_ldN_zpri(CPU* cpu, Z zt, P pg, R rn, long offset) {
   return load<M, T, N>(cpu, zt, pg, read_x(cpu, rn) + static_cast<U64>(offset) * sizeof(M));
 }
 
-// Single registers: memory element, then register element where it is wider.
+// Single registers: the memory element, then the register element if it is wider.
 RC sve_ld1b_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8>(c, t, g, n, i); }
 RC sve_ld1b_h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8, U16>(c, t, g, n, i); }
 RC sve_ld1b_s_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8, U32>(c, t, g, n, i); }
@@ -146,7 +147,7 @@ RC sve_st1w_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32>(c, t, g, n,
 RC sve_st1w_d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U32, U64>(c, t, g, n, x); }
 RC sve_st1d_scaled_zprr(CPU* c, Z t, P g, R n, X x) { return st<U64>(c, t, g, n, x); }
 
-// Non-temporal: no cache hint is given.
+// Non-temporal: without a cache hint.
 RC sve_ldnt1b_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U8>(c, t, g, n, i); }
 RC sve_ldnt1h_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U16>(c, t, g, n, i); }
 RC sve_ldnt1w_zpri(CPU* c, Z t, P g, R n, int i) { return ld<U32>(c, t, g, n, i); }

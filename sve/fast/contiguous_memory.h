@@ -2,15 +2,15 @@
 // non-temporal forms, structures of two to four registers, load-and-replicate, and the transfer of
 // whole vector and predicate registers.
 //
-// A name reads sve_, ld or st, the number of registers, the memory element (an s before it extends
-// the sign), the register element where it is wider, and the form: zpri has a base register and an
-// immediate in units of the instruction, scaled_zprr a base and an index register. A base numbered
-// 31 is SP, an index numbered 31 is zero. A register list wraps from Z31 to Z0.
+// A name consists of sve_, ld or st, the number of registers, the memory element (after an s if it
+// is sign-extended), the register element if it is wider, and the form. zpri has a base register
+// and an immediate in units of the instruction, scaled_zprr a base and an index register. A base
+// numbered 31 is SP, and an index numbered 31 is zero. A register list wraps from Z31 to Z0.
 //
-// Guest addresses are host pointers. Memory of an inactive element is neither read nor written;
-// inactive elements of a load become 0. A fault on any element ends the process with the message
-// of SVESigHandler. Non-temporal forms carry no hint: they are the plain forms. All functions
-// return aarch64_decode_ok.
+// Guest addresses are host pointers. Memory of an inactive element is neither read nor written.
+// Inactive elements of a load become 0. A fault on any element ends the process with the message of
+// SVESigHandler. Non-temporal forms are the plain forms, without a hint. All functions return
+// aarch64_decode_ok.
 #pragma once
 
 #include "sve/state/cpu_state.h"
@@ -69,14 +69,14 @@ sve::contiguous_scaled_zprr sve_st2b_scaled_zprr, sve_st2h_scaled_zprr, sve_st2w
     sve_st3d_scaled_zprr, sve_st4b_scaled_zprr, sve_st4h_scaled_zprr, sve_st4w_scaled_zprr,
     sve_st4d_scaled_zprr;
 
-// The shared body of the structured loads: register element type T, memory element type M, N
-// registers; `offset` counts memory elements. Instantiated for T = M of 8 to 64 bits, unsigned,
-// and N of 2 to 4.
+// The shared body of the structure loads: register element type T, memory element type M, N
+// registers. `offset` counts memory elements. It is instantiated for unsigned T = M of 8 to 64 bits
+// and for N from 2 to 4.
 template <class T, class M, int N>
 aarch64_decode_rc sve_ldN_zpri(cpu_state* state, aarch64_z_reg zt, aarch64_p_reg pg,
                                aarch64_i_rsp_reg rn, long offset);
 
-// Each active element reads the one memory element anew.
+// Each active element reads the one memory element again.
 sve::replicate_zpri sve_ld1rb_zpri, sve_ld1rb_h_zpri, sve_ld1rb_s_zpri, sve_ld1rb_d_zpri,
     sve_ld1rh_zpri, sve_ld1rh_s_zpri, sve_ld1rh_d_zpri, sve_ld1rw_zpri, sve_ld1rw_d_zpri,
     sve_ld1rd_zpri, sve_ld1rsb_h_zpri, sve_ld1rsb_s_zpri, sve_ld1rsb_d_zpri, sve_ld1rsh_s_zpri,

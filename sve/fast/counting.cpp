@@ -1,5 +1,5 @@
-// With the vector length fixed at build, an element count is a constant of pattern and size: most
-// of this is the product of that constant and a small multiplier.
+// The vector length is fixed at build time, so an element count depends only on pattern and size.
+// Most functions here multiply that count by a small multiplier.
 #include "sve/fast/counting.h"
 
 #include "sve/fast/element_loops.h"
@@ -17,7 +17,7 @@ using sve::write_x;
 
 namespace {
 
-// The count is taken at the size of T, the register is X.
+// Counts elements of type T. The register is an X register.
 template <class T, class Op>
 rc rii(cpu_state* s, R rdn, unsigned pattern, unsigned multiplier, Op op) {
   const U32 delta = multiplier * pattern_count(pattern, elements<T>);
@@ -25,7 +25,7 @@ rc rii(cpu_state* s, R rdn, unsigned pattern, unsigned multiplier, Op op) {
   return aarch64_decode_ok;
 }
 
-// The same to every element of type T.
+// The same for each element of type T of a vector.
 template <class T, class Op>
 rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
   const U32 count = multiplier * pattern_count(pattern, elements<T>);
@@ -34,7 +34,7 @@ rc zii(cpu_state* s, Z zdn, unsigned pattern, unsigned multiplier, Op op) {
       s, zdn, [=](auto dn) { return op(dn, delta); }, zdn);
 }
 
-// Number of elements of type T of which bit 0 is set in all of the given predicates.
+// The number of elements of type T whose bit 0 is set in all of the given predicates.
 template <class T, class... Predicates>
 U64 count_true(Predicates... predicates) {
   group<T> counts{};
@@ -46,12 +46,12 @@ U64 count_true(Predicates... predicates) {
   return sum;
 }
 
-// The product is taken in 32 bits.
+// Multiplies in 32 bits.
 std::int32_t times_vector_bytes(int imm) {
   return static_cast<std::int32_t>(static_cast<U32>(imm) * vector_bytes);
 }
 
-// How many times in turn, `most` at the most, holds(n, m) is true while n counts up and wraps.
+// How many times in a row holds(n, m) is true while n counts up and wraps, but at most `most`.
 template <class Counter, class Compare>
 unsigned times_true(Counter n, Counter m, unsigned most, Compare holds) {
   if (!holds(n, m)) return 0;

@@ -1,10 +1,11 @@
-// The loops of the fast paths: what is the same for every operation of a shape.
+// The loops of the fast paths: the part that all operations of a shape share.
 //
-// Any operand may be the destination. Where unit i of the result depends on unit i of each operand
-// alone, it is written as soon as it is computed; all else is built in a temporary and copied to
-// its register in one block. The loops have constant trip counts and select instead of branching:
-// for each group of 16 bytes the loads, one mask from the predicate, the operation, a select and a
-// store; what is computed for inactive elements is discarded. Units of one element branch instead.
+// Any operand may be the destination. If unit i of the result depends only on unit i of each
+// operand, it is written as soon as it is computed. Any other result is built in a temporary and
+// copied to its register in one block. The loops have constant trip counts and select instead of
+// branching. For each group of 16 bytes they do the loads, make one mask from the predicate, and do
+// the operation, a select and a store. What they compute for inactive elements is discarded. Units
+// of one element branch instead.
 #pragma once
 
 #include <algorithm>
@@ -22,7 +23,7 @@
 
 namespace sve::fast {
 
-// The operand types, under the letters that the names of the fast paths have for them.
+// The operand types, under the letters used in the names of the fast paths.
 using rc = aarch64_decode_rc;
 using form::mask64;
 using form::P;
@@ -34,11 +35,11 @@ using namespace integers;
 template <class T>
 inline constexpr unsigned size_code = std::countr_zero(sizeof(T));
 
-// Calls `loop` for the element type that has the given size code, as the given kind of unit. The
-// types are tried in their order, and the last takes all codes that are left. The loops of all
-// types begin with the same loads; the fence, which is no instruction, keeps the compiler from
-// moving them above the test of the size, where they would all be live at once, and most of them
-// spilled.
+// Calls `loop` with the given kind of unit for the element type that has the given size code. It
+// tries the types in order, and the last one takes all remaining codes. The loops of all types
+// begin with the same loads. The fence keeps the compiler from moving these above the test of the
+// size, where all of them would be live at once and most would be spilled. The fence emits no
+// instruction.
 template <template <class> class Unit, class T, class... Others, class Loop>
 inline rc by_size_among(unsigned size, Loop loop) {
   if constexpr (sizeof...(Others) > 0) {
@@ -54,9 +55,9 @@ inline rc by_size(unsigned size, Loop loop) {
   return by_size_among<Unit, std::uint32_t, std::uint64_t, std::uint16_t, std::uint8_t>(size, loop);
 }
 
-// Writes value(i) as each unit i of a register, in ascending order: for what depends on no other
-// unit of the destination than i. Groups go in blocks, the values of a block before its stores, so
-// that the compiler can load and store neighbours together.
+// Writes value(i) as each unit i of a register, in ascending order. value(i) may depend on unit i
+// of the destination, but on no other unit of it. Groups are handled in blocks: all values of a
+// block come before its stores, so that the compiler can load and store neighbours together.
 template <class Unit, class Value>
 inline rc write_in_place(unsigned char* destination, Value value) {
   constexpr std::size_t count = elements<Unit>, block = 4;
@@ -76,7 +77,7 @@ inline rc write_in_place(unsigned char* destination, Value value) {
   return aarch64_decode_ok;
 }
 
-// Writes value(i, series) as each group i of a register, in which the elements of all `series` are
+// Writes value(i, series) as each group i of a register. The elements of all `series` together are
 // start, start + step and so on.
 template <class T, class Value>
 inline rc write_series(unsigned char* destination, std::uint64_t start, std::uint64_t step,
@@ -92,7 +93,7 @@ inline rc write_series(unsigned char* destination, std::uint64_t start, std::uin
   });
 }
 
-// Writes value(i) as each unit i of a register, by way of the temporary.
+// Writes value(i) as each unit i of a register, through the temporary.
 template <class Unit, class Value>
 inline rc write_units(unsigned char* destination, Value value) {
   alignas(group_bytes) unsigned char result[vector_bytes];
@@ -101,7 +102,7 @@ inline rc write_units(unsigned char* destination, Value value) {
   return aarch64_decode_ok;
 }
 
-// Writes every second element, from element 0 on, of a register a and then of b.
+// Writes every second element of a register a and then of b, beginning with element 0 of each.
 template <class T>
 inline void write_every_second(unsigned char* out, const unsigned char* a, const unsigned char* b) {
   constexpr std::size_t pairs = elements<T> / 2;
@@ -111,7 +112,7 @@ inline void write_every_second(unsigned char* out, const unsigned char* a, const
   }
 }
 
-// op of unit i of each source.
+// Applies op to unit i of each source.
 template <class Unit, class Op, class... Sources>
 inline Unit apply(const cpu_state* state, [[maybe_unused]] std::size_t i, Op op,
                   Sources... sources) {

@@ -1,5 +1,5 @@
-// Asking costs nothing but one load where memory can be read, and a signal where it can't. A page
-// that another thread takes away between question and load faults like any other access.
+// A probe costs one load if the memory can be read, and a signal if it cannot. If another thread
+// unmaps a page between the probe and the load, the load faults like any other access.
 #include "sve/fast/first_fault.h"
 
 #include <algorithm>
@@ -28,15 +28,15 @@ bool is_readable(U64 address) {
   return addr_is_readable<char>(sve::guest_pointer<volatile char>(address));
 }
 
-// How many of a vector's bytes from an address on can be read if the first one can. Widening loads
-// reach less far, but are asked about in full.
+// How many bytes of a vector at an address can be read if the first one can. It covers the full
+// vector, although a widening load reads less.
 unsigned bytes_in_readable_pages(U64 address) {
   if (page_offset(address) <= page_offset(address + vector_bytes)) return vector_bytes;
   if (is_readable(address + static_cast<U64>(page_size))) return vector_bytes;
   return std::min(static_cast<unsigned>(page_size - page_offset(address)), vector_bytes);
 }
 
-// The number of elements up to and with the first active one, or 0 if none is active.
+// The number of elements up to and including the first active one, or 0 if none is active.
 template <class T>
 unsigned through_first_active(const unsigned char* pg) {
   for (unsigned i = 0; i < elements<T>; ++i) {
@@ -45,10 +45,10 @@ unsigned through_first_active(const unsigned char* pg) {
   return 0;
 }
 
-// Where not one register element fits before an unreadable page, the elements up to the first
-// active one are loaded nevertheless. It may lie before the page, being narrower in memory, and is
-// loaded then; or it takes its fault, as the architecture has it for the first active element. To
-// report an empty FFR instead would keep a loop that waits for progress waiting for ever.
+// If not even one register element fits before an unreadable page, the elements up to the first
+// active one are loaded anyway. That one may be narrower in memory and lie before the page, and is
+// then loaded. Otherwise it takes its fault, as the architecture requires for the first active
+// element. If FFR came back empty instead, a loop that waits for progress would never end.
 template <class M, class T = M>
 RC ldff1(CPU* cpu, Z zt, P pg, R rn, X rm) {
   const U64 address = read_x(cpu, rn) + read_x(cpu, rm) * sizeof(M);
@@ -59,13 +59,13 @@ RC ldff1(CPU* cpu, Z zt, P pg, R rn, X rm) {
   return aarch64_decode_ok;
 }
 
-// Whether ascending addresses less than a page apart can be read, asked for once a page.
+// Whether ascending addresses less than a page apart can be read. It probes once a page.
 class ascending_probe {
  public:
   explicit ascending_probe(U64 first) : last_(page_offset(first)), readable_(is_readable(first)) {}
 
-  // An element that runs over into the next page is asked about there as well: a non-fault load
-  // takes no fault, aligned or not.
+  // If an element crosses into the next page, that page is probed as well: a non-fault load takes
+  // no fault, aligned or not.
   bool can_read(U64 address, unsigned bytes) {
     const S32 offset = page_offset(address);
     if (offset <= last_) {
@@ -77,7 +77,7 @@ class ascending_probe {
   }
 
  private:
-  S32 last_;  // page offset of the last address that was asked about
+  S32 last_;  // page offset of the last address that was checked
   bool readable_;
 };
 

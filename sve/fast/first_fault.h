@@ -1,17 +1,17 @@
-// Fast paths of the contiguous loads that tell of an inaccessible element through FFR instead of
+// Fast paths of the contiguous loads that report an inaccessible element through FFR instead of
 // taking its fault: first-fault loads (ldff1, base and index register) and non-fault loads (ldnf1,
 // base and immediate). They find out what can be read before they read it, page by page.
 //
-// The names are those of the contiguous loads; an index counts memory elements, an immediate
-// registers. They clear elements of `ffr` and never set one; an element that is not loaded keeps
-// its old value. Inactive elements among the loaded ones become 0, and their memory is not
-// accessed. SVESigHandler must be in place, as SVEInitialize leaves it: the probe depends on it.
+// The names are those of the contiguous loads. An index counts memory elements, an immediate counts
+// registers. The loads clear elements of `ffr` and never set one. An element that is not loaded
+// keeps its old value. Inactive elements among the loaded ones become 0, and their memory is not
+// accessed. SVESigHandler must be installed, as SVEInitialize leaves it: the probe depends on it.
 // All functions return aarch64_decode_ok.
 //
-// A first-fault load treats the page of its first address like a plain load, whose fault ends the
-// process; what lies behind the page's end is either loaded as a whole or not at all, so that FFR
-// can tell of fewer elements than there are. A non-fault load asks for every page, and can leave a
-// gap in FFR.
+// A first-fault load treats the page of its first address like a plain load, so a fault there ends
+// the process. The part after that page is loaded either as a whole or not at all, so FFR may
+// report fewer elements than can be read. A non-fault load probes every page, and can leave a gap
+// in FFR.
 #pragma once
 
 #include "sve/fast/contiguous_memory.h"

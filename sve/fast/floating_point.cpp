@@ -1,6 +1,6 @@
-// A fast path is one operation of the scalar unit in the loop of its shape. The loops go element by
-// element and branch on the predicate, as an instruction that runs for an inactive element would
-// leave its flags behind.
+// A fast path applies one operation of the scalar unit in the loop of its shape. The loops go
+// element by element and branch on the predicate, because an instruction that ran for an inactive
+// element would leave its flags behind.
 #include "sve/fast/floating_point.h"
 
 #include <bit>
@@ -88,7 +88,7 @@ inline rc compare_with_zero(cpu_state* s, P pd, P pg, Z zn, Compare holds) {
   });
 }
 
-// Integers From in the low bits of elements of type T.
+// The integers of type From are in the low bits of the elements of type T.
 template <class T, class From, class Op>
 inline rc convert(cpu_state* s, Z zd, P pg, Z zn, Op op) {
   return merge<T>(

@@ -1,9 +1,9 @@
-// Single and double precision by the processor's own scalar instructions, under the application's
-// FPCR. Half precision never comes here but to FDUP.
+// Single and double precision on the processor's own scalar instructions, under the application's
+// FPCR. FDUP is the only one that is also used for half precision.
 //
-// Flags gather in the FPSR, on top of the application's; the decode handler reads it afterwards
-// (sve/decode/handlers.h). Inactive elements run no instruction and raise nothing; they keep the
-// destination's old value, and give 0 in a predicate. Size codes are S and D alone.
+// Flags accumulate in the FPSR, on top of the application's. The decode handler reads it afterwards
+// (sve/decode/handlers.h). Inactive elements run no instruction and raise no flags: they keep the
+// destination's old value, and give 0 in a predicate. The only size codes are S and D.
 #pragma once
 
 #include "sve/fast/forms.h"
@@ -33,8 +33,8 @@ sve::form::zpz sve_fneg_zpz;    // the sign flipped; no flags
 sve::form::zpz sve_fsqrt_zpz;   // FPSqrt
 sve::form::zpz sve_frinta_zpz;  // FPRoundInt, ties away from zero
 
-// Integer to floating point: from and to the low bits of the elements. A result narrower than the
-// element leaves 0 above it. No size code is read.
+// Integer to floating point, from and to the low bits of the elements. If the result is narrower
+// than the element, the bits above it are 0. No size code is read.
 sve::form::zpz sve_scvtf_s2s_zpz, sve_ucvtf_s2s_zpz;  // words
 sve::form::zpz sve_scvtf_d2d_zpz, sve_ucvtf_d2d_zpz;  // doublewords
 sve::form::zpz sve_scvtf_s2d_zpz, sve_ucvtf_s2d_zpz;  // the low word of each doubleword
@@ -47,16 +47,16 @@ sve::form::zzz sve_fmul_zzz;    // zn x zm
 sve::form::zzz sve_frecps_zzz;  // FPRecipStepFused
 sve::form::zz sve_frecpe_zz;    // FPRecipEstimate
 
-// zd, the immediate in three formats; the size code is `size` of zd: S, D, all others half. No
-// flags.
+// zd, the immediate in three formats. The size code is `size` of zd: S, D, or half for all others.
+// No flags.
 sve::form::zi_dup sve_fdup_zi;
 
-// pd, pg, zn, with +0.0, or with zm; the size code is `size` of pd. Nothing but `ne` and `uo` holds
-// for NaNs; a quiet NaN raises a flag in the order comparisons only.
+// pd, pg, zn, with +0.0, or with zm; the size code is `size` of pd. Only `ne` and `uo` hold for
+// NaNs. A quiet NaN raises a flag only in the order comparisons.
 sve::form::ppz sve_fcmeq_ppz, sve_fcmge_ppz, sve_fcmgt_ppz, sve_fcmle_ppz, sve_fcmlt_ppz;
 sve::form::ppzz sve_fcmeq_ppzz, sve_fcmge_ppzz, sve_fcmgt_ppzz, sve_fcmne_ppzz, sve_fcmuo_ppzz;
 
-// vd, pg, zn; the size code is `size` of zn. The active elements in a tree of adjacent pairs, with
-// the default NaN in all other places; the rest of the vector becomes 0.
+// vd, pg, zn; the size code is `size` of zn. Reduces the active elements in a tree of adjacent
+// pairs, with the default NaN in place of the inactive ones. The rest of the vector becomes 0.
 sve::form::vpz sve_fmaxnmv_vpz;  // FPMaxNum
 sve::form::vpz sve_fminnmv_vpz;  // FPMinNum

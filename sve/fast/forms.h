@@ -1,15 +1,15 @@
 // The operand forms of the fast paths.
 //
-// A fast path is named sve_, the mnemonic, and the letters of its operands, destination first; the
-// same letters name its type here: z and p are vector and predicate registers, r a general
-// register, i an immediate, v the number of a vector register that is used as a SIMD&FP scalar. So
-// `sve::form::zpz sve_add_zpz;` declares
+// A fast path is named sve_, the mnemonic, and the letters of its operands, destination first. The
+// same letters name its type here: z and p are vector and predicate registers, r is a general
+// register, i an immediate, and v the number of a vector register that is used as a SIMD&FP scalar.
+// So `sve::form::zpz sve_add_zpz;` declares
 // aarch64_decode_rc sve_add_zpz(cpu_state*, aarch64_z_reg, aarch64_p_reg, aarch64_z_reg).
 //
-// Every fast path carries out one instruction on the state and returns aarch64_decode_ok: register
-// numbers come from fields of the word and cannot leave their arrays, and the operations are total.
-// It changes its destination and, where told, `nzcv` or `ffr`, and nothing else. Any of its
-// operands may be the same register.
+// Every fast path carries out one instruction on the state and always returns aarch64_decode_ok:
+// register numbers come from fields of the word, so they cannot exceed the arrays, and the
+// operations are defined for all values. It changes only its destination and, where its declaration
+// says so, `nzcv` or `ffr`. Any of its operands may be the same register.
 #pragma once
 
 #include "sve/state/cpu_state.h"

@@ -1,5 +1,5 @@
-// Each form is an address for every element and the common loop of loads or stores. Offsets are
-// scaled in 64 bits, after their extension, and addresses wrap.
+// Each form consists of an address for every element and the common loop of loads or stores.
+// Offsets are first extended and then scaled in 64 bits, and addresses wrap.
 #include "sve/fast/gather_scatter.h"
 
 #include "sve/fast/memory_elements.h"
@@ -12,12 +12,12 @@ using sve::read_x;
 
 using namespace sve::fast::memory;
 
-// What of an offset element counts.
+// The part of an offset element that counts.
 constexpr auto whole = [](auto offset) { return U64{offset}; };
 constexpr auto sxtw = [](auto offset) { return static_cast<U64>(static_cast<S32>(offset)); };
 constexpr auto uxtw = [](auto offset) { return U64{static_cast<U32>(offset)}; };
 
-// The addresses of a form's elements, told apart by its operands: zpzi, zpzr and zprz.
+// The addresses of a form's elements. The operands tell the forms apart: zpzi, zpzr and zprz.
 template <class M, class T>
 auto addresses(const CPU* cpu, Z zn, unsigned imm) {
   return [bases = cpu->z[zn.num], offset = imm * unsigned{sizeof(M)}](unsigned i) {

@@ -1,16 +1,16 @@
 // Fast paths of the gather loads and scatter stores: one address for each element, from a vector.
 //
-// A name reads sve_, ld or st, 1, the memory element (an s before it extends the sign), the
-// register element where it is wider, sxtw or uxtw where the offsets are the sign- or zero-extended
-// low words of the offset elements, scaled where they count memory elements instead of bytes, and
-// the form: zpzi has a vector of bases and an immediate that counts memory elements, zpzr and zprz
-// have a base register and a vector of offsets. A base numbered 31 is SP. Register elements are
-// words or doublewords.
+// A name consists of these parts: sve_, ld or st, 1, the memory element (after an s if it is
+// sign-extended), the register element if it is wider, sxtw or uxtw if the offsets are the sign- or
+// zero-extended low words of the offset elements, scaled if they count memory elements instead of
+// bytes, and the form. zpzi has a vector of bases and an immediate that counts memory elements.
+// zpzr and zprz have a base register and a vector of offsets. A base numbered 31 is SP. Register
+// elements are words or doublewords.
 //
-// Guest addresses are host pointers. Elements move one by one in ascending order, so that of two
-// that are stored at one address the higher one stays. Memory of an inactive element is not
-// accessed; inactive elements of a load become 0. A fault ends the process with the message of
-// SVESigHandler. All functions return aarch64_decode_ok.
+// Guest addresses are host pointers. Elements are accessed one by one in ascending order. If two
+// are stored at one address, the value of the higher element remains. Memory of an inactive element
+// is not accessed. Inactive elements of a load become 0. A fault ends the process with the message
+// of SVESigHandler. All functions return aarch64_decode_ok.
 #pragma once
 
 #include "sve/state/cpu_state.h"

@@ -1,8 +1,8 @@
-// The units in which the fast paths work through a vector: an element of its own, or a group of 16
-// bytes as one value of the compiler's vector type. Operators on a group work on its elements,
-// modular and without promotion, compares give a mask of all ones and zeros, and ?: selects by such
-// a mask. So a loop over element<Unit>(vector, i), and an operation written with operators, serve
-// both; on groups they compile to the processor's vector instructions without a branch.
+// The units in which the fast paths process a vector: a single element, or a group of 16 bytes as
+// one value of the compiler's vector type. Operators on a group work on its elements, modulo their
+// width and without promotion. Compares give a mask of all ones and zeros, and ?: selects by such a
+// mask. So one loop over element<Unit>(vector, i), and one operation written with operators, serve
+// both kinds. On groups they compile to the processor's vector instructions without a branch.
 #pragma once
 
 #include <type_traits>
@@ -20,12 +20,12 @@ struct group_type {
 template <class T>
 using group = typename group_type<T>::type;
 
-// An element of its own.
+// A single element.
 template <class T>
 using single = T;
 
-// Groups, but doublewords one by one: for operations that the vector unit lacks at that width, such
-// as the multiplication.
+// Groups, except that doublewords are processed one by one: for operations that the vector unit
+// lacks at that width, such as the multiplication.
 template <class T>
 using group_but_single_d = std::conditional_t<sizeof(T) == 8, T, group<T>>;
 
@@ -59,8 +59,8 @@ inline Unit broadcast(typename unit_traits<Unit>::element_type value) {
   return Unit{} + value;
 }
 
-// Group i of a vector. An access by a group's own type, unlike one by memcpy, can be joined with
-// its neighbour into one instruction for 32 bytes.
+// Group i of a vector. The compiler can merge two neighbouring accesses by a group's own type into
+// one instruction for 32 bytes, but not two accesses by memcpy.
 template <class Group>
 struct group_access {
   using type [[gnu::may_alias, gnu::aligned(1)]] = Group;
@@ -88,8 +88,8 @@ inline Group governing_mask(const unsigned char* predicate, std::size_t i) {
   return (Group)((load_unit<Group>(predicate, i) & 1) != 0);
 }
 
-// What `active` gives where unit i is governed by a 1, else what `inactive` gives. Of a group both
-// are computed; the select is written such that the compiler sees it as one.
+// The result of `active` if the governing bit of unit i is 1, else that of `inactive`. For a group
+// both are computed. The select is written in a form that the compiler recognises as one.
 template <class Unit, class Active, class Inactive>
 inline Unit where_governed(const unsigned char* predicate, std::size_t i, Active active,
                            Inactive inactive) {

@@ -17,8 +17,8 @@ namespace {
 
 using quadword = group<U64>;
 
-// The low bits of an integer in each element: signed and unsigned values extend to doublewords as
-// their type says.
+// The low bits of an integer in each element. Signed and unsigned values are extended to
+// doublewords as their type requires.
 template <class Unit, class Integer>
 Unit truncated(Integer value) {
   return broadcast<Unit>(static_cast<typename unit_traits<Unit>::element_type>(value));
@@ -46,16 +46,16 @@ rc zpz_shift(cpu_state* s, Z zdn, P pg, Z zm, Op op) {
   return merge_by_size<UnitKind>(s, zdn.dst_size, zdn, pg, op, zdn, zm);
 }
 
-// The right shift by the same count for all elements, which is clamped here, once, and before it is
-// cut to the element.
+// The right shift by the same count for all elements. The count is clamped here once, before it is
+// truncated to the element.
 template <class Unit>
 auto asr_by(unsigned shift) {
   const auto count = truncated<Unit>(std::min(shift, element_bits<Unit> - 1));
   return [=](Unit a) { return as_signed(a) >> as_signed(count); };
 }
 
-// Calls loop(op) with the left shift by the same count for all elements, which is tested here,
-// once. Of the count as many bits are looked at as a byte or halfword element has.
+// Calls loop(op) with the left shift by the same count for all elements. The count is tested here
+// once. Only its low bits are used, as many as an element has.
 template <class Unit, class Loop>
 void with_lsl(unsigned shift, Loop loop) {
   const auto count = static_cast<typename unit_traits<Unit>::element_type>(shift);
@@ -66,7 +66,7 @@ void with_lsl(unsigned shift, Loop loop) {
   }
 }
 
-// The value in each element of zd.
+// Writes the value to each element of zd.
 template <class Unit>
 rc fill(cpu_state* s, Z zd, Unit value) {
   return compute<Unit>(s, zd, [=] { return value; });
@@ -77,7 +77,7 @@ rc dup(cpu_state* s, Z zd, Integer value) {
   return by_size<group>(zd.size, [=]<class Unit>() { fill(s, zd, truncated<Unit>(value)); });
 }
 
-// The value in each active element of zd. The others become 0 or keep their old value.
+// Writes the value to each active element of zd. The others become 0 or keep their old value.
 template <class Integer>
 rc cpy(cpu_state* s, Z zd, P pg, Integer value, bool zeroing = false) {
   return by_size<group>(zd.size, [=]<class Unit>() {

@@ -1,8 +1,8 @@
-// Vector operations with an immediate or a scalar, shifts, moves and extends. Immediates come
-// decoded, with any left shift by 8 applied. Of predicated forms, elements whose governing bit is 0
-// keep the destination's old value, except in the zeroing mode (qualifier 5 in `size` of pg) of
-// sve_cpy_zpi and sve_movprfx_zpz. The size code is `dst_size` of the first operand where that is
-// both read and written (zdn), else its `size`.
+// Vector operations with an immediate or a scalar, shifts, moves and extends. Immediates are
+// already decoded, with any left shift by 8 applied. In predicated forms, elements whose governing
+// bit is 0 keep the destination's old value, except in the zeroing mode (qualifier 5 in `size` of
+// pg) of sve_cpy_zpi and sve_movprfx_zpz. The size code is `dst_size` of the first operand if that
+// is both read and written (zdn), else its `size`.
 #pragma once
 
 #include "sve/fast/forms.h"
@@ -18,26 +18,26 @@ sve::form::zi_mask sve_orr_zi;
 sve::form::zi_mask sve_eor_zi;
 sve::form::zi_mask sve_dupm_zi;  // zd = mask in each doubleword
 
-// zdn, pg, zm: shifts by the unsigned element of zm. From the element's width on, LSL and LSR give
-// 0, and ASR fills the element with the sign.
+// zdn, pg, zm: shifts by the unsigned element of zm. If it is the element's width or more, LSL and
+// LSR give 0, and ASR fills the element with the sign.
 sve::form::zpz sve_asr_zpz;
 sve::form::zpz sve_lsl_zpz;
 sve::form::zpz sve_lsr_zpz;
 
-// Shifts by an immediate, under the same rule: zdn, pg, shift, and zd, zn, shift. LSL looks at the
-// low 8 or 16 bits of the shift for bytes and halfwords.
+// Shifts by an immediate, under the same rule: zdn, pg, shift, and zd, zn, shift. For bytes and
+// halfwords, LSL uses the low 8 or 16 bits of the shift.
 sve::form::zpi sve_asr_zpi;
 sve::form::zpi sve_lsl_zpi;
 sve::form::zzi sve_asr_zzi;
 sve::form::zzi sve_lsl_zzi;
 
 // Broadcasts of an immediate, of a general register or SP, and of element `index` of zn (sizes B to
-// Q; 0 if the index lies beyond the vector).
+// Q). An index beyond the vector gives 0.
 sve::form::zi_signed sve_dup_zi;
 sve::form::zr sve_dup_zr;
 sve::form::zzi sve_dup_zzi;
 
-// Broadcasts into the active elements; sve_cpy_zpv takes element 0 of the vector register.
+// Broadcasts into the active elements. sve_cpy_zpv takes element 0 of the vector register.
 sve::form::zpi_signed sve_cpy_zpi;
 sve::form::zpr sve_cpy_zpr;
 sve::form::zpv sve_cpy_zpv;
@@ -52,16 +52,16 @@ sve::form::zrr sve_index_zrr;
 sve::form::zz sve_movprfx_zz;  // no size code is read
 sve::form::zpz sve_movprfx_zpz;
 
-// zd, pg, zn: the low byte, halfword or word of each element, extended to the element.
+// zd, pg, zn: the low byte, halfword or word of each element, extended to the element's width.
 sve::form::zpz sve_sxtb_zpz;  // H S D
 sve::form::zpz sve_sxth_zpz;  // S D
 sve::form::zpz sve_sxtw_zpz;  // D
 sve::form::zpz sve_uxth_zpz;  // S D
 sve::form::zpz sve_uxtw_zpz;  // D
 
-// zd, pg, zn: reversal of the bits of an element, and of the words of a doubleword.
+// zd, pg, zn: reverse the bits of each element, or the words of each doubleword.
 sve::form::zpz sve_rbit_zpz;
 sve::form::zpz sve_revw_zpz;
 
-// zd, zn, zm: doublewords zn + (zm << n), with n in bits 11 to 10 of `instr`.
+// zd, zn, zm: the doublewords zn + (zm << n). n is bits 11 to 10 of `instr`.
 sve::form::zzz sve_adr_scaled_zzz;

@@ -1,5 +1,5 @@
-// Each operation is one expression; a form says where operands and size code come from. Arithmetic
-// is on unsigned elements, so that wrapping is defined; signed operations look at them as signed.
+// Each operation is one expression. A form says where operands and size code come from. Arithmetic
+// uses unsigned elements, so that wrapping is defined. Signed operations convert them to signed.
 #include "sve/fast/integer_arithmetic.h"
 
 #include "sve/fast/element_loops.h"
@@ -49,8 +49,9 @@ rc zzz_bitwise(cpu_state* s, Z zd, Z zn, Z zm, Op op) {
 
 constexpr auto udiv = [](auto a, auto b) { return b == 0 ? b : a / b; };
 
-// The most negative value divided by -1 has no quotient in its type: negating gives the value that
-// the architecture wants for it, and the right one for every other dividend.
+// The quotient of the most negative value and -1 does not fit its type. So for a divisor of -1 the
+// dividend is negated. That gives the value that the architecture requires here, and the right one
+// for every other dividend.
 constexpr auto sdiv = [](auto a, auto b) {
   if (b == 0) return b;
   if (as_signed(b) == -1) return -a;

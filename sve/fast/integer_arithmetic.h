@@ -1,4 +1,4 @@
-// Integer arithmetic and logic on vectors. Arithmetic is modular at element width; elements whose
+// Integer arithmetic and logic on vectors. Arithmetic is modulo the element's width. Elements whose
 // governing bit is 0 keep the destination's old value.
 #pragma once
 
@@ -19,8 +19,8 @@ sve::form::zpz sve_smax_zpz;
 sve::form::zpz sve_umin_zpz;
 sve::form::zpz sve_umax_zpz;
 
-// zdn, pg, zm; doublewords for `dst_size` 3 of zdn, else words. The quotient is truncated toward
-// zero; a divisor of 0 gives 0, and the most negative value divided by -1 gives itself.
+// zdn, pg, zm: doublewords if `dst_size` of zdn is 3, else words. The quotient is truncated toward
+// zero. A divisor of 0 gives 0, and the most negative value divided by -1 gives itself.
 sve::form::zpz sve_sdiv_zpz;   // zdn / zm
 sve::form::zpz sve_udiv_zpz;   // zdn / zm
 sve::form::zpz sve_sdivr_zpz;  // zm / zdn

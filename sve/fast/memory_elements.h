@@ -1,11 +1,11 @@
-// The element loops between registers and guest memory, for all loads and stores of elements: the
+// The element loops between registers and guest memory, for all loads and stores of elements. The
 // forms differ only in the address of element i.
 //
-// One element after the other, each by one access of its width in memory: a wider access would
+// Each element is accessed separately, in one access of its width in memory. A wider access would
 // touch the memory of inactive elements, which may be unmapped or belong to somebody else.
-// `address(i)` is called for active elements only, before element i of the register is written;
-// so the offsets may come from the register that is loaded. Of a list of N registers, which wraps
-// from Z31 to Z0, element i of each lies behind that of the register before.
+// `address(i)` is called for active elements only, and before element i of the register is written.
+// So the offsets may come from the register that is loaded. In a list of N registers, which wraps
+// from Z31 to Z0, element i of each follows element i of the previous register in memory.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 #include "sve/state/guest_memory.h"
 #include "sve/state/integers.h"
 
-// Short names for the definitions of the loads and stores, of which there is one to a line.
+// Short names for the definitions of the loads and stores, so that each fits on one line.
 namespace sve::fast::memory {
 
 using namespace integers;
@@ -30,7 +30,7 @@ using X = aarch64_i_reg;      // an index
 
 namespace sve::fast {
 
-// Offset of the zpri forms in memory elements, for lists of N registers of elements T.
+// Offset of the zpri forms in memory elements, for lists of N registers with elements of type T.
 template <class T, int N = 1>
 inline long register_offset(int imm) {
   return static_cast<long>(imm) * elements<T> * N;
@@ -42,8 +42,8 @@ inline auto consecutive(std::uint64_t first) {
   return [first](unsigned i) { return first + std::uint64_t{i} * N * sizeof(M); };
 }
 
-// The first `count` elements T of each register: memory element M, extended as its type says, where
-// pg, else 0.
+// Loads the first `count` elements T of each register: a memory element M, extended as its type
+// requires, where pg, else 0.
 template <class M, class T, int N = 1, class Address>
 inline void load_elements(cpu_state* cpu, aarch64_z_reg zt, aarch64_p_reg pg, unsigned count,
                           Address address) {
@@ -56,8 +56,8 @@ inline void load_elements(cpu_state* cpu, aarch64_z_reg zt, aarch64_p_reg pg, un
   }
 }
 
-// The low bytes of the active elements T, in ascending order: where two of them go to the same
-// address, the higher element's stay.
+// Stores the low bytes of the active elements T, in ascending order. If two go to the same address,
+// those of the higher element remain.
 template <class M, class T, int N = 1, class Address>
 inline void store_elements(const cpu_state* cpu, aarch64_z_reg zt, aarch64_p_reg pg,
                            Address address) {

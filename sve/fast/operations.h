@@ -28,8 +28,8 @@ inline constexpr auto smax = [](auto a, auto b) { return maximum(as_signed(a), a
 
 inline constexpr auto same = [](auto a) { return a; };
 
-// Shifts by the unsigned count n. From the element's width on, LSL and LSR give 0 and ASR fills the
-// element with the sign.
+// Shifts by the unsigned count n. If it is the element's width or more, LSL and LSR give 0 and ASR
+// fills the element with the sign.
 inline constexpr auto lsl = []<class Unit>(Unit a, Unit n) {
   constexpr unsigned width = element_bits<Unit>;
   return n < width ? a << (n & (width - 1)) : Unit{};
@@ -42,7 +42,7 @@ inline constexpr auto asr = []<class Unit>(Unit a, Unit n) {
   return as_signed(a) >> as_signed(umin(n, broadcast<Unit>(element_bits<Unit> - 1)));
 };
 
-// The low `bits` bits of an element, extended to it.
+// The low `bits` bits of an element, extended to its width.
 template <unsigned bits>
 inline constexpr auto sign_extend = []<class Unit>(Unit a) {
   constexpr unsigned unused = element_bits<Unit> - bits;
@@ -51,8 +51,8 @@ inline constexpr auto sign_extend = []<class Unit>(Unit a) {
 template <unsigned bits>
 inline constexpr auto zero_extend = []<class Unit>(Unit a) { return a & ((1UL << bits) - 1); };
 
-// The bits of each byte, by exchanging neighbouring runs of 1, 2 and 4 bits, and then the bytes of
-// each element.
+// Reverses the bits of each byte by exchanging neighbouring runs of 1, 2 and 4 bits, and then the
+// bytes of each element.
 inline constexpr auto reverse_bits = []<class Group>(Group a) {
   auto bytes = (group<std::uint8_t>)a;
   for (unsigned step = 1; step < 8; step *= 2) {

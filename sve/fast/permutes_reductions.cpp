@@ -1,5 +1,5 @@
-// An output element of a permute depends on other input elements, so these gather their result in
-// the temporary, in plain loops over elements; only TRN2 keeps to pairs.
+// An output element of a permute depends on input elements at other positions, so these functions
+// build their result in the temporary, in plain loops over elements. Only TRN2 stays within pairs.
 #include "sve/fast/permutes_reductions.h"
 
 #include <limits>
@@ -42,7 +42,7 @@ rc gather(cpu_state* s, Z zd, ElementAt element_at) {
   });
 }
 
-// Elements of type Wide from the elements of half their size in one half of zn.
+// Elements of type Wide, from the elements of half that width in one half of zn.
 enum register_half : unsigned { low = 0, high = vector_bytes / 2 };
 
 template <class Narrow, class Wide>
@@ -52,7 +52,8 @@ rc unpack(cpu_state* s, Z zd, Z zn, register_half half) {
                            [=](std::size_t i) { return Wide{element<Narrow>(n, i)}; });
 }
 
-// Of each pair of elements of two groups the second: a group has whole pairs.
+// The second element of each pair of elements, alternately from two groups: a group has whole
+// pairs.
 constexpr auto odd_elements_in_turn = []<class Group>(Group a, Group b) {
   constexpr std::size_t count = sizeof(Group) * 8 / element_bits<Group>;
   return [&]<std::size_t... i>(std::index_sequence<i...>) {
@@ -61,7 +62,7 @@ constexpr auto odd_elements_in_turn = []<class Group>(Group a, Group b) {
   (std::make_index_sequence<count>());
 };
 
-// The value in element 0 of vd, 0 in all the rest.
+// Writes the value to element 0 of vd, and 0 to the rest.
 template <class T>
 void write_scalar(cpu_state* s, unsigned vd, T value) {
   unsigned char result[vector_bytes] = {};
@@ -80,7 +81,7 @@ void fold(cpu_state* s, unsigned vd, P pg, Z zn, Sum start, Op op) {
   write_scalar(s, vd, sum);
 }
 
-// `neutral` gives the value to start from at an element type.
+// `neutral` gives the start value for an element type.
 template <class Neutral, class Op>
 rc reduce(cpu_state* s, unsigned vd, P pg, Z zn, Neutral neutral, Op op) {
   return by_size<single>(zn.size, [=]<class T>() {

@@ -1,5 +1,5 @@
 // Permutes of vectors, and reductions of a vector to one element or scalar. The size code is `size`
-// of the destination; of the reductions and LASTB forms it is `size` of zn.
+// of the destination, but for the reductions and LASTB forms it is `size` of zn.
 #pragma once
 
 #include "sve/fast/forms.h"
@@ -12,8 +12,8 @@ sve::form::zzz sve_uzp2_zzz;  // odd elements of zn, then of zm
 sve::form::zzz sve_trn2_zzz;  // odd elements of zn and zm in turn
 sve::form::zzz sve_tbl_zzz;   // zn[zm[i]]; 0 for an index beyond the vector
 
-// zdn, zm, position in bytes: the vector that begins there in zdn followed by zm; zdn unchanged if
-// the position is not below the vector's length.
+// zdn, zm, position in bytes: the vector that begins there in zdn followed by zm. zdn is unchanged
+// if the position is not below the vector's length.
 sve::form::zzi sve_ext_zzi;
 
 sve::form::zz sve_rev_zz;  // zd, zn: the elements in reversed order
@@ -28,8 +28,8 @@ sve::form::zz sve_uunpkhi_s2d_zz;
 sve::form::zz sve_sunpklo_s2d_zz;
 sve::form::zz sve_sunpkhi_s2d_zz;
 
-// Number of a vector register, pg, zn: element 0 of it becomes the reduction of the active elements
-// of zn, the rest of it 0. With no active element it is the operation's neutral value.
+// Number of a vector register, pg, zn: its element 0 becomes the reduction of the active elements
+// of zn, and the rest 0. If no element is active, it becomes the operation's neutral value.
 sve::form::vpz sve_andv_vpz;
 sve::form::vpz sve_orv_vpz;
 sve::form::vpz sve_eorv_vpz;

@@ -1,5 +1,5 @@
-// Scans over unpacked predicates, and the condition flags that follow from them. They stop at their
-// first match and look at eight bytes at a time: most predicates begin active, and a compare that
+// Scans over unpacked predicates, and the condition flags that follow from them. They stop at the
+// first match and examine eight bytes at a time. Most predicates begin active, and a compare that
 // finds nothing, as in the loop of a string search, should not take a branch for each element.
 #pragma once
 
@@ -14,7 +14,7 @@
 
 namespace sve::fast {
 
-// The predicate bits of the elements of type T that eight bytes of a predicate stand for.
+// The predicate bits of the elements of type T in eight bytes of a predicate.
 template <class T>
 inline constexpr std::uint64_t predicate_bits = ~std::uint64_t{0} /
                                                 std::numeric_limits<std::make_unsigned_t<T>>::max();
@@ -24,7 +24,7 @@ inline std::uint64_t active_bits(const unsigned char* predicate, std::size_t wor
   return element<std::uint64_t>(predicate, word) & predicate_bits<T>;
 }
 
-// The index of the first active element of type T from `i` on, elements<T> if there is none.
+// The index of the first active element of type T from `i` on, or elements<T> if there is none.
 template <class T>
 inline std::size_t next_active(const unsigned char* predicate, std::size_t i) {
   std::uint64_t wanted = ~std::uint64_t{0} << (i * sizeof(T) % 8 * 8);
@@ -36,7 +36,7 @@ inline std::size_t next_active(const unsigned char* predicate, std::size_t i) {
   return elements<T>;
 }
 
-// One past the index of the last active element of type T, 0 if there is none.
+// One past the index of the last active element of type T, or 0 if there is none.
 template <class T>
 inline std::size_t end_of_active(const unsigned char* predicate) {
   for (std::size_t word = elements<std::uint64_t>; word > 0; --word) {
@@ -46,8 +46,8 @@ inline std::size_t end_of_active(const unsigned char* predicate) {
   return 0;
 }
 
-// The index of the first element of type T that is active in both predicates, elements<T> if there
-// is none.
+// The index of the first element of type T that is active in both predicates, or elements<T> if
+// there is none.
 template <class T>
 inline std::size_t first_in_both(const unsigned char* a, const unsigned char* b) {
   for (std::size_t word = 0; word < elements<std::uint64_t>; ++word) {
@@ -62,9 +62,9 @@ inline bool any_in_both(const unsigned char* a, const unsigned char* b) {
   return first_in_both<T>(a, b) < elements<T>;
 }
 
-// Writes value(i, first) as each group i of a predicate, where `first` is 1 in the first `count`
-// elements of type T and 0 in all others. The last of them is compared, since the count of bytes
-// need not fit a byte.
+// Writes value(i, first) as each group i of a predicate. `first` is 1 in the first `count` elements
+// of type T and 0 in all others. Elements are compared with the last of those, not with `count`: a
+// count of 256 bytes does not fit in a byte.
 template <class T, class Value>
 inline void write_by_first(unsigned char* predicate, unsigned count, Value value) {
   const auto last = broadcast<group<T>>(static_cast<T>(count - 1));
@@ -80,14 +80,14 @@ inline void set_first_elements(unsigned char* predicate, unsigned count) {
   write_by_first<T>(predicate, count, [](std::size_t, group<T> first) { return first; });
 }
 
-// The flags of a predicate result: whether its first active element, any, and its last active
-// element are true. The other bits of `nzcv` stay as they are.
+// Sets the flags of a predicate result: whether its first active element, any active element and
+// its last active element are true. The other bits of `nzcv` stay as they are.
 inline void set_flags(cpu_state* state, bool first, bool any, bool last) {
   const std::uint64_t others = state->nzcv & ~std::uint64_t{flags_nzcv};
   state->nzcv = others | (first ? flag_n : 0) | (any ? 0 : flag_z) | (last ? 0 : flag_c);
 }
 
-// The flags of a predicate result of which every element of type T counts as active.
+// Sets the flags of a predicate result, with every element of type T counted as active.
 template <class T>
 inline void set_flags_all_active(cpu_state* state, const unsigned char* result) {
   set_flags(state, active<T>(result, 0), any_in_both<T>(result, result),

@@ -1,4 +1,4 @@
-// What is done to each byte alone works in groups; scans and permutes are plain loops over bytes or
+// Operations on single bytes work in groups. Scans and permutes are plain loops over bytes or
 // elements.
 #include "sve/fast/predicates.h"
 
@@ -35,14 +35,14 @@ rc logic(cpu_state* s, P pd, P pg, P pn, P pm, Op op) {
   });
 }
 
-// Operands count as true unless zero, so that these store nothing but 0 and 1.
+// An operand byte counts as true unless it is zero. These operations store only 0 and 1.
 constexpr auto both = [](bytes a, bytes b) { return ((a != 0) & (b != 0)) & 1; };
 constexpr auto either = [](bytes a, bytes b) { return ((a | b) != 0) & 1; };
 constexpr auto one = [](bytes a, bytes b) { return ((a != 0) ^ (b != 0)) & 1; };
 constexpr auto neither = [](bytes a, bytes b) { return ((a | b) == 0) & 1; };
 
-// The first `count` bytes are true where pg, the others false; bytes where pg is false become 0, or
-// keep their old value if `merge` is set.
+// The first `count` bytes are true where pg is, and the others false. Bytes where pg is false
+// become 0, or keep their old value if `merge` is set.
 void keep_first(byte* result, const byte* g, unsigned count, bool merge = false) {
   write_by_first<byte>(result, count, [=](std::size_t i, bytes first) {
     return where_governed<bytes>(
@@ -50,7 +50,7 @@ void keep_first(byte* result, const byte* g, unsigned count, bool merge = false)
   });
 }
 
-// A break keeps what lies before the first active true byte of pn, and that byte too if `with_it`.
+// A break keeps what comes before the first active true byte of pn, and that byte too if `with_it`.
 rc break_at(cpu_state* s, P pd, P pg, P pn, bool with_it) {
   const byte* g = s->p[pg.num];
   const std::size_t first = first_in_both<byte>(g, s->p[pn.num]);
@@ -64,7 +64,7 @@ bool true_at_last_active(const byte* pg, const byte* pn) {
   return end > 0 && pn[end - 1] != 0;
 }
 
-// The element after the last true one of pdn at which pv is true, alone.
+// Makes only one element of pdn true: the next one after its last true element where pv is true.
 template <class T>
 void next_active_element(cpu_state* s, byte* pdn, const byte* pv) {
   byte result[vector_bytes] = {};
@@ -74,7 +74,7 @@ void next_active_element(cpu_state* s, byte* pdn, const byte* pv) {
   std::memcpy(pdn, result, vector_bytes);
 }
 
-// Halfword elements from the vector_bytes / 2 bytes at `half`.
+// Makes halfword elements from the vector_bytes / 2 bytes at `half`.
 rc unpack(byte* pd, const byte* half) {
   return write_units<std::uint16_t>(
       pd, [=](std::size_t i) { return static_cast<std::uint16_t>(half[i] & 1); });

@@ -1,17 +1,17 @@
 // Predicate logic, partitioning and the first-fault register, on the unpacked form: byte k of a
 // predicate stands for vector byte k, and the value of an element is bit 0 of its first byte.
 //
-// No reader relies on the other bytes of an element being 0: the logic, break and FFR operations
-// work on every byte of its own. The size code, where one matters, is `size` of the first operand.
+// No code relies on the other bytes of an element being 0: the logic, break and FFR operations work
+// on each byte separately. The size code, where one matters, is `size` of the first operand.
 #pragma once
 
 #include "sve/fast/forms.h"
 
 // Sets N, Z, C and V in `nzcv` from vector_bytes bytes of governing and result predicate (the
-// architecture's PredTest) and leaves the other bits of it alone. The width of T is the element
-// stride: N is the result at the first active element, Z says that no active element is true, C is
-// the inverse of the result at the last active element, V is 0. With no active element N = 0,
-// Z = 1, C = 1. There are instances for char, short, int and long, signed and unsigned.
+// architecture's PredTest) and leaves its other bits alone. The width of T is the element stride. N
+// is the result at the first active element. Z says that no active element is true. C is the
+// inverse of the result at the last active element. V is 0. If no element is active, N = 0, Z = 1
+// and C = 1. There are instances for char, short, int and long, signed and unsigned.
 template <class T>
 void sve_ptest(cpu_state* state, const char* governing, const char* result);
 
@@ -26,7 +26,7 @@ sve::form::pppp sve_nor_pppp;
 
 sve::form::pppp sve_sel_pppp;  // pd, pg, pn, pm: pn where pg, else pm
 
-sve::form::pi sve_ptrue_pi;  // pd, pattern: its first elements true, as many as the pattern says
+sve::form::pi sve_ptrue_pi;  // pd, pattern: the first elements true, as many as the pattern says
 sve::form::p sve_pfalse_p;   // pd
 
 // pd, pg, pn: true up to the first active true byte of pn, including it (A) or not (B). Inactive
@@ -34,21 +34,21 @@ sve::form::p sve_pfalse_p;   // pd
 sve::form::ppp sve_brka_ppp;
 sve::form::ppp sve_brkb_ppp;
 
-// pdm, pg, pn: keeps pdm if pn is true at the last active byte of pg, else clears it. With
-// `set_flags`, sets the flags of the result with every byte counted as active.
+// pdm, pg, pn: keeps pdm if pn is true at the last active byte of pg, else clears it. If
+// `set_flags` is true, it sets the flags of the result with every byte counted as active.
 aarch64_decode_rc sve_brkn(cpu_state* state, aarch64_p_reg pdm, aarch64_p_reg pg, aarch64_p_reg pn,
                            bool set_flags);
 sve::form::ppp sve_brkn_ppp;
 sve::form::ppp sve_brkns_ppp;
 
-// pd, pg, pn, pm: if pn is true at the last active byte of pg, true where pg is, up to but without
-// the first active true byte of pm; else all false.
+// pd, pg, pn, pm: if pn is true at the last active byte of pg, pd is true where pg is, up to but
+// not including the first active true byte of pm. Otherwise it is all false.
 aarch64_decode_rc sve_brkpb(cpu_state* state, aarch64_p_reg pd, aarch64_p_reg pg, aarch64_p_reg pn,
                             aarch64_p_reg pm, bool set_flags);
 sve::form::pppp sve_brkpb_pppp;
 sve::form::pppp sve_brkpbs_pppp;
 
-// pdn, pv: the first true element of pv above the last true element of pdn; sets the flags under
+// pdn, pv: the first true element of pv after the last true element of pdn. Sets the flags under
 // pv. The size code is `src_size` of pdn.
 sve::form::pp sve_pnext_pp;
 
@@ -69,8 +69,8 @@ sve::form::ppp sve_zip2_ppp;
 sve::form::ppp sve_uzp1_ppp;
 
 // The same permutes for predicates and for vectors of vector_bytes bytes: the low halves of a and b
-// interleaved, the high halves interleaved, the even elements of a and then those of b. `out`
-// overlaps neither a nor b. Elements move whole, with all their bytes.
+// interleaved, the high halves interleaved, or the even elements of a and then those of b. `out`
+// overlaps neither a nor b. Whole elements are moved, with all their bytes.
 void sve_zip1(char* out, char* a, char* b, element_size size);
 void sve_zip2(char* out, char* a, char* b, element_size size);
 void sve_uzp1(char* out, char* a, char* b, element_size size);

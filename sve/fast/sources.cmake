@@ -11,5 +11,5 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/predicates.cpp
   ${CMAKE_CURRENT_LIST_DIR}/stub_entries.cpp)
 
-# scalar_unit.h, by processor.
+# Each processor has its own scalar_unit.h.
 target_include_directories(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${CMAKE_SYSTEM_PROCESSOR})

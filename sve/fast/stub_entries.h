@@ -1,8 +1,8 @@
-// Entries for the operations that have no fast path, by the names that fast paths would have.
+// Entries for the operations that have no fast path, under the names that fast paths would have.
 //
-// No handler calls one: bridges run these instructions in the reference semantics. Whoever does
-// call one reads on stderr which instruction it was, from `pc` and `instr` of the state, and gets
-// aarch64_decode_unimplemented; nothing else happens.
+// No handler calls one: bridges run these instructions in the reference semantics. If somebody does
+// call one, it prints on stderr which instruction it was, from `pc` and `instr` of the state, and
+// returns aarch64_decode_unimplemented. It does nothing else.
 #pragma once
 
 #include "sve/fast/forms.h"

@@ -1,10 +1,10 @@
-// The processor's scalar floating-point instructions, one element at a time, under the FPCR of the
-// application, which is still in the register when a fast path runs.
+// The processor's scalar floating-point instructions, applied to one element at a time under the
+// application's FPCR. That is still in the register when a fast path runs.
 //
-// Each is an asm statement, so that the instruction that runs is the one written here: the compiler
-// may neither fold, vectorise, repeat nor drop it, and volatile keeps all of them in their order
-// before the read of the FPSR. Values are integers throughout: the compiler has no floating-point
-// value that it could use an instruction of its own on.
+// Each is an asm statement, so that exactly the instruction written here runs: the compiler may not
+// fold, vectorise, repeat or drop it. Volatile keeps all of them in order and before the read of
+// the FPSR. Values are integers throughout, so that the compiler has no floating-point value for
+// which it could choose an instruction of its own.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace sve::fast {
 
-// asm takes its text as a literal, and the registers of the two formats have names of their own.
+// asm needs a literal text, and the registers of the two formats have different names.
 #define UNARY(name, mnemonic)                                   \
   static std::uint32_t name(std::uint32_t a) {                  \
     std::uint32_t result;                                       \
@@ -36,8 +36,8 @@ namespace sve::fast {
     asm volatile(mnemonic " %d0, %d1, %d2" : "=w"(result) : "w"(a), "w"(b)); \
     return result;                                                           \
   }
-// The condition holds for the flags of the comparison; none that is used here does for unordered
-// operands, but `ne` and `vs`.
+// The condition is evaluated on the flags of the comparison. Of the conditions used here, only `ne`
+// and `vs` hold for unordered operands.
 #define COMPARE(name, mnemonic, condition)                    \
   static bool name(std::uint32_t a, std::uint32_t b) {        \
     bool holds;                                               \
@@ -112,7 +112,7 @@ struct scalar_unit {
 #undef COMPARE
 #undef CONVERT
 
-// The FPSR after a fast path: the processor's, in which the flags have gathered on top of the
+// The FPSR after a fast path: the processor's. Its flags have accumulated on top of the
 // application's.
 inline std::uint32_t fpsr_after(const cpu_state& /*state*/) {
   std::uint64_t fpsr;

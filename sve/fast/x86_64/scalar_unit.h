@@ -1,5 +1,6 @@
-// The scalar floating-point instructions of a fast path where the processor is no AArch64 one: the
-// same results and flags by the library, under the state's FPCR, with the flags ORed into its FPSR.
+// The scalar floating-point instructions of a fast path on a processor that is not an AArch64 one.
+// The library gives the same results and flags, under the state's FPCR, and ORs the flags into its
+// FPSR.
 #pragma once
 
 #include <cstdint>
