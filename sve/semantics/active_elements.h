@@ -1,5 +1,5 @@
-// Which elements of w bits a packed predicate has active: what PredSetNZCV, FindFirstActive and
-// their kin are made of. Unlike these, it copies no predicate.
+// Which elements of w bits are active in a packed predicate. PredSetNZCV, FindFirstActive and
+// similar functions are built from these. Unlike them, these functions copy no predicate.
 #pragma once
 
 #include "sve/semantics/integer_helpers.h"

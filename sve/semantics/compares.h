@@ -1,8 +1,8 @@
-// Integer compares to a predicate, which all set the flags, and the compare that ends a loop.
+// Integer compares to a predicate, which all set the flags, and the compares that end a loop.
 //
-// S tags compare signed, U tags unsigned; EQ and NE exist with S tags only. An inactive element is
-// false. In the wide forms the element is extended by the tag and compared with the 64-bit element
-// of b that covers it.
+// S tags compare signed, and U tags unsigned. EQ and NE exist only with S tags. An inactive element
+// is false. In the wide forms the element is extended as its tag says and compared with the 64-bit
+// element of b that covers it.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 namespace sve::semantics {
 
 using compare_vectors = PredV(PredV g, VecV a, VecV b, CpuContext* ctx);
-// `i` is decoded, of the element's type.
+// `i` is already decoded and has the element's type.
 template <class Element>
 using compare_immediate = PredV(PredV g, VecV a, Element i, CpuContext* ctx);
 template <class Scalar>
@@ -20,7 +20,7 @@ using compare_terminate = void(Scalar x, Scalar y, CpuContext* ctx);
 
 }  // namespace sve::semantics
 
-// CTERMEQ, CTERMNE: where the condition holds, N is 1 and V is 0; otherwise N is 0 and V is not C.
+// CTERMEQ, CTERMNE: if the condition holds, N is 1 and V is 0. Otherwise N is 0 and V is not C.
 sve::semantics::compare_terminate<std::uint32_t> VecU32CTermEQ, VecU32CTermNE;
 sve::semantics::compare_terminate<std::uint64_t> VecU64CTermEQ, VecU64CTermNE;
 

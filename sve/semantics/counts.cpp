@@ -1,6 +1,6 @@
-// A line below reads: what is added to what, and how many of what are counted. The saturating
-// scalar forms compute at the width of the scalar operand, the vector forms at that of the element;
-// in both the width of the tag says what is counted.
+// Each line below says what is added to what, and which elements are counted. The saturating scalar
+// forms compute at the width of the scalar operand, the vector forms at the width of the element.
+// In both, the width in the tag says which elements are counted.
 #include "sve/semantics/counts.h"
 
 #include "sve/semantics/elements.h"
@@ -15,7 +15,7 @@ using P = PredV;
 using Imm = unsigned;
 using Ctx = CpuContext*;
 
-// Elements of type T that the pattern selects, times the multiplier imm + 1.
+// The number of elements of type T that the pattern selects, times the multiplier imm + 1.
 template <class T>
 U64 count(unsigned pattern, unsigned imm, const CpuContext* ctx) {
   const int n = static_cast<int>(ctx->elements<T>());
@@ -23,7 +23,7 @@ U64 count(unsigned pattern, unsigned imm, const CpuContext* ctx) {
   return selected + imm * selected;
 }
 
-// Elements of type T that are active in p.
+// The number of elements of type T that are active in p.
 template <class T>
 U64 count(const PredV& p, const CpuContext* ctx) {
   U64 active = 0;
@@ -31,7 +31,8 @@ U64 count(const PredV& p, const CpuContext* ctx) {
   return active;
 }
 
-// Scalars of type T: the result is saturated and then extended to 64 bits by T's sign.
+// Scalars of type T: the result is saturated and then extended to 64 bits as T is signed or
+// unsigned.
 template <class T>
 U64 q_add(U64 x, U64 n) {
   return static_cast<U64>(static_cast<T>(SatAdd(x, n, width<T>, is_unsigned<T>).value));
@@ -42,7 +43,8 @@ U64 q_sub(U64 x, U64 n) {
   return static_cast<U64>(static_cast<T>(SatSub(x, n, width<T>, is_unsigned<T>).value));
 }
 
-// Elements and one number, which enters the 128-bit sum unsigned: modulo the element or saturated.
+// Operations on each element and one number n. The 128-bit sum takes n as unsigned. The result is
+// taken modulo the element, or saturated.
 template <class T>
 [[gnu::noinline]] VecV add(const VecV& a, U64 n, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) { return a.get<T>(e) + n; });
@@ -65,7 +67,7 @@ template <class T>
       ctx, [&](unsigned e) { return SatQ(Int(a.get<T>(e)) - n, width<T>, is_unsigned<T>).value; });
 }
 
-// Elements and elements.
+// Operations on pairs of elements.
 template <class T>
 [[gnu::noinline]] VecV q_add(const VecV& a, const VecV& b, const CpuContext* ctx) {
   return unpredicated<T>(ctx, [&](unsigned e) {
@@ -156,7 +158,7 @@ VecV VecS16QDecrVLVI(V a, Imm p, Imm i, Ctx c) { return q_sub<S16>(a, count<U16>
 VecV VecS32QDecrVLVI(V a, Imm p, Imm i, Ctx c) { return q_sub<S32>(a, count<U32>(p, i, c), c); }
 VecV VecS64QDecrVLVI(V a, Imm p, Imm i, Ctx c) { return q_sub<S64>(a, count<U64>(p, i, c), c); }
 
-// CNTP counts where both predicates hold.
+// CNTP counts elements that are active in both predicates.
 U64 VecU8SCountP(P g, P p, Ctx c) { return count<U8>(VecPAndPPZ(g, p, p, c), c); }
 U64 VecU16SCountP(P g, P p, Ctx c) { return count<U16>(VecPAndPPZ(g, p, p, c), c); }
 U64 VecU32SCountP(P g, P p, Ctx c) { return count<U32>(VecPAndPPZ(g, p, p, c), c); }

@@ -2,9 +2,9 @@
 // vector sums.
 //
 // A count comes from a predicate pattern and a multiplier, or from the active elements of a
-// predicate. The number in a tag is the width of the elements that are counted, its letter says
-// whether saturation is signed or unsigned, and the digit in VL4, VL8, SCount4, SCount8 is the size
-// of the scalar operand in bytes. Saturation leaves no trace in fpsr: SVE has no cumulative flag.
+// predicate. The number in a tag is the width of the elements that are counted. Its letter says
+// whether saturation is signed or unsigned. The digit in VL4, VL8, SCount4, SCount8 is the size of
+// the scalar operand in bytes. Saturation does not change fpsr: SVE has no cumulative flag for it.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 namespace sve::semantics {
 
-// `pattern` is the 5-bit predicate pattern. `imm` is the raw 4-bit field, the multiplier minus 1:
-// the 1 is added here.
+// `pattern` is the 5-bit predicate pattern. `imm` is the raw 4-bit field, the multiplier minus 1.
+// The functions add the 1.
 using pattern_to_count = std::uint64_t(unsigned pattern, unsigned imm, CpuContext* ctx);
 using pattern_on_word = std::uint64_t(std::uint32_t x, unsigned pattern, unsigned imm,
                                       CpuContext* ctx);
@@ -28,7 +28,7 @@ using predicate_on_doubleword = std::uint64_t(PredV p, std::uint64_t x, CpuConte
 using predicate_on_vector = VecV(PredV p, VecV a, CpuContext* ctx);
 
 using saturating_vectors = VecV(VecV a, VecV b, CpuContext* ctx);
-// `i` is unsigned for S and U tags alike, and arrives with the instruction's shift applied.
+// `i` is unsigned for both S and U tags. The instruction's shift is already applied.
 using saturating_immediate = VecV(VecV a, std::uint64_t i, CpuContext* ctx);
 
 }  // namespace sve::semantics
@@ -41,16 +41,16 @@ std::uint64_t VecS64AddPLX(std::uint64_t base, std::int64_t imm, CpuContext* ctx
 // CNTB, CNTH, CNTW, CNTD.
 sve::semantics::pattern_to_count VecU8CountVLSI, VecU16CountVLSI, VecU32CountVLSI, VecU64CountVLSI;
 
-// INCB, DECB and kin (scalar): modulo 2 to the power 64.
+// INCB, DECB and the like (scalar): modulo 2 to the power 64.
 sve::semantics::pattern_on_doubleword VecU8IncrVLSI, VecU16IncrVLSI, VecU32IncrVLSI, VecU64IncrVLSI,
     VecU8DecrVLSI, VecU16DecrVLSI, VecU32DecrVLSI, VecU64DecrVLSI;
 
-// INCH, DECH and kin (vector): modulo the element.
+// INCH, DECH and the like (vector): modulo the element.
 sve::semantics::pattern_on_vector VecU16IncrVLVI, VecU32IncrVLVI, VecU64IncrVLVI, VecU16DecrVLVI,
     VecU32DecrVLVI, VecU64DecrVLVI;
 
-// SQINCB, UQINCB, SQDECB, UQDECB and kin on a W register: S forms return the result sign-extended
-// to 64 bits, U forms zero-extended.
+// SQINCB, UQINCB, SQDECB, UQDECB and the like on a W register: S forms return the result
+// sign-extended to 64 bits, U forms zero-extended.
 sve::semantics::pattern_on_word VecU8QIncrVL4SI, VecU16QIncrVL4SI, VecU32QIncrVL4SI,
     VecU64QIncrVL4SI, VecS8QIncrVL4SI, VecS16QIncrVL4SI, VecS32QIncrVL4SI, VecS64QIncrVL4SI,
     VecU8QDecrVL4SI, VecU16QDecrVL4SI, VecU32QDecrVL4SI, VecU64QDecrVL4SI, VecS8QDecrVL4SI,
@@ -60,7 +60,7 @@ sve::semantics::pattern_on_doubleword VecU8QIncrVL8SI, VecU16QIncrVL8SI, VecU32Q
     VecU64QIncrVL8SI, VecS8QIncrVL8SI, VecS16QIncrVL8SI, VecS32QIncrVL8SI, VecS64QIncrVL8SI,
     VecU8QDecrVL8SI, VecU16QDecrVL8SI, VecU32QDecrVL8SI, VecU64QDecrVL8SI, VecS8QDecrVL8SI,
     VecS16QDecrVL8SI, VecS32QDecrVL8SI, VecS64QDecrVL8SI;
-// SQINCH, UQINCH, SQDECH, UQDECH and kin on a vector.
+// SQINCH, UQINCH, SQDECH, UQDECH and the like on a vector.
 sve::semantics::pattern_on_vector VecU16QIncrVLVI, VecU32QIncrVLVI, VecU64QIncrVLVI,
     VecS16QIncrVLVI, VecS32QIncrVLVI, VecS64QIncrVLVI, VecU16QDecrVLVI, VecU32QDecrVLVI,
     VecU64QDecrVLVI, VecS16QDecrVLVI, VecS32QDecrVLVI, VecS64QDecrVLVI;

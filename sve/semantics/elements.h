@@ -1,10 +1,10 @@
-// The shapes of the semantic functions: which elements are computed and what the others become.
-// A family is one of these with its element expression.
+// The shapes of the semantic functions: which elements are computed, and what the others become. A
+// family consists of one of these shapes with its element expression.
 //
-// An exported function has its vectors by value and hands them on by reference. Where it is marked
-// [[gnu::noinline]], the function that gets them compiles to a better loop than it would as a part
-// of the exported one: for GCC, an element of a parameter is harder to address than one of a
-// reference.
+// An exported function takes its vectors by value and passes them on by reference. Where the
+// function that gets them is marked [[gnu::noinline]], it compiles to a better loop than it would
+// inside the exported function: GCC has more trouble addressing an element of a parameter than one
+// of a reference.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ inline constexpr int width = 8 * sizeof(T);
 template <class T>
 inline constexpr int is_unsigned = std::is_unsigned_v<T> ? 1 : 0;
 
-// The element as the integer that its tag says.
+// The element as an integer, signed or unsigned as its tag says.
 template <class T>
 constexpr Int128 Int(T x) {
   return x;
@@ -61,7 +61,8 @@ VecV zeroing(const PredV& g, const CpuContext* ctx, Operation operation) {
       ctx, [&](unsigned e) { return g.active<T>(e) ? static_cast<T>(operation(e)) : T{0}; });
 }
 
-// Generators of predicates: element e is truth(e), in its first lane; all other lanes are 0.
+// Functions that generate predicates: the first lane of element e is truth(e), and all other lanes
+// are 0.
 template <class T, class Truth>
 PredV generated(const CpuContext* ctx, Truth truth) {
   PredV result{};

@@ -1,10 +1,10 @@
 // Floating-point operations on vectors: arithmetic, fused and complex multiply-add, compares,
 // conversions and reductions.
 //
-// The elements are the bit patterns of half (F16), single (F32) and double (D64) precision, and all
-// arithmetic is the library's of sve/fp/fp.h. Each computed element sees the controls of the FPCR
-// and adds its flags to the FPSR; an inactive one raises nothing. Merging forms take the merge
-// source first; in one of two or three vectors it is the first operand as well.
+// The elements are the bit patterns of half (F16), single (F32) and double (D64) precision. All
+// arithmetic is done by the library in sve/fp/fp.h. Each computed element uses the controls of the
+// FPCR and adds its flags to the FPSR. An inactive element raises no flags. In merging forms the
+// merge source comes first. If they have only two or three vectors, it is also the first operand.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ using binary_immediate = VecV(VecV a, VecV b, unsigned i, CpuContext* ctx);
 using unary_merging = VecV(VecV source, PredV g, VecV a, CpuContext* ctx);
 using binary_merging = VecV(VecV a, PredV g, VecV b, CpuContext* ctx);
 using ternary_merging = VecV(VecV a, PredV g, VecV b, VecV d, CpuContext* ctx);
-// `i` chooses the second of two constants.
+// `i` selects the second of two constants.
 using immediate_merging = VecV(VecV a, PredV g, bool i, CpuContext* ctx);
 using ternary_indexed = VecV(VecV n, VecV m, VecV acc, unsigned index, CpuContext* ctx);
 
@@ -36,7 +36,7 @@ using compare_with_zero = PredV(PredV g, VecV a, CpuContext* ctx);
 using replication = VecV(std::uint64_t x, CpuContext* ctx);
 using replication_merging = VecV(VecV source, PredV g, std::uint64_t x, CpuContext* ctx);
 
-// Scalars are the low bits of 64.
+// Scalars are in the low bits of the 64.
 using reduction = std::uint64_t(PredV g, VecV a, CpuContext* ctx);
 using ordered_reduction = std::uint64_t(PredV g, std::uint64_t start, VecV a, CpuContext* ctx);
 
@@ -120,17 +120,17 @@ sve::semantics::floating_point::binary_immediate VecF16MulVVIX, VecF32MulVVIX, V
 // FCADD, of pairs of elements: rotation 0 is 90 degrees, 1 is 270.
 sve::semantics::floating_point::complex_addition VecF16FCADDVVM, VecF32FCADDVVM, VecD64FCADDVVM;
 
-// FCMLA: rotations in units of 90 degrees; `index` is that of a pair in each segment of m.
+// FCMLA: rotations are in units of 90 degrees. `index` selects a pair in each segment of m.
 sve::semantics::floating_point::complex_multiplication VecF16FCMLAVVVM, VecF32FCMLAVVVM,
     VecD64FCMLAVVVM;
 sve::semantics::floating_point::complex_multiplication_indexed VecF16FCMLAVVVIX, VecF32FCMLAVVVIX;
 
-// FCMEQ, FCMNE, FCMGE, FCMGT, FCMUO; NE is true of NaNs.
+// FCMEQ, FCMNE, FCMGE, FCMGT, FCMUO. NE is true for NaNs.
 sve::semantics::floating_point::compare_vectors VecF16CmpEQVVZ, VecF32CmpEQVVZ, VecD64CmpEQVVZ,
     VecF16CmpNEVVZ, VecF32CmpNEVVZ, VecD64CmpNEVVZ, VecF16CmpGEVVZ, VecF32CmpGEVVZ, VecD64CmpGEVVZ,
     VecF16CmpGTVVZ, VecF32CmpGTVVZ, VecD64CmpGTVVZ, VecF16CmpUNVVZ, VecF32CmpUNVVZ, VecD64CmpUNVVZ;
 
-// FACGE, FACGT: of absolute values.
+// FACGE, FACGT: compare absolute values.
 sve::semantics::floating_point::compare_vectors VecF16AcGEVVZ, VecF32AcGEVVZ, VecD64AcGEVVZ,
     VecF16AcGTVVZ, VecF32AcGTVVZ, VecD64AcGTVVZ;
 
@@ -155,7 +155,7 @@ sve::semantics::floating_point::unary_merging VecS16_2FromHVM, VecU16_2FromHVM, 
 sve::semantics::floating_point::unary_merging VecH32TruncFVM, VecH64TruncDVM, VecF64TruncDVM,
     VecF32ExtndHVM, VecD64ExtndHVM, VecD64ExtndFVM;
 
-// FADDA: the active elements are added to `start` one after the other.
+// FADDA: adds the active elements to `start` one after the other.
 sve::semantics::floating_point::ordered_reduction VecF16AddReduceAV, VecF32AddReduceAV,
     VecD64AddReduceAV;
 

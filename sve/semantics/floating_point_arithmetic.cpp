@@ -43,13 +43,13 @@ constexpr auto frint = [](auto a, FPSCR& f) { return FPRoundInt(a, Rounding, fal
 constexpr auto frinti = [](auto a, FPSCR& f) { return FPRoundInt(a, f.rounding(), false, f); };
 constexpr auto frintx = [](auto a, FPSCR& f) { return FPRoundInt(a, f.rounding(), true, f); };
 
-// Without an FPSCR, and so without flags.
+// These take no FPSCR, so they raise no flags.
 constexpr auto abs_ = []<class T>(T a) { return a & ~sign<T>; };
 constexpr auto neg = [](auto a) { return FPNeg(a); };
 constexpr auto expa = [](auto a) { return FPEXPA(a); };
 
-// A constant in single and double precision. In half precision it is single precision's, converted
-// where it is used.
+// A constant in single and double precision. For half precision, the single-precision value is
+// converted where it is used.
 struct constant {
   F32 single;
   D64 dbl;
@@ -79,7 +79,7 @@ constexpr choice half_or_one{half, one};
 constexpr choice half_or_two{half, two};
 constexpr choice zero_or_one{zero, one};
 
-// The constant is made for inactive elements too.
+// The constant is converted for inactive elements too.
 template <class T, class Operation>
 [[gnu::noinline]] VecV merge_imm(const V& a, const P& g, bool flag, Ctx ctx, choice values,
                                  Operation op) {
@@ -100,7 +100,7 @@ template <class T>
   return unpredicated<T>(ctx, [&](unsigned e) { return expa(a.get<T>(e)); });
 }
 
-// FTSSEL: 1.0 or a by bit 0 of b, negated by bit 1.
+// FTSSEL: bit 0 of b selects 1.0 instead of a, and bit 1 negates the result.
 template <class T>
 [[gnu::noinline]] VecV trig_select(const V& a, const V& b, Ctx ctx) {
   constexpr T plus_one = format<T>::power_of_two(0);

@@ -1,4 +1,4 @@
-// Less-than compares with zero are those of the library with the operands swapped.
+// Less-than compares with zero use those of the library with the operands swapped.
 #include "sve/semantics/floating_point.h"
 #include "sve/semantics/floating_point_elements.h"
 

@@ -1,5 +1,5 @@
-// A source narrower than the element lies in its low bits; so does a narrower result, extended to
-// the element by the signedness of its type.
+// A source narrower than the element is in its low bits. So is a narrower result, which is extended
+// to the element as its type is signed or unsigned.
 #include <type_traits>
 
 #include "sve/semantics/floating_point.h"

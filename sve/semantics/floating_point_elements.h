@@ -1,7 +1,8 @@
-// How a floating-point element is computed, and the shapes of the families of it.
+// How a floating-point element is computed, and the shapes of the floating-point families.
 //
-// An operation takes the elements and, last, the FPSCR. Flags are cumulative, so that all elements
-// see the same word: each gets a fresh one, made from the FPCR, and only what it raised is kept.
+// An operation takes the elements and, as the last argument, the FPSCR. Flags are cumulative, but
+// every element must see the same word. So each element gets a fresh copy made from the FPCR, and
+// only the flags that it raised are kept.
 #pragma once
 
 #include "sve/fp/fp.h"
@@ -10,7 +11,7 @@
 
 namespace sve::semantics::floating_point {
 
-// The carriers, by the tags of their elements.
+// The integer types that hold the bits of an element, by tag.
 using F16 = unsigned short;
 using F32 = unsigned int;
 using D64 = unsigned long;
@@ -24,7 +25,7 @@ inline constexpr U32 fpsr_fields = 0xf800009f;  // NZCV, QC, IDC, IXC, UFC, OFC,
 template <class T>
 inline constexpr T sign = static_cast<T>(sign_bit(width<T>));
 
-// One computed element: operation(operands..., FPSCR) under the given controls.
+// Computes one element: operation(operands..., FPSCR) under the given controls.
 template <class Operation, class... Operands>
 auto compute_under(U32 controls, Ctx ctx, Operation operation, Operands... operands) {
   FPSCR local{controls};
@@ -38,7 +39,7 @@ auto compute(Ctx ctx, Operation operation, Operands... operands) {
   return compute_under(ctx->fpcr, ctx, operation, operands...);
 }
 
-// FPConvert. A conversion between formats is of IEEE halves that are never flushed, whatever the
+// FPConvert. Here half-precision values are always in IEEE format and never flushed, whatever the
 // FPCR says.
 template <class From, class To>
 To convert_format(Ctx ctx, From x, FPRounding rounding) {
@@ -48,7 +49,7 @@ To convert_format(Ctx ctx, From x, FPRounding rounding) {
   return compute_under(ctx->fpcr & ~(FPSCR::AHP | FPSCR::FZ16), ctx, convert, x);
 }
 
-// Operations of several families.
+// Operations that several families use.
 inline constexpr auto add = [](auto a, auto b, FPSCR& f) { return FPAdd(a, b, f); };
 inline constexpr auto mul = [](auto a, auto b, FPSCR& f) { return FPMul(a, b, f); };
 inline constexpr auto max = [](auto a, auto b, FPSCR& f) { return FPMax(a, b, f); };

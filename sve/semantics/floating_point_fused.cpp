@@ -1,5 +1,5 @@
-// Multiply-add, complex arithmetic, and products by an indexed element. Negations are flips of a
-// sign bit before the operation, so that NaNs come back negated.
+// Multiply-add, complex arithmetic, and products by an indexed element. A negation flips a sign bit
+// before the operation, so NaN operands come back negated.
 #include "sve/semantics/floating_point.h"
 #include "sve/semantics/floating_point_elements.h"
 
@@ -9,14 +9,14 @@ using namespace sve::semantics::floating_point;
 
 namespace {
 
-// The operands in the order of the instruction: d is the addend of these,
+// The operands are in the order of the instruction. In these, d is the addend,
 constexpr auto fma_ = [](auto d, auto n, auto m, FPSCR& f) { return FPMulAdd(d, n, m, f); };
 constexpr auto fms = [](auto d, auto n, auto m, FPSCR& f) { return FPMulAdd(d, FPNeg(n), m, f); };
 constexpr auto fnma = [](auto d, auto n, auto m, FPSCR& f) {
   return FPMulAdd(FPNeg(d), FPNeg(n), m, f);
 };
 constexpr auto fnms = [](auto d, auto n, auto m, FPSCR& f) { return FPMulAdd(FPNeg(d), n, m, f); };
-// and a multiplicand of these.
+// and in these, d is a multiplicand.
 constexpr auto fmadd = [](auto d, auto m, auto a, FPSCR& f) { return fma_(a, d, m, f); };
 constexpr auto fmsub = [](auto d, auto m, auto a, FPSCR& f) { return fms(a, d, m, f); };
 constexpr auto fnmadd = [](auto d, auto m, auto a, FPSCR& f) { return fnma(a, d, m, f); };
@@ -43,7 +43,8 @@ template <class T>
       ctx, [&](unsigned e) { return compute(ctx, mul, n.get<T>(e), in_segment<T>(m, e, i)); });
 }
 
-// In a complex number the even element is the real part, the odd one above it the imaginary part.
+// In a complex number the even element is the real part, and the odd one above it is the imaginary
+// part.
 
 constexpr bool is_real(unsigned e) { return e % 2 == 0; }
 
@@ -61,8 +62,8 @@ template <class T>
   });
 }
 
-// FCMLA: the real part of n times m, or the imaginary part of n times m times i; negated in the
-// rotations 2 and 3, of units of 90 degrees. m_element(e) is the part of m that lies at e.
+// FCMLA: adds the real part of n times m, or the imaginary part of n times m times i. Rotations 2
+// and 3, in units of 90 degrees, negate the product. m_element(e) is the part of m at position e.
 template <class T, class MElement>
 T complex_multiply_add(const V& acc, const V& n, unsigned rotation, Ctx ctx, unsigned e,
                        MElement m_element) {
@@ -81,7 +82,7 @@ template <class T>
   });
 }
 
-// With the complex number of index i in each segment of m.
+// FCMLA with the complex number of index i in each segment of m.
 template <class T>
 [[gnu::noinline]] VecV complex_mla_indexed(const V& n, const V& m, const V& acc, unsigned rotation,
                                            unsigned i, Ctx ctx) {

@@ -1,5 +1,5 @@
-// A sum depends on the order of its additions: FADDA adds one element after the other, the other
-// reductions combine neighbours, then neighbours of these.
+// A sum depends on the order of its additions: FADDA adds one element after the other. The other
+// reductions combine neighbours, then the results of neighbours, and so on.
 #include <bit>
 
 #include "sve/fp/format.h"
@@ -12,8 +12,8 @@ using namespace sve::semantics::floating_point;
 
 namespace {
 
-// The values that leave the other operand as it is, of a sum, a maximum, a minimum, and of those
-// that prefer numbers.
+// The identities: the values that leave the other operand unchanged in a sum, a maximum, a minimum,
+// and the maximum and minimum that prefer numbers.
 template <class T>
 constexpr T zero = 0;
 template <class T>
@@ -33,7 +33,7 @@ template <class T>
   return sum;
 }
 
-// Inactive elements, and those that the vector lacks to a power of two, take part as the identity.
+// The identity stands in for inactive elements, and pads the vector to a power of two.
 template <class T, class Operation>
 [[gnu::noinline]] U64 tree(const P& g, const V& a, T identity, Ctx ctx, Operation op) {
   T x[sizeof(VecV) / sizeof(T)];

@@ -1,5 +1,5 @@
-// An operation is one expression on elements of the tag's type; Int widens an element, and the
-// result is cut when it is stored.
+// An operation is one expression on elements of the tag's type. Int widens an element, and the
+// result is truncated when it is stored.
 #include "sve/semantics/integer.h"
 
 #include "sve/semantics/elements.h"
@@ -12,12 +12,12 @@ using V = VecV;
 using P = PredV;
 using Ctx = CpuContext*;
 
-// Modulo 2 to the power 128, which the product of two unsigned 64-bit elements needs.
+// Modulo 2 to the power 128. The product of two unsigned 64-bit elements needs that range.
 Int128 product(Int128 a, Int128 b) {
   return static_cast<Int128>(static_cast<unsigned __int128>(a) * static_cast<unsigned __int128>(b));
 }
 
-// A shift amount is unsigned whatever the tag.
+// A shift amount is always unsigned, whatever the tag.
 template <class T>
 Int128 amount(T x) {
   return static_cast<std::make_unsigned_t<T>>(x);
@@ -79,7 +79,7 @@ constexpr auto lea_sxtw = [](U64 a, U64 b) { return Int(a) + Int(static_cast<S32
 template <int K>
 constexpr auto lea_uxtw = [](U64 a, U64 b) { return Int(a) + Int(static_cast<U32>(b)) * K; };
 
-// Operand shapes: each for the forms without a predicate, merge for the merging ones.
+// Operand shapes. Those named `each` have no predicate, and those named `merge` are merging.
 
 template <class T, class Operation>
 [[gnu::noinline]] VecV each2(const V& a, const V& b, Ctx ctx, Operation op) {
@@ -125,8 +125,8 @@ template <class T, class Operation>
                     [&](unsigned e) { return op(a.get<T>(e), covering_element<T>(b, e)); });
 }
 
-// The sum of `acc` and of the products of four narrow elements each; those of b belong to the
-// element that b_element(e) says.
+// The sum of `acc` and the products of four narrow elements each. The narrow elements of b are
+// those of its element b_element(e).
 template <class T, class Narrow, class BElement>
 VecV dot_of(const V& a, const V& b, const V& acc, Ctx ctx, BElement b_element) {
   return unpredicated<T>(ctx, [&](unsigned e) {

@@ -1,8 +1,8 @@
 // Element-wise integer operations: arithmetic, bit counting, logic, shifts, addresses, dot products
 // and moves.
 //
-// Elements are widened as the tag says, computed on in 128 bits and cut to the element. Merging
-// forms take the merge source first; in a binary one it is the left operand as well.
+// Elements are widened as the tag says, computed in 128 bits and truncated to the element. In
+// merging forms the merge source comes first. In a binary one it is also the left operand.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ using unary_merging = VecV(VecV merge, PredV g, VecV x, CpuContext* ctx);
 using unary_zeroing = VecV(PredV g, VecV x, CpuContext* ctx);
 using binary_merging = VecV(VecV a, PredV g, VecV b, CpuContext* ctx);
 using ternary_merging = VecV(VecV a, PredV g, VecV b, VecV d, CpuContext* ctx);
-// `i` is decoded: extended by the tag and shifted as the instruction says.
+// `i` is already decoded: extended as the tag says and shifted as the instruction says.
 using immediate = VecV(VecV a, std::int64_t i, CpuContext* ctx);
 using immediate_merging = VecV(VecV a, PredV g, std::int64_t i, CpuContext* ctx);
 
@@ -51,7 +51,7 @@ sve::semantics::binary_merging VecU8MaxVVM, VecU16MaxVVM, VecU32MaxVVM, VecU64Ma
     VecS16MaxVVM, VecS32MaxVVM, VecS64MaxVVM, VecU8MinVVM, VecU16MinVVM, VecU32MinVVM, VecU64MinVVM,
     VecS8MinVVM, VecS16MinVVM, VecS32MinVVM, VecS64MinVVM;
 
-// SDIV, UDIV, SDIVR, UDIVR: by 0 gives 0.
+// SDIV, UDIV, SDIVR, UDIVR: division by 0 gives 0.
 sve::semantics::binary_merging VecU32DivVVM, VecU64DivVVM, VecS32DivVVM, VecS64DivVVM,
     VecU32DivRVVM, VecU64DivRVVM, VecS32DivRVVM, VecS64DivRVVM;
 
@@ -77,7 +77,7 @@ sve::semantics::unary_merging VecU8ClsVM, VecU16ClsVM, VecU32ClsVM, VecU64ClsVM,
 sve::semantics::unary_merging VecU8NotVM, VecU16NotVM, VecU32NotVM, VecU64NotVM, VecU8InvVM,
     VecU16InvVM, VecU32InvVM, VecU64InvVM;
 
-// UXTB, UXTH, UXTW, SXTB, SXTH, SXTW: bytes before and after.
+// UXTB, UXTH, UXTW, SXTB, SXTH, SXTW: the digits are the bytes before and after.
 sve::semantics::unary_merging VecU16Extnd12VM, VecS16Extnd12VM, VecU32Extnd14VM, VecS32Extnd14VM,
     VecU64Extnd18VM, VecS64Extnd18VM, VecU32Extnd24VM, VecS32Extnd24VM, VecU64Extnd28VM,
     VecS64Extnd28VM, VecU64Extnd48VM, VecS64Extnd48VM;
@@ -115,7 +115,7 @@ sve::semantics::binary_merging VecU8ShrVVM, VecU16ShrVVM, VecU32ShrVVM, VecU64Sh
     VecU8ShrRVVM, VecU16ShrRVVM, VecU32ShrRVVM, VecU64ShrRVVM, VecS8ShrRVVM, VecS16ShrRVVM,
     VecS32ShrRVVM, VecS64ShrRVVM, VecU8ShlRVVM, VecU16ShlRVVM, VecU32ShlRVVM, VecU64ShlRVVM;
 
-// The same by wide elements: the 64-bit element of b that covers the element.
+// The same with wide elements: the 64-bit element of b that covers the element.
 sve::semantics::binary_merging VecU8ShrVWM, VecU16ShrVWM, VecU32ShrVWM, VecS8ShrVWM, VecS16ShrVWM,
     VecS32ShrVWM;
 sve::semantics::binary VecU8ShrVWX, VecU16ShrVWX, VecU32ShrVWX, VecS8ShrVWX, VecS16ShrVWX,
@@ -123,18 +123,18 @@ sve::semantics::binary VecU8ShrVWX, VecU16ShrVWX, VecU32ShrVWX, VecS8ShrVWX, Vec
 sve::semantics::binary_merging VecU8ShlVWM, VecU16ShlVWM, VecU32ShlVWM;
 sve::semantics::binary VecU8ShlVWX, VecU16ShlVWX, VecU32ShlVWX;
 
-// ADR: a + b x k, with all of b, its low 32 bits sign-extended (X) or zero-extended (Y).
+// ADR: a + b x k. It uses all of b, or its low 32 bits sign-extended (X) or zero-extended (Y).
 sve::semantics::binary VecU32LEA1VV, VecU64LEA1VV, VecU32LEA2VV, VecU64LEA2VV, VecU32LEA4VV,
     VecU64LEA4VV, VecU32LEA8VV, VecU64LEA8VV, VecU64LEA1XVV, VecU64LEA2XVV, VecU64LEA4XVV,
     VecU64LEA8XVV, VecU64LEA1YVV, VecU64LEA2YVV, VecU64LEA4YVV, VecU64LEA8YVV;
 
-// SDOT, UDOT: `acc` plus four products of elements a quarter as wide; with an index, the elements
+// SDOT, UDOT: `acc` plus four products of elements a quarter as wide. With an index, the elements
 // of b are those of element `index` in each 128-bit segment.
 sve::semantics::dot_product VecU32DotVVVX, VecS32DotVVVX, VecU64DotVVVX, VecS64DotVVVX;
 sve::semantics::dot_product_indexed VecU32DotVVVIX, VecS32DotVVVIX, VecU64DotVVVIX, VecS64DotVVVIX;
 
-// DUP, DUPM, CPY. The forms of tags B8, H16, F32 and D64 are those of U8 to U64; only the scalar's
-// register is another.
+// DUP, DUPM, CPY. The forms of tags B8, H16, F32 and D64 are those of U8 to U64. They differ only
+// in the register that the scalar comes from.
 sve::semantics::replication VecS8DupI, VecS16DupI, VecS32DupI, VecS64DupI, VecU8DupS, VecU16DupS,
     VecU32DupS, VecU64DupS, VecS64DupMaskI;
 sve::semantics::replication_merging VecS8DupIM, VecS16DupIM, VecS32DupIM, VecS64DupIM, VecU8DupSM,

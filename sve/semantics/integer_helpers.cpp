@@ -1,5 +1,5 @@
-// Overflow is meant in several places here and goes through unsigned arithmetic, since these
-// functions are also the yardstick that runs under the sanitizers.
+// Overflow is intended in several places here. It goes through unsigned arithmetic, because the
+// tests also run these functions under the sanitizers.
 #include "sve/semantics/integer_helpers.h"
 
 #include <algorithm>
@@ -36,7 +36,8 @@ std::uint32_t estimate_bits(double estimate) {
 
 }  // namespace
 
-// Callers who declare these themselves link with the copies that this makes.
+// The header defines these as constexpr functions. This list makes the compiler emit them, for
+// callers that only declare them.
 [[gnu::used]] static constexpr std::tuple emitted(&ones, &Int, &UInt, &SInt, &bits, &AddInt,
                                                   &SubInt, &NegInt, &AbsInt);
 
@@ -87,7 +88,7 @@ Saturated SatQShift(Int128 x, int w, int u) {
 
 Saturated SatQUShift(Int128 x, int w) {
   if (bits(x) <= ones(w)) return {bits(x), 0};
-  return {x >> (2 * w) == 0 ? ones(w) : 0, 1};  // w < 64, as no word is above ones(64)
+  return {x >> (2 * w) == 0 ? ones(w) : 0, 1};  // w < 64, since no word is above ones(64)
 }
 
 Saturated ShiftQLeftInt(Int128 x, Int128 s, int w, int u) {

@@ -1,5 +1,5 @@
-// A form is the address of element e; the loops are four: load, store, first-fault load, and the
-// group of 16 bytes.
+// A form gives the address of element e. There are four loops: load, store, first-fault load, and
+// load of a 16-byte group.
 #include "sve/semantics/memory.h"
 
 #include "sve/semantics/elements.h"
@@ -26,7 +26,7 @@ void write(U16 value, U64 address, Ctx ctx) { WriteMemLib2(value, address, ctx);
 void write(U32 value, U64 address, Ctx ctx) { WriteMemLib4(value, address, ctx); }
 void write(U64 value, U64 address, Ctx ctx) { WriteMemLib8(value, address, ctx); }
 
-// What of an offset counts; an element narrower than 64 bits is unsigned.
+// The part of an offset that counts. An element narrower than 64 bits is unsigned.
 constexpr auto whole = [](U64 offset) { return offset; };
 constexpr auto sxtw = [](U64 offset) { return static_cast<U64>(static_cast<S32>(offset)); };
 constexpr auto uxtw = [](U64 offset) { return U64{static_cast<U32>(offset)}; };
@@ -36,7 +36,7 @@ U64 offset(const V& v, unsigned e) {
   return v.get<std::make_unsigned_t<T>>(e);
 }
 
-// The address of element e, by the operands of the form: VIZ, VSZ, SVZ and LSSZ.
+// The address of element e, from the operands of the form: VIZ, VSZ, SVZ and LSSZ.
 template <class T, class M>
 auto address(const V& v, unsigned i) {
   return [&v, i](unsigned e) { return offset<T>(v, e) + U64{i} * sizeof(M); };

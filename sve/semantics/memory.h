@@ -1,13 +1,13 @@
 // Gathers, scatters, first-fault loads and replicating loads of quadwords.
 //
-// A name's tag is the register element e of n, the digit m its bytes in memory; values are extended
-// as the tag says. Inactive elements of a load are 0, and their memory is not accessed. Elements
-// are accessed in ascending order, all through memory_access.h. A fault ends the process, but in
-// first-fault loads: there the faulting element and all after it are 0 and lose their FFR lanes,
-// active or not, and nothing more is read. That holds for a first active element too, whose fault
-// the architecture takes.
+// In a name, the tag is the register element e of n, and the digit m is its size in memory in
+// bytes. Values are extended as the tag says. Inactive elements of a load are 0, and their memory
+// is not accessed. Elements are accessed in ascending order, all through memory_access.h. A fault
+// ends the process, except in first-fault loads: there the faulting element and all later ones are
+// 0 and their FFR lanes are cleared, active or not. Nothing more is read. This also holds for the
+// first active element, although the architecture takes its fault.
 //
-// The other contiguous loads and stores have fast paths alone.
+// The other contiguous loads and stores have only fast paths.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ sve::semantics::memory::load_from_bases VecU32Load1VIZ, VecS32Load1VIZ, VecU64Lo
     VecS64Load1VIZ, VecU32Load2VIZ, VecS32Load2VIZ, VecU64Load2VIZ, VecS64Load2VIZ, VecU32Load4VIZ,
     VecU64Load4VIZ, VecS64Load4VIZ, VecU64Load8VIZ;
 
-// Gathers: s + v[e], of which X forms sign-extend and Y forms zero-extend the low 32 bits.
+// Gathers: s + v[e]. X forms sign-extend and Y forms zero-extend the low 32 bits of v[e].
 sve::semantics::memory::load_from_offsets VecU32Load1VSZ, VecS32Load1VSZ, VecU64Load1VSZ,
     VecS64Load1VSZ, VecU32Load2VSZ, VecS32Load2VSZ, VecU64Load2VSZ, VecS64Load2VSZ, VecU32Load4VSZ,
     VecU64Load4VSZ, VecS64Load4VSZ, VecU64Load8VSZ, VecU32Load1XVSZ, VecS32Load1XVSZ,
@@ -53,8 +53,8 @@ sve::semantics::memory::load_from_bases VecU32LoadFF1VIZ, VecS32LoadFF1VIZ, VecU
     VecS64LoadFF1VIZ, VecU32LoadFF2VIZ, VecS32LoadFF2VIZ, VecU64LoadFF2VIZ, VecS64LoadFF2VIZ,
     VecU32LoadFF4VIZ, VecU64LoadFF4VIZ, VecS64LoadFF4VIZ, VecU64LoadFF8VIZ;
 
-// First-fault gathers: s + v[e], of which X forms sign-extend and Y forms zero-extend the low 32
-// bits.
+// First-fault gathers: s + v[e]. X forms sign-extend and Y forms zero-extend the low 32 bits of
+// v[e].
 sve::semantics::memory::load_from_offsets VecU32LoadFF1VSZ, VecS32LoadFF1VSZ, VecU64LoadFF1VSZ,
     VecS64LoadFF1VSZ, VecU32LoadFF2VSZ, VecS32LoadFF2VSZ, VecU64LoadFF2VSZ, VecS64LoadFF2VSZ,
     VecU32LoadFF4VSZ, VecU64LoadFF4VSZ, VecS64LoadFF4VSZ, VecU64LoadFF8VSZ, VecU32LoadFF1XVSZ,
@@ -74,7 +74,7 @@ sve::semantics::memory::load_from_scaled_offsets VecU32LoadFF2SVZ, VecS32LoadFF2
 sve::semantics::memory::store_to_bases VecU32Store1VIZ, VecU64Store1VIZ, VecU32Store2VIZ,
     VecU64Store2VIZ, VecU32Store4VIZ, VecU64Store4VIZ, VecU64Store8VIZ;
 
-// Scatters: s + v[e], of which X forms sign-extend and Y forms zero-extend the low 32 bits.
+// Scatters: s + v[e]. X forms sign-extend and Y forms zero-extend the low 32 bits of v[e].
 sve::semantics::memory::store_to_offsets VecU32Store1VSZ, VecU64Store1VSZ, VecU32Store2VSZ,
     VecU64Store2VSZ, VecU32Store4VSZ, VecU64Store4VSZ, VecU64Store8VSZ, VecU32Store1XVSZ,
     VecU64Store1XVSZ, VecU32Store2XVSZ, VecU64Store2XVSZ, VecU32Store4XVSZ, VecU64Store4XVSZ,
@@ -92,8 +92,8 @@ sve::semantics::memory::load_indexed VecU8CLoadFF1LSSZ, VecU16CLoadFF1LSSZ, VecS
     VecS64CLoadFF2LSSZ, VecU32CLoadFF4LSSZ, VecU64CLoadFF4LSSZ, VecS64CLoadFF4LSSZ,
     VecU64CLoadFF8LSSZ;
 
-// LD1RQ: the 16 bytes at s + i x 16, or at s + i x m, in every quadword; elements of the group that
-// the first 16 lanes of g leave out are 0 and not read.
+// LD1RQ: the 16 bytes at s + i x 16, or at s + i x m, in every quadword. Elements of the group that
+// are inactive in the first 16 lanes of g are 0 and not read.
 sve::semantics::memory::load_immediate VecU8LoadDup1QSIZ, VecU16LoadDup2QSIZ, VecU32LoadDup4QSIZ,
     VecU64LoadDup8QSIZ;
 sve::semantics::memory::load_indexed VecU8LoadDup1QSSZ, VecU16LoadDup2QSSZ, VecU32LoadDup4QSSZ,

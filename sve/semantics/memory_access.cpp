@@ -1,6 +1,6 @@
-// The guard stands around two touches of single bytes and not around the element's own access:
-// the touches have no effect but the fault, so that whatever is interrupted there can be given up.
-// The probe is told from all else by its instruction's address.
+// The guard covers two reads of single bytes, not the access to the element itself. Those reads
+// have no effect but the fault, so they can be abandoned wherever it interrupts them. The probe is
+// recognised by the address of its instruction.
 #include "sve/semantics/memory_access.h"
 
 #include <cstdio>
@@ -21,7 +21,7 @@ static_assert(action_flags == 0x50000004, "the flags of the kernel's interface")
 
 bool SVELibInitialized = false;
 
-// SIGSEGV and SIGBUS are where a processor without access to the guest's memory ends up.
+// SIGSEGV and SIGBUS are the signals that a failed access to guest memory raises.
 void set_actions(struct sigaction action) {
   sigemptyset(&action.sa_mask);
   action.sa_flags = action_flags;
@@ -33,7 +33,7 @@ void set_actions(struct sigaction action) {
 template <class T>
 std::uint64_t read(std::uint64_t address, bool* fault) {
   if (fault == nullptr) return sve::read_guest<T>(address);
-  if (sigsetjmp(sveFaultJB, 1) != 0) {  // NOLINT(cert-err52-cpp): there is no throwing from a fault
+  if (sigsetjmp(sveFaultJB, 1) != 0) {  // NOLINT(cert-err52-cpp): a fault cannot throw
     *fault = true;
     return 0;
   }
@@ -58,7 +58,7 @@ bool SVEInitialize() {
 }
 
 void SVESigHandler(int signal_number, siginfo_t* /*info*/, void* context) {
-  // First, since it needs no thread-local storage.
+  // This comes first, since it needs no thread-local storage.
   if (signal_number == SIGSEGV && context != nullptr &&
       sve::step_over_probe(*static_cast<ucontext_t*>(context))) {
     return;
@@ -67,8 +67,9 @@ void SVESigHandler(int signal_number, siginfo_t* /*info*/, void* context) {
     SVEFaultRegion = 0;
     siglongjmp(sveFaultJB, 1);  // NOLINT(cert-err52-cpp): leaves a signal handler
   }
-  // The process is about to end, and this message is all that it leaves behind. It comes before the
-  // default actions, under which the next probe or guarded read of another thread ends the process.
+  // The process is about to end, and this message is its only trace. It is printed before the
+  // default actions are restored: under those, the next probe or guarded read of another thread
+  // ends the process.
   std::fprintf(stderr,
                "velox's SVESigHandler caught signal %s from the process being emulated, passing it "
                "to the default signal handler.\n",

@@ -1,9 +1,9 @@
-// How the reference semantics reach guest memory, and what becomes of a fault.
+// How the reference semantics access guest memory, and what happens on a fault.
 //
 // A guest address is a host pointer, without translation or check. First-fault and non-fault loads
-// need to learn of a fault instead of dying of it: they pass the address of a flag, and the read is
-// guarded. All other accesses are plain; a fault on them, as on any access of the process outside a
-// guarded read, ends the process by the signal's default action after SVESigHandler's message.
+// have to learn of a fault instead of dying of it. They pass the address of a flag, and the read is
+// guarded. All other accesses are plain. A fault on those, or on any access of the process outside
+// a guarded read, ends the process by the signal's default action after SVESigHandler's message.
 #pragma once
 
 #include <csetjmp>
@@ -12,14 +12,14 @@
 
 #include "sve/semantics/semantics.h"
 
-// The fault slot. It belongs to a thread, since the kernel delivers SIGSEGV and SIGBUS to the
-// thread that faulted: a fault of another thread is never taken for that of the guarded element.
-// Initial-exec, so that the signal handler reaches it without a call that could allocate.
+// The fault slot. It is per thread, because the kernel delivers SIGSEGV and SIGBUS to the thread
+// that faulted: a fault of another thread is never mistaken for that of the guarded element. It is
+// initial-exec, so that the signal handler reaches it without a call that could allocate.
 [[gnu::tls_model("initial-exec")]] extern thread_local constinit volatile std::int32_t
     SVEFaultRegion;  // 1 while a guarded read touches the element
 [[gnu::tls_model("initial-exec")]] extern thread_local constinit sigjmp_buf sveFaultJB;
 
-// The library's default context, which no emulated instruction uses: its vector length is 128 bits.
+// The library's default context. No emulated instruction uses it: its vector length is 128 bits.
 extern CpuContext cpu_ctxt;
 extern CpuContext* ctxt;
 
@@ -27,35 +27,36 @@ extern CpuContext* ctxt;
 // only. Returns true.
 bool SVEInitialize();
 
-// With a SIGSEGV of the probe's load, lets the probe go on. With the thread's region open, closes
-// it and jumps to sveFaultJB, whatever the signal and the address. Otherwise prints its message,
-// puts the default actions back and returns, so that the instruction faults again.
+// If a SIGSEGV comes from the probe's load, it lets the probe go on. If the thread's region is
+// open, it closes the region and jumps to sveFaultJB, whatever the signal and the address.
+// Otherwise it prints its message, restores the default actions and returns, so that the
+// instruction faults again.
 void SVESigHandler(int signal_number, siginfo_t* info, void* context);
 
-// The element at `address`, zero-extended, by one access of 1, 2, 4 or 8 bytes. With `fault` not
-// null the read is guarded: where the element's first or last byte can't be read, *fault becomes
-// true and the result is 0; otherwise *fault stays as it is. `hint` and `ctx` are not read: a fault
+// The element at `address`, zero-extended, read in one access of 1, 2, 4 or 8 bytes. If `fault` is
+// not null, the read is guarded: if the element's first or last byte cannot be read, *fault becomes
+// true and the result is 0. Otherwise *fault stays as it is. `hint` and `ctx` are not used: a fault
 // on the first active element is reported like any other.
 std::uint64_t ReadMemLib1(std::uint64_t address, int hint, bool* fault, CpuContext* ctx);
 std::uint64_t ReadMemLib2(std::uint64_t address, int hint, bool* fault, CpuContext* ctx);
 std::uint64_t ReadMemLib4(std::uint64_t address, int hint, bool* fault, CpuContext* ctx);
 std::uint64_t ReadMemLib8(std::uint64_t address, int hint, bool* fault, CpuContext* ctx);
 
-// Stores by one access of 1, 2, 4 or 8 bytes. There is no guarded form.
+// Stores in one access of 1, 2, 4 or 8 bytes. There is no guarded form.
 void WriteMemLib1(std::uint8_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib2(std::uint16_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib4(std::uint32_t value, std::uint64_t address, CpuContext* ctx);
 void WriteMemLib8(std::uint64_t value, std::uint64_t address, CpuContext* ctx);
 
-// Whether a one-byte load from `address` raises no SIGSEGV; the byte itself is not looked at. A bus
-// error of the load ends the process. It needs SVESigHandler in place, changes no signal action,
-// and serves any number of threads at once. Defined for char.
+// Whether a one-byte load from `address` raises no SIGSEGV. The value of the byte is ignored. A bus
+// error in the load ends the process. SVESigHandler must be installed. The function changes no
+// signal action, and any number of threads may call it at once. It is defined for char.
 template <class T>
 bool addr_is_readable(volatile T* address);
 template <>
 bool addr_is_readable<char>(volatile char* address);
 
-// Accesses of a memory that doesn't exist: they report no fault, read 0 and write nothing.
+// Accesses to a memory that does not exist: they report no fault, read 0 and write nothing.
 std::uint64_t ReadMem(std::uint64_t address, int size, int hint, bool* fault, CpuContext* ctx);
 std::uint64_t ReadMemSim(std::uint64_t address, int size, int hint, bool* fault, bool unread,
                          CpuContext* ctx);

@@ -1,4 +1,4 @@
-// Each stem is a rule for the index of the source element, or a fold over the active elements.
+// Each operation is a rule for the index of the source element, or a fold over the active elements.
 #include "sve/semantics/permutes.h"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ VecV each(Ctx ctx, Source source) {
   return result;
 }
 
-// Element i of a followed by b.
+// Element i of the sequence of a followed by b.
 template <class T>
 T of_both(const V& a, const V& b, unsigned i, Ctx ctx) {
   const unsigned n = ctx->elements<T>();
@@ -107,7 +107,7 @@ template <class T>
   return each<T>(ctx, [&](unsigned) { return value; });
 }
 
-// With no active element the last one counts as found, so that the one after it is element 0.
+// If no element is active, the last one counts as found, so that the one after it is element 0.
 template <class T>
 unsigned last_index(const P& g, Ctx ctx) {
   const int last = last_active(g, width<T>, ctx);
@@ -134,7 +134,7 @@ template <class T>
   return each<T>(ctx, [&](unsigned e) { return any ? static_cast<T>(found) : old.get<T>(e); });
 }
 
-// The active elements folded into `start`; the result is extended as its type says.
+// Folds the active elements into `start`. The result is extended as its type says.
 template <class T, class Accumulator, class Fold>
 [[gnu::noinline]] U64 reduce(const P& g, const V& a, Accumulator start, Ctx ctx, Fold fold) {
   const unsigned n = ctx->elements<T>();

@@ -1,5 +1,5 @@
-// Logic works on whole words, since it treats all lanes alike; everything with an order among its
-// lanes or elements is a loop in that order.
+// Logic works on whole words, since it treats all lanes alike. Everything that depends on the order
+// of lanes or elements is a loop in that order.
 #include "sve/semantics/predicates.h"
 
 #include <limits>
@@ -20,7 +20,7 @@ void write_flag(CpuContext* ctx, std::uint32_t flag, bool value) {
   ctx->nzcv = value ? ctx->nzcv | flag : ctx->nzcv & ~flag;
 }
 
-// What the architecture's FirstActive, NoneActive and LastActive find out.
+// The results of the architecture's FirstActive, NoneActive and LastActive.
 struct Test {
   bool first;  // the first active element is true, in its first lane
   bool none;   // no active element is true
@@ -51,12 +51,12 @@ void set_nzcv(const PredV& g, const PredV& r, int w, CpuContext* ctx) {
   write_flag(ctx, sve::flag_v, false);
 }
 
-// The lanes of the vector.
+// All lanes of the vector.
 PredV all_lanes(const CpuContext* ctx) {
   return generated<U8>(ctx, [](unsigned) { return true; });
 }
 
-// The result of a Flg function.
+// Sets the flags and returns the result of a Flg function.
 PredV with_flags(const PredV& g, const PredV& result, int w, CpuContext* ctx) {
   set_nzcv(g, result, w, ctx);
   return result;
@@ -66,7 +66,7 @@ PredV with_flags(const PredV& g, const PredV& result, CpuContext* ctx) {
   return with_flags(g, result, 8, ctx);
 }
 
-// Lane-by-lane logic. `operation` is on words; lanes outside the vector become 0.
+// Lane-by-lane logic. `operation` works on words. Lanes outside the vector become 0.
 template <class Operation>
 PredV logic(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx,
             Operation operation) {
@@ -84,7 +84,8 @@ constexpr auto nand = [](U64 g, U64 a, U64 b) { return g & ~(a & b); };
 constexpr auto nor = [](U64 g, U64 a, U64 b) { return g & ~(a | b); };
 constexpr auto select = [](U64 g, U64 a, U64 b) { return (g & a) | (~g & b); };
 
-// Lanes in ascending order: those active in g take lane(i), the others come from `inactive`.
+// Goes through the lanes in ascending order. Those active in g become lane(i). The others come from
+// `inactive`.
 template <class Lane>
 PredV in_lane_order(const PredV& g, const PredV& inactive, const CpuContext* ctx, Lane lane) {
   return generated<U8>(ctx, [&](unsigned i) { return g.lane(i) ? lane(i) : inactive.lane(i); });
@@ -92,7 +93,7 @@ PredV in_lane_order(const PredV& g, const PredV& inactive, const CpuContext* ctx
 
 constexpr PredV none{};
 
-// True up to and including the first active lane with a set.
+// True up to and including the first active lane where a is set.
 PredV break_after(const PredV& inactive, const PredV& g, const PredV& a, const CpuContext* ctx) {
   bool broken = false;
   return in_lane_order(g, inactive, ctx, [&](unsigned i) {
@@ -102,7 +103,7 @@ PredV break_after(const PredV& inactive, const PredV& g, const PredV& a, const C
   });
 }
 
-// True up to but not including the first active lane with a set.
+// True up to but not including the first active lane where a is set.
 PredV break_before(const PredV& inactive, const PredV& g, const PredV& a, const CpuContext* ctx) {
   bool broken = false;
   return in_lane_order(g, inactive, ctx, [&](unsigned i) {
@@ -111,13 +112,13 @@ PredV break_before(const PredV& inactive, const PredV& g, const PredV& a, const 
   });
 }
 
-// The value of p in the last lane active in g, false where there is none.
+// The value of p in the last lane active in g, or false if there is none.
 bool last_active_lane(const PredV& g, const PredV& p, const CpuContext* ctx) {
   const int last = last_active(g, 8, ctx);
   return last >= 0 && p.lane(static_cast<unsigned>(last));
 }
 
-// The propagating breaks go on from where the partition a ended, and stop at b.
+// The propagating breaks continue from where the partition a ended, and stop at b.
 [[gnu::noinline]] PredV break_previous_after(const PredV& g, const PredV& a, const PredV& b,
                                              const CpuContext* ctx) {
   bool going = last_active_lane(g, a, ctx);
@@ -137,7 +138,7 @@ bool last_active_lane(const PredV& g, const PredV& p, const CpuContext* ctx) {
   });
 }
 
-// b if the last active lane has a set, else nothing.
+// b if a is set in the last active lane, else nothing.
 PredV break_next(const PredV& g, const PredV& a, const PredV& b, const CpuContext* ctx) {
   return last_active_lane(g, a, ctx) ? logic(all_lanes(ctx), b, b, ctx, and_) : none;
 }
@@ -160,7 +161,7 @@ PredV ptrues(unsigned pattern, CpuContext* ctx) {
   return with_flags(result, result, width<T>, ctx);
 }
 
-// The first element active in g above the last one active in a.
+// The first element active in g after the last one active in a.
 template <class T>
 PredV next_active(const PredV& g, const PredV& a, CpuContext* ctx) {
   const int n = static_cast<int>(ctx->elements<T>());
@@ -171,8 +172,8 @@ PredV next_active(const PredV& g, const PredV& a, CpuContext* ctx) {
   return with_flags(g, result, width<T>, ctx);
 }
 
-// Permutes: element e of the result is element source(e, n) of the sequence a, b of 2n elements.
-// All lanes of an element travel, whatever they hold.
+// Permutes: element e of the result is element source(e, n) of the sequence a, b of 2n elements. An
+// element takes all its lanes with it, whatever they hold.
 template <class T, class Source>
 PredV permuted(const PredV& a, const PredV& b, const CpuContext* ctx, Source source) {
   PredV result{};
@@ -198,7 +199,7 @@ PredV unpacked(const PredV& a, unsigned first, const CpuContext* ctx) {
   return generated<U16>(ctx, [&a, first](unsigned e) { return a.lane(first + e); });
 }
 
-// The loop of a While: true as long as compare(op1 + e, op2) has held.
+// The loop of a While: true as long as compare(op1 + e, op2) has been true.
 template <class T, class Compare>
 PredV while_loop(Int128 op1, Int128 op2, CpuContext* ctx, Compare compare) {
   bool last = true;
@@ -214,7 +215,7 @@ PredV while_flags(const PredV& result, CpuContext* ctx) {
   return with_flags(mask, result, width<T>, ctx);
 }
 
-// With op2 the largest of its type no sum of the architecture's unbounded loop would ever pass it.
+// If op2 is the largest value of its type, a condition that includes equality can never fail.
 template <class T, class Scalar>
 PredV while_le(Scalar op1, Scalar op2, CpuContext* ctx) {
   const bool always = op2 == std::numeric_limits<Scalar>::max();

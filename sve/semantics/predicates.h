@@ -1,26 +1,27 @@
 // Operations on packed predicates, and the flags that they set.
 //
-// Functions of tag P work lane by lane; those of tags P8 to P64 work on elements of that width.
-// Two ways of writing a result occur. Generators (TrueI, While) clear all lanes of an element and
-// write its truth value into the first; permutes (Trn, Zip, Uzp, Reverse) move all lanes of an
-// element as they are. Every lane of a result is defined, those above the vector are 0.
+// Functions of tag P work lane by lane. Those of tags P8 to P64 work on elements of that width.
+// There are two ways to write a result. Generators (TrueI, While) clear all lanes of an element and
+// write its truth value into the first. Permutes (Trn, Zip, Uzp, Reverse) move all lanes of an
+// element as they are. Every lane of a result is defined, and those above the vector are 0.
 #pragma once
 
 #include <cstdint>
 
 #include "sve/semantics/semantics.h"
 
-// The condition flags of a result `r` under the governing predicate `g`, for elements of w bits
-// (the architecture's PredTest): N the first active element is true, Z none is, C the last is not.
-// A governing element is judged by its first lane, a result element counts as true for Z and C by
-// any of its lanes and for N by its first. No active element gives N 0, Z 1, C 1.
+// Sets the condition flags for a result `r` under the governing predicate `g`, for elements of w
+// bits (the architecture's PredTest). N says that the first active element is true, Z that no
+// active element is, and C that the last one is not. A governing element is active if its first
+// lane is set. A result element counts as true for Z and C if any of its lanes is set, and for N if
+// its first is. If no element is active, N is 0, Z is 1 and C is 1.
 void PredSetNZCV(PredV g, PredV r, int w, CpuContext* ctx);  // V becomes 0
 void PredSetNZC(PredV g, PredV r, int w, CpuContext* ctx);   // V stays
 void PredSetNCV(PredV g, PredV r, int w, CpuContext* ctx);   // Z stays, V becomes 0
-// Z and V stay, and N and C too where no element is active.
+// Z and V stay. If no element is active, N and C stay too.
 void PredSetNC(PredV g, PredV r, int w, CpuContext* ctx);
 
-// Index of the lowest and the highest element of w bits that is active, -1 where none is.
+// Index of the lowest and the highest active element of w bits, or -1 if there is none.
 int FindFirstActive(PredV p, int w, CpuContext* ctx);
 int FindLastActive(PredV p, int w, CpuContext* ctx);
 
@@ -41,7 +42,7 @@ using loop_predicate = PredV(Scalar op1, Scalar op2, CpuContext* ctx);
 
 }  // namespace sve::semantics
 
-// AND, BIC, ORR, ORN, EOR, NAND, NOR, and ANDS and kin; a lane outside g is 0.
+// AND, BIC, ORR, ORN, EOR, NAND, NOR, and ANDS and the like. The result is 0 in lanes outside g.
 sve::semantics::governed_of_two VecPAndPPZ, VecPBicPPZ, VecPOrPPZ, VecPOrNPPZ, VecPXorPPZ,
     VecPNandPPZ, VecPNorPPZ, VecPAndFlgPPZ, VecPBicFlgPPZ, VecPOrFlgPPZ, VecPOrNFlgPPZ,
     VecPXorFlgPPZ, VecPNandFlgPPZ, VecPNorFlgPPZ;
@@ -54,7 +55,7 @@ sve::semantics::predicate_of_one VecPActualP, VecPActualFlgP;
 void VecPWriteFFSRP(PredV value, CpuContext* ctx);
 void VecPClearFFSR(CpuContext* ctx);
 
-// PTEST: the flags alone.
+// PTEST: sets only the flags.
 void VecPTestPZ(PredV g, PredV tested, CpuContext* ctx);
 
 // PFIRST and PNEXT.
@@ -79,9 +80,9 @@ sve::semantics::predicate_of_two VecP8Zip1PP, VecP16Zip1PP, VecP32Zip1PP, VecP64
     VecP8Uzp2PP, VecP16Uzp2PP, VecP32Uzp2PP, VecP64Uzp2PP, VecP8Trn1PP, VecP16Trn1PP, VecP32Trn1PP,
     VecP64Trn1PP, VecP8Trn2PP, VecP16Trn2PP, VecP32Trn2PP, VecP64Trn2PP;
 
-// WHILELE, WHILELT (signed) and WHILELS, WHILELO (unsigned): element e is true while op1 + k
-// compares so against op2 for all k up to e; the sum does not wrap. Flags are those of an all-true
-// governing predicate.
+// WHILELE, WHILELT (signed) and WHILELS, WHILELO (unsigned): element e is true if the comparison of
+// op1 + k with op2 holds for all k from 0 to e. The sum does not wrap. The flags are those for an
+// all-true governing predicate.
 sve::semantics::loop_predicate<std::int32_t> VecS8While4LESS, VecS16While4LESS, VecS32While4LESS,
     VecS64While4LESS, VecS8While4LTSS, VecS16While4LTSS, VecS32While4LTSS, VecS64While4LTSS;
 sve::semantics::loop_predicate<std::int64_t> VecS8While8LESS, VecS16While8LESS, VecS32While8LESS,

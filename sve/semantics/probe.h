@@ -1,19 +1,20 @@
-// The one load of the probe of memory, in the assembly of each processor.
+// The one load of the memory probe, in the assembly of each processor.
 //
-// It is known by its address: a SIGSEGV there, and nowhere else, is the probe's. So the process's
-// one signal handler serves all threads at once without asking which thread it runs on, and a fault
-// of any other instruction, in whatever thread and with whatever TPIDR_EL0, stays what it is.
+// It is recognised by its address: only a SIGSEGV at that address comes from the probe. So the
+// process's one signal handler serves all threads at once and does not have to know which thread it
+// runs on. A fault of any other instruction, in any thread and with any TPIDR_EL0, is not affected.
 #pragma once
 
 #include <ucontext.h>
 
-// Loads the byte at `address` and returns 1; returns 0 if step_over_probe took the load's fault.
+// Loads the byte at `address` and returns 1. Returns 0 if step_over_probe handled a fault of the
+// load.
 extern "C" int sve_probe(const volatile void* address);
 
 namespace sve {
 
-// If `context` was interrupted by a fault of the probe's load, lets it go on behind that load, with
-// 0 as the probe's result. Returns whether it was.
+// If a fault of the probe's load interrupted `context`, makes it continue after that load, with 0
+// as the probe's result. Returns whether that was the case.
 bool step_over_probe(ucontext_t& context);
 
 }  // namespace sve

@@ -1,5 +1,5 @@
-// The probe for AArch64. Written in assembly, so that its load is exactly one instruction, whose
-// address has a name, and so that the answer is in a register that the signal handler can reach.
+// The probe for AArch64. It is written in assembly, so that its load is exactly one instruction
+// with a named address, and so that the answer is in a register that the signal handler can reach.
 #include <cstdint>
 
 #include "sve/semantics/probe.h"

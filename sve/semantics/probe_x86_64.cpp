@@ -1,5 +1,5 @@
-// The probe for x86-64, where the core is tested natively: an instruction's length varies, so the
-// instruction behind the load has a name too.
+// The probe for x86-64, where the core is tested natively. The length of an instruction varies, so
+// the instruction after the load has a name too.
 #include <cstdint>
 
 #include "sve/semantics/probe.h"

@@ -1,23 +1,22 @@
-// The values that the reference semantics speak, and their names.
+// The values that the reference semantics work on, and the rules for the names of its functions.
 //
-// A semantic function is plain: values in, a value out, and one CpuContext through which it sees
-// the rest of the machine. It knows nothing of registers, instruction words or the host, and takes
-// the vector length at run time from the context, so that it can serve as the definition of what
-// an instruction means at any length.
+// A semantic function is plain: it takes values, returns a value, and sees the rest of the machine
+// through one CpuContext. It knows nothing of registers, instruction words or the host. It takes
+// the vector length from the context at run time, so it can define what an instruction means at any
+// length.
 //
-// Names are Vec + element tag + stem + shape (VecS32AbdVVM). Arguments come in the order merge
-// source (shapes that end in M), governing predicate, remaining operands, CpuContext*. Vectors and
+// Names are Vec + element tag + stem + shape (VecS32AbdVVM). The order of arguments is merge source
+// (shapes that end in M), governing predicate, remaining operands, CpuContext*. Vectors and
 // predicates are passed by value. These functions, the memory access functions and the integers of
-// the pseudocode are exported and stand at global scope; what they are made of stands in
-// sve::semantics.
+// the pseudocode are exported and at global scope. What they are built from is in sve::semantics.
 #pragma once
 
 #include <cstdint>
 #include <cstring>
 
-// A vector value: room for the architecture's longest vector, of which vl * 8 bytes count; what
-// lies above is undefined and nobody reads it. Element 0 stands at byte 0, little-endian. A vector
-// register may be looked at as one.
+// A vector value. It has room for the architecture's longest vector, of which vl * 8 bytes are
+// used. The bytes above are undefined, and nobody reads them. Element 0 is at byte 0,
+// little-endian. A vector register may be accessed through this type.
 struct [[gnu::may_alias]] VecV {
   alignas(16) unsigned char bytes[256];
 
@@ -45,7 +44,7 @@ struct PredV {
     words[i / 64] = value ? words[i / 64] | bit : words[i / 64] & ~bit;
   }
 
-  // The bit that governs element e of type T: that of the element's first lane.
+  // The governing bit of element e of type T: that of the element's first lane.
   template <class T>
   bool active(unsigned e) const {
     return lane(e * sizeof(T));
@@ -67,7 +66,8 @@ struct CpuContext {
   std::uint32_t vl;  // vector length in units of 64 bits
   PredV ffr;
 
-  // Number of elements of type T in a vector, in 32-bit arithmetic: the low 26 bits of vl count.
+  // Number of elements of type T in a vector, in 32-bit arithmetic: only the low 26 bits of vl
+  // count.
   template <class T>
   unsigned elements() const {
     return vl * 64 / static_cast<unsigned>(8 * sizeof(T));
