@@ -1,4 +1,4 @@
-// Addition and subtraction, which is addition with the sign of the second operand flipped.
+// Addition and subtraction. Subtraction is addition with the sign of the second operand flipped.
 #include <utility>
 
 #include "sve/fp/fp.h"
@@ -12,7 +12,7 @@ namespace {
 template <class T>
 T add_numbers(unpacked<T> a, unpacked<T> b, bool swap, int mode, FPSCR& fpscr) {
   using F = format<T>;
-  // With the larger magnitude first, the difference isn't negative and has its sign.
+  // The larger magnitude comes first, so the difference is not negative and has its sign.
   if (swap) std::swap(a, b);
   const word_of<T> addend = fp_shift_right_sticky(b.mnt << 3, a.exp - b.exp);
   const word_of<T> sum = (a.mnt << 3) + (a.sgn == b.sgn ? addend : -addend);
@@ -23,8 +23,8 @@ T add_numbers(unpacked<T> a, unpacked<T> b, bool swap, int mode, FPSCR& fpscr) {
   return fp_round<T>(a.sgn, exp, significand << 1, mode_rounding(mode), mode, fpscr);
 }
 
-// At least one operand is no normal number. A NaN is dealt with before the second operand's sign is
-// flipped, and so comes back as it was given.
+// At least one operand is not a normal number. A NaN is handled before the second operand's sign is
+// flipped, so it comes back with its own sign.
 template <class T>
 [[gnu::cold, gnu::noinline]] T add_unusual(T op1, T op2, T flip, int mode, FPSCR& fpscr) {
   op1 = fp_flush(op1, mode, fpscr);

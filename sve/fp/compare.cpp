@@ -1,5 +1,5 @@
-// Comparisons. A number that isn't a NaN orders as an integer does once its magnitude carries its
-// sign; both zeros come to 0.
+// Comparisons. A number that is not a NaN orders like the integer made of its magnitude and its
+// sign. Both zeros become 0.
 #include <type_traits>
 
 #include "sve/fp/fp.h"
@@ -19,8 +19,8 @@ auto signed_value(T op) {
   return fp_is_negative(op) ? -magnitude : magnitude;
 }
 
-// Compares under the controls of the word. A quiet NaN raises IOC if signal_nans, a signalling one
-// always.
+// Compares under the controls of the word. A quiet NaN raises IOC if signal_nans is true, a
+// signalling NaN always.
 template <class T>
 ordering compare(T op1, T op2, bool signal_nans, FPSCR& fpscr) {
   const int mode = fp_mode_word(fpscr);

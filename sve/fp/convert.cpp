@@ -1,4 +1,4 @@
-// Conversions between the formats. FZ16 never flushes the half result of one.
+// Conversions between the formats. FZ16 never flushes a half-precision result of a conversion.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
@@ -10,12 +10,12 @@ namespace {
 template <class T>
 constexpr bool is_half = format<T>::N == 16;
 
-// The mode word of a conversion: the alternative half-precision format counts in it.
+// The mode word of a conversion. It includes the control for the alternative half-precision format.
 int convert_mode(FPSCR fpscr) {
   return fp_mode_word(fpscr) | ((fpscr.word & FPSCR::AHP) != 0 ? fp_mode::AHP : 0);
 }
 
-// The fraction of F at the top of that of T.
+// The fraction of F, moved to the top of the fraction of T.
 template <class F, class T>
 T convert_fraction(F op) {
   constexpr int up = format<T>::M - format<F>::M;
@@ -27,7 +27,7 @@ T convert_fraction(F op) {
   }
 }
 
-// Of a number whose mantissa has the implicit bit. Widening is exact.
+// Converts a number whose mantissa has the implicit bit. Widening is exact.
 template <class F, class T>
 T convert_number(const unpacked<F>& a, int rm, int mode, FPSCR& fpscr) {
   const int exp = a.exp + (format<T>::bias - format<F>::bias);
@@ -48,7 +48,8 @@ T convert_nan(F op, int mode, FPSCR& fpscr) {
   return fp_infinity<T>(fp_is_negative(op)) | convert_fraction<F, T>(quiet);
 }
 
-// No normal number, or in the alternative half-precision format one with the highest exponent.
+// The operand is not a normal number. Or it has the highest exponent, which is an ordinary one in
+// the alternative half-precision format.
 template <class F, class T>
 [[gnu::cold, gnu::noinline]] T convert_unusual(F op, int rm, int mode, FPSCR& fpscr) {
   const bool alternative = (mode & fp_mode::AHP) != 0;

@@ -1,5 +1,5 @@
-// Division. Half and single precision need one division of integers; of double precision the
-// quotient would take 128 bits, and comes from a reciprocal instead.
+// Division. Half and single precision need one division of integers. In double precision that would
+// take 128 bits, so the quotient is computed with a reciprocal instead.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
@@ -8,8 +8,8 @@ using namespace sve;
 
 namespace {
 
-// One division of integers; both mantissas have the implicit bit. The shift puts the dividend as
-// high as the quotient needs for a bit below the last one, whatever the divisor.
+// Divides with one division of integers. Both mantissas have the implicit bit. The shift moves the
+// dividend up far enough that the quotient has a bit below the last one, whatever the divisor.
 template <class T>
 T divide_numbers(const unpacked<T>& a, const unpacked<T>& b, int mode, FPSCR& fpscr) {
   using F = format<T>;
@@ -23,8 +23,8 @@ T divide_numbers(const unpacked<T>& a, const unpacked<T>& b, int mode, FPSCR& fp
   return fp_round<T>(a.sgn ^ b.sgn, exp, word, mode_rounding(mode), mode, fpscr);
 }
 
-// The reciprocal of b, normalised: 63 bits, never too large. A first one of 32 bits is refined by
-// one Newton-Raphson step.
+// The reciprocal of b, normalised, with 63 bits and never too large. One Newton-Raphson step
+// refines a first approximation of 32 bits.
 inline unsigned long reciprocal(unsigned long b) {
   const unsigned long first = ~0UL / (b >> 31);
   const uint128 error = (uint128{1} << 96) - uint128{b} * first;
@@ -32,7 +32,8 @@ inline unsigned long reciprocal(unsigned long b) {
                                     33);
 }
 
-// The quotient by the reciprocal is exact or too small by 1; the product with the divisor tells.
+// The quotient from the reciprocal is exact or too small by 1. Its product with the divisor tells
+// which.
 template <>
 unsigned long divide_numbers(const unpacked<unsigned long>& a, const unpacked<unsigned long>& b,
                              int mode, FPSCR& fpscr) {
@@ -40,7 +41,7 @@ unsigned long divide_numbers(const unpacked<unsigned long>& a, const unpacked<un
   const unsigned long divisor = b.mnt << 11;
   auto quotient =
       static_cast<unsigned long>(fp_mul_62x62(reciprocal(divisor), dividend >> 2) >> 68);
-  // The quotient's bit for 1 is 55.
+  // The quotient's bit 55 has the value 1.
   int exp = a.exp - b.exp + format<unsigned long>::bias + (63 - 55);
   const uint128 target = uint128{dividend >> 11} << 64;
   const uint128 next = fp_mul_62x62(divisor >> 2, quotient + 1);
@@ -49,7 +50,7 @@ unsigned long divide_numbers(const unpacked<unsigned long>& a, const unpacked<un
   return fp_round(a.sgn ^ b.sgn, exp, word, mode_rounding(mode), mode, fpscr);
 }
 
-// At least one operand is no normal number.
+// At least one operand is not a normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T divide_unusual(T op1, T op2, int mode, FPSCR& fpscr) {
   op1 = fp_flush(op1, mode, fpscr);

@@ -1,4 +1,4 @@
-// The exponential accelerator: bit fields and a table, no arithmetic.
+// The exponential accelerator. It uses bit fields and a table, and no arithmetic.
 #include "sve/fp/exponential_table.h"
 #include "sve/fp/fp.h"
 

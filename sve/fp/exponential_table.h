@@ -1,9 +1,9 @@
-// Powers of two between 1 and 2 as fractions of the formats: what FEXPA looks up.
+// The table of FEXPA: powers of two between 1 and 2, as fractions of the formats.
 //
-// 2^(i/n) rounds to the largest number whose lower neighbouring midpoint is no larger, and that is
-// so if the n-th power of the midpoint is at most 2^i. n is a power of two, so the power takes a
-// few squares of 64 bits; what they cut off is bounded, and a midpoint that this leaves in doubt
-// doesn't compile.
+// 2^(i/n) rounds to the largest number of the format for which the midpoint to the next lower
+// number is not above 2^(i/n). That is so if the n-th power of the midpoint is at most 2^i. n is a
+// power of two, so the power takes a few squarings in 64 bits. The error of their truncation is
+// bounded. If it leaves a midpoint in doubt, the table does not compile.
 #pragma once
 
 #include <array>
@@ -21,13 +21,13 @@ constexpr bool power_is_at_most(unsigned long x, int n, int i) {
     exponent = 2 * exponent + carry;
     x = static_cast<unsigned long>(square >> (carry ? 64 : 63));
   }
-  // Each square is too small by a part of 2^63 at most, which the later ones double: below n / 2^63
-  // of the power, and so below 2n of its last place.
+  // Each squaring loses at most 1 part in 2^63, and each later one doubles that loss. So the power
+  // loses less than n / 2^63 of its value, which is less than 2n units in its last place.
   if (exponent == i - 1 && x >= 0 - 2 * static_cast<unsigned long>(n)) throw "more bits needed";
   return exponent < i || (exponent == i && x == 1UL << 63);
 }
 
-// The fraction field, of M bits, of 2^(i/n), to nearest.
+// The fraction field of 2^(i/n), M bits, rounded to nearest.
 constexpr unsigned long power_fraction(int i, int n, int M) {
   unsigned long fraction = 0;
   for (unsigned long bit = 1UL << (M - 1); bit != 0; bit >>= 1) {
@@ -37,7 +37,7 @@ constexpr unsigned long power_fraction(int i, int n, int M) {
   return fraction;
 }
 
-// By format: 32 entries for half, 64 for single and double.
+// For each format: 32 entries for half, 64 for single and double.
 template <class T>
 inline constexpr auto exponential_table = [] {
   std::array<T, format<T>::N == 16 ? 32 : 64> table{};

@@ -1,5 +1,6 @@
-// The formats, as records of what differs between them. An operation is written once over format<T>
-// for a carrier T; all constants follow from the widths of carrier and exponent.
+// The formats, as records of how they differ. An operation is written once over format<T> for a
+// carrier T, the integer type that holds the bits. All constants follow from the widths of carrier
+// and exponent.
 #pragma once
 
 #include <limits>
@@ -41,7 +42,7 @@ struct format;
 template <>
 struct format<unsigned short> : binary_format<unsigned short, unsigned int, unsigned int, 5> {
   static constexpr int flush = fp_mode::FZ16;
-  static constexpr int flushed_input = 0;  // the flags of a denormal that unpacking flushes
+  static constexpr int flushed_input = 0;  // the flags that a flushed denormal operand raises
 };
 
 template <>
@@ -100,7 +101,7 @@ constexpr bool fp_is_zero(T op) {
   return fp_magnitude(op) == 0;
 }
 
-// Neither zero, denormal, infinite nor a NaN: the one test that keeps these off the common path.
+// Not zero, denormal, infinite or a NaN. This one test keeps those off the common path.
 template <class T>
 constexpr bool fp_is_normal(T op) {
   using F = format<T>;

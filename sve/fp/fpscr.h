@@ -1,20 +1,20 @@
 // The control and status word of the floating-point library.
 //
-// The architecture keeps rounding mode and flush controls in FPCR and the cumulative flags in FPSR.
-// No bit that the library knows is in both, so one word stands for the two side by side: an
+// The architecture keeps the rounding mode and the flush controls in FPCR, and the cumulative flags
+// in FPSR. No bit that the library uses is in both, so one word holds the two together: an
 // operation reads its controls from it and ORs its flags into it.
 #pragma once
 
 #include <cstdint>
 
-// Rounding modes, by the values of FPCR.RMode as far as that has them.
+// Rounding modes. The first four have the values of FPCR.RMode.
 enum FPRounding : int {
   FPRounding_TIEEVEN,  // to nearest, ties to even
   FPRounding_POSINF,   // towards plus infinity
   FPRounding_NEGINF,   // towards minus infinity
   FPRounding_ZERO,     // towards zero
-  FPRounding_TIEAWAY,  // to nearest, ties away from zero: FPRoundInt and FPToFixed_64 only
-  FPRounding_ODD,      // to odd: fp16_round_ and fp32_round_ only
+  FPRounding_TIEAWAY,  // to nearest, ties away from zero: only FPRoundInt and FPToFixed_64
+  FPRounding_ODD,      // to odd: only fp16_round_ and fp32_round_
 };
 
 struct FPSCR {
@@ -35,7 +35,7 @@ struct FPSCR {
   static constexpr std::uint32_t RMode = 3U << RMode_shift;  // FPRounding 0 to 3
   static constexpr std::uint32_t FZ = 1U << 24;   // flush single and double denormals to zero
   static constexpr std::uint32_t DN = 1U << 25;   // every NaN result is the default NaN
-  static constexpr std::uint32_t AHP = 1U << 26;  // alternative half precision: FPConvert only
+  static constexpr std::uint32_t AHP = 1U << 26;  // alternative half precision: only FPConvert
 
   constexpr FPRounding rounding() const {
     return static_cast<FPRounding>((word & RMode) >> RMode_shift);
@@ -45,7 +45,7 @@ struct FPSCR {
   // Flags are only ever added.
   constexpr void raise(int flags) { word |= static_cast<std::uint32_t>(flags); }
 };
-static_assert(sizeof(FPSCR) == 4, "the word goes to and comes from FPSR and FPCR as it stands");
+static_assert(sizeof(FPSCR) == 4, "the word is copied to and from FPSR and FPCR unchanged");
 
 namespace sve {
 
@@ -58,7 +58,7 @@ auto fp_with_flags_in(int* flags, Operation operation) {
   return result;
 }
 
-// The bits of the mode word, which rounding cores and arithmetic take instead of an FPSCR.
+// The bits of the mode word. The rounding cores and the arithmetic take it instead of an FPSCR.
 struct fp_mode {
   static constexpr int RMode = 3;
   static constexpr int FZ = 1 << 2;
@@ -77,7 +77,7 @@ constexpr FPRounding mode_rounding(int mode) {
 
 }  // namespace sve
 
-// The mode word of a control word, which it leaves alone.
+// The mode word of a control word. It does not change the control word.
 constexpr int fp_mode_word(FPSCR& fpscr) {
   return static_cast<int>(((fpscr.word >> 22) & 15) | ((fpscr.word >> 14) & 32));
 }

@@ -9,7 +9,7 @@ using namespace sve;
 
 namespace {
 
-// Orders all numbers, -0 just below +0.
+// An integer that orders all numbers, with -0 just below +0.
 template <class T>
 auto rank(T op) {
   using integer = std::make_signed_t<word_of<T>>;
@@ -27,7 +27,7 @@ T select(T op1, T op2, bool largest, FPSCR& fpscr) {
   return (rank(a) > rank(b)) == largest ? a : b;
 }
 
-// The same with one quiet NaN replaced by the infinity that no number loses against.
+// The same, but a single quiet NaN is first replaced by the infinity that loses to every number.
 template <class T>
 T select_number(T op1, T op2, bool largest, FPSCR& fpscr) {
   const T weakest = fp_infinity<T>(largest);

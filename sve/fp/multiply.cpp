@@ -7,7 +7,7 @@ using namespace sve;
 
 namespace {
 
-// At least one operand is no normal number. extended: infinity times zero is 2.0.
+// At least one operand is not a normal number. If extended is true, infinity times zero is 2.0.
 template <class T>
 [[gnu::cold, gnu::noinline]] T multiply_unusual(T op1, T op2, bool extended, int mode,
                                                 FPSCR& fpscr) {

@@ -23,9 +23,9 @@ T multiply_add_numbers(const unpacked<T>& addend, const unpacked<T>& factor1,
                        const unpacked<T>& factor2, int scale, int mode, FPSCR& fpscr) {
   using F = format<T>;
   using wide = typename F::wide;
-  // The implicit bit of either term goes to bit top of the wide type, so that the exponents
-  // compare. Above it there is room for the product's and the sum's carry, below it the product is
-  // exact, with guard bits for the subtraction.
+  // The implicit bit of both terms is moved to bit top of the wide type, so that their exponents
+  // are comparable. Above it there is room for the carries of the product and of the sum. Below it
+  // the product is exact, with guard bits for the subtraction.
   constexpr int top = 2 * F::M + 3;
   static_assert(top + 2 < 2 * F::N);
   term<T> x = {addend.sgn, addend.exp, wide{addend.mnt} << (top - F::M)};
@@ -49,7 +49,7 @@ T multiply_add_numbers(const unpacked<T>& addend, const unpacked<T>& factor1,
   return fp_round<T>(sgn, exp, word, mode_rounding(mode), mode, fpscr);
 }
 
-// At least one operand is no normal number.
+// At least one operand is not a normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T multiply_add_unusual(T a, T b, T c, int scale, int mode,
                                                     FPSCR& fpscr) {

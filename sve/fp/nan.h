@@ -1,4 +1,4 @@
-// Which NaN an operation gives.
+// Which NaN an operation returns.
 #pragma once
 
 #include <initializer_list>
@@ -23,14 +23,14 @@ constexpr bool fp_is_quiet(T op) {
   return fp_magnitude(op) >= format<T>::default_nan;
 }
 
-// The result of an invalid operation, whatever DN says.
+// The result of an invalid operation, regardless of DN.
 template <class T>
 inline T fp_invalid(FPSCR& fpscr) {
   fpscr.raise(FPSCR::IOC);
   return format<T>::default_nan;
 }
 
-// The result of an operation on op, a NaN.
+// The result of an operation whose operand op is a NaN.
 template <class T>
 inline T fp_process_nan(T op, int mode, FPSCR& fpscr) {
   using F = format<T>;
@@ -38,7 +38,7 @@ inline T fp_process_nan(T op, int mode, FPSCR& fpscr) {
   return (mode & fp_mode::DN) != 0 ? F::default_nan : op | F::quiet_bit;
 }
 
-// The result if there is a NaN among the operands: the first signalling one counts, else the first.
+// The result if any operand is a NaN: the first signalling one is taken, else the first.
 template <class T>
 inline std::optional<T> fp_process_nans(std::initializer_list<T> operands, int mode, FPSCR& fpscr) {
   for (const T op : operands) {

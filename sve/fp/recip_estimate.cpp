@@ -7,8 +7,8 @@ using namespace sve;
 
 namespace {
 
-// A number whose reciprocal is in range: a denormal result keeps its bits, an estimate isn't
-// inexact.
+// For a number whose reciprocal is in range. A denormal result loses no bits, and an estimate
+// never counts as inexact.
 template <class T>
 T estimate(T op) {
   using F = format<T>;

@@ -16,7 +16,8 @@ T round(int sgn, int exp, T mnt, int rm, int mode, int* flags) {
 
 }  // namespace
 
-// Callers who declare these two themselves link with the copies that this makes.
+// The headers define these two as constexpr functions. This list makes the compiler emit them, for
+// callers that only declare them.
 [[gnu::used]] static constexpr std::tuple emitted(&fp_mode_word, &fp_mul_62x62);
 
 unsigned short fp16_round_(int sgn, int exp, unsigned short mnt, int rm, int mode, int* flags) {

@@ -1,7 +1,7 @@
 // The rounding core, and the rounding rule that it shares with the conversions to integers.
 //
-// A magnitude to be rounded has two more bits at the bottom. They hold the error code of what is
-// cut off: 0 exact, 1 below half, 2 exactly half, 3 above half.
+// A magnitude to be rounded has two more bits at the bottom. They hold the error code of the part
+// that is cut off: 0 exact, 1 below half, 2 exactly half, 3 above half.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 
 namespace sve {
 
-// What rounding adds to the kept bits: 0 or 1. low is the lowest kept bit and the error code below
-// it. FPRounding_TIEAWAY and FPRounding_ODD add nothing.
+// What rounding adds to the kept bits: 0 or 1. low consists of the lowest kept bit and the error
+// code below it. FPRounding_TIEAWAY and FPRounding_ODD add nothing.
 constexpr unsigned fp_increment(int rm, int sgn, unsigned low) {
-  // A byte for each sign of each mode, in which bit low tells.
+  // A byte for each mode and sign. Bit number low is what rounding adds.
   constexpr std::uint64_t ties_to_even = 0b1100'1000;
   constexpr std::uint64_t if_inexact = 0b1110'1110;
   constexpr std::uint64_t rules = (ties_to_even << 8 | ties_to_even) << (16 * FPRounding_TIEEVEN) |
@@ -23,13 +23,13 @@ constexpr unsigned fp_increment(int rm, int sgn, unsigned low) {
   return static_cast<unsigned>(rules >> (16 * rm + 8 * sgn + static_cast<int>(low))) & 1;
 }
 
-// The same where ties may go away from zero.
+// The same, but FPRounding_TIEAWAY is supported.
 constexpr unsigned fp_increment_integer(FPRounding rounding, int sgn, unsigned low) {
   return rounding == FPRounding_TIEAWAY ? (low >> 1) & 1 : fp_increment(rounding, sgn, low);
 }
 
-// The result of sign sgn for a magnitude that is too large: infinity if the mode rounds away from
-// zero there, otherwise the largest finite number.
+// The result of sign sgn for a magnitude that is too large: infinity if the mode rounds it away
+// from zero, otherwise the largest finite number.
 template <class T>
 inline T fp_overflow(int sgn, int rm, FPSCR& fpscr) {
   using F = format<T>;
@@ -38,7 +38,7 @@ inline T fp_overflow(int sgn, int rm, FPSCR& fpscr) {
   return fp_sign_bit<T>(sgn) | (away ? F::infinity : F::largest);
 }
 
-// The kept bits, rounded. A carry out of the fraction moves on into the exponent by itself.
+// Rounds the kept bits. A carry out of the fraction goes into the exponent by itself.
 template <class T>
 inline word_of<T> fp_round_kept(int sgn, word_of<T> kept, unsigned low, int rm) {
   kept += fp_increment(rm, sgn, low);
@@ -46,7 +46,7 @@ inline word_of<T> fp_round_kept(int sgn, word_of<T> kept, unsigned low, int rm) 
   return kept;
 }
 
-// A result below the normal numbers before rounding.
+// A result that is below the normal numbers before rounding.
 template <class T>
 [[gnu::cold, gnu::noinline]] T fp_round_small(int sgn, int exp, T mnt, int rm, int mode,
                                               FPSCR& fpscr) {
@@ -64,8 +64,8 @@ template <class T>
   return fp_sign_bit<T>(sgn) | fp_round_kept<T>(sgn, denormal >> 2, low, rm);
 }
 
-// A result whose exponent is that of infinity or above. In the alternative half-precision format
-// that exponent is an ordinary one, and rounded counts if exp is no larger.
+// A result whose exponent is that of infinity or above. In the alternative half-precision format,
+// infinity's exponent is an ordinary one, so `rounded` is used if exp is no larger.
 template <class T>
 [[gnu::cold, gnu::noinline]] T fp_round_large(int sgn, int exp, word_of<T> rounded, bool inexact,
                                               int rm, int mode, FPSCR& fpscr) {
@@ -79,7 +79,7 @@ template <class T>
   return fp_sign_bit<T>(sgn) | rounded;
 }
 
-// fp16_round_, fp32_round_ and fp64_round_: see there for the arguments.
+// fp16_round_, fp32_round_ and fp64_round_. Their declarations explain the arguments.
 template <class T>
 inline T fp_round(int sgn, int exp, T mnt, int rm, int mode, FPSCR& fpscr) {
   using F = format<T>;
@@ -98,7 +98,7 @@ inline T fp_round(int sgn, int exp, T mnt, int rm, int mode, FPSCR& fpscr) {
   return fp_sign_bit<T>(sgn) | rounded;
 }
 
-// The exact zero that operands of different sign leave.
+// The exact zero that results when operands of different sign cancel.
 template <class T>
 inline T fp_cancelled(int mode) {
   return fp_zero<T>(mode_rounding(mode) == FPRounding_NEGINF);

@@ -7,7 +7,8 @@ using namespace sve;
 
 namespace {
 
-// The fraction bits of the number are between 1 and as many as there are; the result is exact.
+// The number has from 1 fraction bit to nothing but fraction bits. The result is exact in the
+// format.
 template <class T>
 T round_fraction(const unpacked<T>& a, int fraction_bits, FPRounding rounding, bool exact,
                  FPSCR& fpscr) {

@@ -1,5 +1,5 @@
-// The reciprocal square root estimate: 8 bits from a table, by the exponent's parity and the 7 bits
-// below the leading one.
+// The reciprocal square root estimate: 8 bits from a table. Its index is the exponent's parity and
+// the 7 bits below the leading one.
 #include "sve/fp/estimate_table.h"
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
@@ -9,7 +9,7 @@ using namespace sve;
 
 namespace {
 
-// Zero, infinite, a NaN or negative.
+// The operand is zero, infinite, a NaN or negative.
 template <class T>
 [[gnu::cold, gnu::noinline]] T estimate_special(T op, int mode, FPSCR& fpscr) {
   if (fp_is_nan(op)) return fp_process_nan(op, mode, fpscr);

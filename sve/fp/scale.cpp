@@ -1,5 +1,4 @@
-// Scaling by a power of two, and by 2^0 to bring a value into the form that an operation would
-// give.
+// Scaling by a power of two. Scaling by 2^0 brings a value into the form of an operation's result.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
@@ -20,7 +19,7 @@ T scale_by(T op, int scale, int mode, FPSCR& fpscr) {
   return fp_round(a.sgn, a.exp + scale, word, mode_rounding(mode), mode, fpscr);
 }
 
-// limit is beyond what any number of the format needs to over- or underflow.
+// limit is more than enough to make any number of the format overflow or underflow.
 template <class T, class Scale>
 T clamp_and_scale(T op, Scale scale, int limit, FPSCR& fpscr) {
   if (scale > limit) scale = static_cast<Scale>(limit);

@@ -1,5 +1,5 @@
-// Square root: Newton-Raphson steps on integers, x = (a / x + x) / 2, from a start that is linear
-// in a, then an exact test on the square. Each format has its own steps, so that every
+// Square root: Newton-Raphson steps on integers, x = (a / x + x) / 2, from a start value that is
+// linear in a, then an exact test on the square. Each format has its own steps, so that every
 // intermediate value fits the machine's integers.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
@@ -15,7 +15,7 @@ struct root {
   bool exact;
 };
 
-// y + 1 is the root or above it by less than 1: square, its square, decides.
+// The root is above y and at most y + 1. `square`, the square of y + 1, decides how it rounds down.
 template <class T, class Square>
 root<T> decide(T y, Square square, Square radicand) {
   return {square > radicand ? y : static_cast<T>(y + 1), square == radicand};
@@ -59,8 +59,8 @@ root<unsigned long> root_of(unsigned long a) {
   return decide(y, fp_mul_62x62(y + 1, y + 1) << 19, uint128{a} << 64);
 }
 
-// What makes twice the exponent of the root's top bit out of that of the radicand's. Where the sum
-// is odd, the mantissa gives a place to it.
+// Added to the exponent of the radicand, this gives twice the exponent of the root's top bit. If
+// the sum is odd, the mantissa is shifted by one place less and the sum is made even.
 template <class T>
 constexpr int exponent_sum = 0;
 template <>
@@ -70,7 +70,7 @@ constexpr int exponent_sum<unsigned int> = 139;
 template <>
 constexpr int exponent_sum<unsigned long> = 1041;
 
-// Of a positive number whose mantissa has the implicit bit.
+// The root of a positive number whose mantissa has the implicit bit.
 template <class T>
 T square_root(const unpacked<T>& a, int mode, FPSCR& fpscr) {
   const int sum = a.exp + exponent_sum<T>;
@@ -81,7 +81,7 @@ T square_root(const unpacked<T>& a, int mode, FPSCR& fpscr) {
   return fp_round(0, exp, word, mode_rounding(mode), mode, fpscr);
 }
 
-// Negative or no normal number.
+// The operand is negative or not a normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T square_root_unusual(T op, int mode, FPSCR& fpscr) {
   op = fp_flush(op, mode, fpscr);

@@ -1,5 +1,5 @@
 // The Newton-Raphson steps of reciprocal and reciprocal square root. Infinity times zero counts as
-// 0 in them: that is what the estimates of 0 and of infinity leave to multiply.
+// 0 in them: the estimates of 0 and of infinity lead to that product.
 #include "sve/fp/fp.h"
 #include "sve/fp/multiply_add.h"
 #include "sve/fp/nan.h"
@@ -9,7 +9,7 @@ using namespace sve;
 
 namespace {
 
-// n or op2 is no normal number.
+// n or op2 is not a normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T step_unusual(T n, T op2, T start, int scale, T without_product,
                                             int mode, FPSCR& fpscr) {
@@ -23,7 +23,7 @@ template <class T>
   return fp_infinity<T>(fp_is_negative<T>(n ^ op2));
 }
 
-// (start - op1 x op2) x 2^scale, which is without_product if the product is 0.
+// (start - op1 x op2) x 2^scale. For infinity times zero, the result is without_product.
 template <class T>
 T step(T op1, T op2, T start, int scale, T without_product, FPSCR& fpscr) {
   const int mode = fp_mode_word(fpscr);
@@ -46,7 +46,7 @@ template <class T>
 T FPRSqrtStepFused(T op1, T op2, FPSCR& fpscr) {
   using F = format<T>;
   constexpr T three =
-      F::power_of_two(1) | F::quiet_bit;  // the fraction's top bit: half as much again
+      F::power_of_two(1) | F::quiet_bit;  // the fraction's top bit adds half of the value
   constexpr T one_and_a_half = F::power_of_two(0) | F::quiet_bit;
   return step(op1, op2, three, -1, one_and_a_half, fpscr);
 }

@@ -1,5 +1,5 @@
-// From floating point to integers and fixed point. Every operand is brought to the scale of a
-// double, so that one function rounds all.
+// From floating point to integers and fixed point. Every operand is converted to the scale of a
+// double, so that one function rounds all of them.
 #include "sve/fp/fp.h"
 #include "sve/fp/nan.h"
 #include "sve/fp/round.h"
@@ -10,7 +10,7 @@ namespace {
 
 using double_format = format<unsigned long>;
 
-// The exponent of 2^63: beyond it, no value fits 64 bits.
+// The exponent of 2^63. No value with a larger exponent fits 64 bits.
 constexpr int top_exponent = double_format::bias + 63;
 
 // The smallest or largest value of width bits.
@@ -25,7 +25,8 @@ unsigned long out_of_range(int sgn, bool u, int width, FPSCR& fpscr) {
   return saturated(sgn, u, width);
 }
 
-// mnt x 2^(exp - bias - M) of a double, with exp at most top_exponent, to an integer of width bits.
+// Rounds mnt x 2^(exp - bias - M) of a double, with exp at most top_exponent, to an integer of
+// width bits.
 inline unsigned long round_to_integer(int sgn, int exp, unsigned long mnt, bool u, int width,
                                       FPRounding rounding, FPSCR& fpscr) {
   const unsigned long significand = mnt << double_format::E;
@@ -37,7 +38,7 @@ inline unsigned long round_to_integer(int sgn, int exp, unsigned long mnt, bool 
     low = static_cast<unsigned>(split & 7);
     x = (split >> 2) + fp_increment_integer(rounding, sgn, low);
   } else {
-    x >>= fraction_bits;  // of which a double has none there
+    x >>= fraction_bits;  // a double that large has no fraction bits
   }
   if (x > saturated(sgn, u, width)) [[unlikely]]
     return out_of_range(sgn, u, width, fpscr);
@@ -55,7 +56,7 @@ unsigned long number_to_fixed(const unpacked<F>& a, int fbits, bool u, int width
   return round_to_integer(a.sgn, exp, mnt, u, width, rounding, fpscr);
 }
 
-// No normal number.
+// The operand is not a normal number.
 template <class F>
 [[gnu::cold, gnu::noinline]] unsigned long unusual_to_fixed(F op, int fbits, bool u, int width,
                                                             FPRounding rounding, FPSCR& fpscr) {

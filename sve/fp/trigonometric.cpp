@@ -10,8 +10,8 @@ using namespace sve;
 
 namespace {
 
-// The architecture's coefficients, the highest power last: 8 of a sine's polynomial, then 8 of a
-// cosine's.
+// The architecture's coefficients, with the highest power last: 8 of a sine's polynomial, then 8 of
+// a cosine's.
 template <class T>
 constexpr std::array<T, 16> coeff = {};
 
@@ -32,7 +32,7 @@ constexpr std::array<unsigned long, 16> coeff<unsigned long> = {
     0x3ff0000000000000, 0xbfe0000000000000, 0x3fa5555555555536, 0xbf56c16c16c13a0b,
     0x3efa01a019b1e8d8, 0xbe927e4f7282f468, 0x3e21ee96d2641b13, 0xbda8f76380fbb401};
 
-// No normal number.
+// The operand is not a normal number.
 template <class T>
 [[gnu::cold, gnu::noinline]] T square_unusual(T op, int mode, FPSCR& fpscr) {
   op = fp_flush(op, mode, fpscr);
@@ -42,7 +42,7 @@ template <class T>
   return fp_product(a, a, 0, mode, fpscr);
 }
 
-// Rounded as a positive number.
+// The square, rounded as a positive number.
 template <class T>
 T square(T op, int mode, FPSCR& fpscr) {
   if (!fp_is_normal(op)) [[unlikely]]

@@ -1,4 +1,4 @@
-// The steps that take a number apart: flushing, unpacking, shifting.
+// The steps that take a number apart: flushing, unpacking and shifting.
 #pragma once
 
 #include <bit>
@@ -28,14 +28,14 @@ struct unpacked {
   word_of<T> mnt;
 };
 
-// Of a normal number.
+// Unpacks a normal number.
 template <class T>
 inline unpacked<T> fp_unpack_normal(T op) {
   using F = format<T>;
   return {fp_is_negative(op), fp_exponent_field(op), (op & F::fraction_mask) | F::implicit_bit};
 }
 
-// Of an operand that is flushed already. Zeros and denormals have exp 1 and no implicit bit, so
+// Unpacks an operand that is already flushed. Zeros and denormals get exp 1 and no implicit bit, so
 // that no operation has to adjust for them.
 template <class T>
 inline unpacked<T> fp_unpack(T op) {
@@ -46,7 +46,7 @@ inline unpacked<T> fp_unpack(T op) {
           (op & F::fraction_mask) | (word_of<T>{!denormal} << F::M)};
 }
 
-// x, not 0, shifted left until its top bit is set; *exp falls by the number of places.
+// Shifts x, which is not 0, left until its top bit is set. *exp decreases by the number of places.
 template <class U>
 inline U fp_normalise(U x, int* exp) {
   const int places = std::countl_zero(x);
@@ -54,7 +54,7 @@ inline U fp_normalise(U x, int* exp) {
   return static_cast<U>(x << places);
 }
 
-// Of a flushed operand other than zero: a denormal gets its implicit bit, and an exp below 1.
+// Unpacks a flushed operand other than zero. A denormal gets its implicit bit, and an exp below 1.
 template <class T>
 inline unpacked<T> fp_unpack_normalised(T op) {
   using F = format<T>;
@@ -64,8 +64,8 @@ inline unpacked<T> fp_unpack_normalised(T op) {
   return a;
 }
 
-// x shifted right by any number of places from 0; what falls out is ORed into bit 0. Beyond the
-// width that leaves 1, as the shift by one less than the width does.
+// Shifts x right by 0 or more places. The bits shifted out are ORed into bit 0. A shift beyond the
+// width counts as one by the width less 1: both leave 1, or 0 if x is 0.
 template <class U>
 inline U fp_shift_right_sticky(U x, int places) {
   constexpr int most = std::numeric_limits<U>::digits - 1;
@@ -74,8 +74,8 @@ inline U fp_shift_right_sticky(U x, int places) {
   return shifted | U{(shifted << places) != x};
 }
 
-// The word for the rounding core, from a normalised value of twice the carrier: the leading 1 falls
-// off at the top, bit 0 is sticky.
+// The word for the rounding core, from a normalised value of twice the carrier's width. The leading
+// 1 is dropped at the top, and bit 0 is sticky.
 template <class T>
 inline T fp_collapse(typename format<T>::wide x) {
   return static_cast<T>((x >> format<T>::N) << 1) | T{static_cast<T>(x) != 0};
