@@ -19,9 +19,10 @@ set(fp_sources
   ${CMAKE_CURRENT_LIST_DIR}/steps.cpp
   ${CMAKE_CURRENT_LIST_DIR}/to_fixed.cpp
   ${CMAKE_CURRENT_LIST_DIR}/trigonometric.cpp)
-# A target of its own, so that the tests of its numbers need not wait for the rest.
+# A separate target, so that the tests of its numbers do not have to wait for the rest.
 add_library(sve_fp OBJECT ${fp_sources})
 target_compile_options(sve_fp PRIVATE $<$<CONFIG:Release>:-O3>)
 target_sources(sve PRIVATE $<TARGET_OBJECTS:sve_fp>)
-# Exact whatever the processor's floating-point state is: the compiler must not use its registers.
+# Results must not depend on the processor's floating-point state, so the compiler must not use its
+# floating-point registers.
 target_compile_options(sve_fp PRIVATE -mgeneral-regs-only)
