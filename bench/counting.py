@@ -20,7 +20,7 @@ class Counts:
 def count_instructions(build, command, cpu=NO_SVE, quiet=False):
     """Runs a command (strings or paths) with the counter of the given build directory.
 
-    A quiet run keeps its standard error stream to itself.
+    A quiet run discards the standard error stream of the command.
     """
     with tempfile.TemporaryDirectory() as directory:
         out = pathlib.Path(directory) / "counts"
@@ -30,6 +30,6 @@ def count_instructions(build, command, cpu=NO_SVE, quiet=False):
              *command], stdout=subprocess.PIPE, text=True,
             stderr=subprocess.DEVNULL if quiet else None)
         if result.returncode != 0:
-            raise SystemExit(f"bench: {command[0]} under qemu-aarch64 ends with "
-                             f"{result.returncode}; its own message stands above")
+            raise SystemExit(f"bench: {command[0]} under qemu-aarch64 exited with "
+                             f"{result.returncode}. Its own message is above")
         return Counts(result.stdout, out.read_text().splitlines())

@@ -1,9 +1,10 @@
 // Runs each row of the instruction table that has a fast path once, as a marked section, and prints
-// its line: name, fast path, result, operands. The first section is the check of the counter.
+// one line for it: name, fast path, result, operands. The first section checks the counter.
 //
-// Operands are the same at every run: registers all different, a random state from a fixed seed,
-// half of all predicate elements active, addresses and offsets inside a mapping of the program's
-// own. The rows and what serves them come from the instruction table itself.
+// Operands are the same in every run: the registers are all different, the state is random from a
+// fixed seed, half of all predicate elements are active, and addresses and offsets are inside a
+// mapping of the program's own. The rows, and the fast paths that serve them, come from the
+// instruction table itself.
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -16,7 +17,7 @@
 
 namespace {
 
-// What the table says about a fast row, beside what instruction_rows() has.
+// What the table says about a row with a fast path, in addition to instruction_rows().
 struct fast_line {
   std::string_view name, path, operands;
 };
@@ -59,7 +60,7 @@ unsigned make_word(const sve::instruction_row& row) {
   return word;
 }
 
-// The digits of the element tag, VecS32: the bytes of an element.
+// The number of bytes in an element, from the digits of the element tag, as in VecS32.
 unsigned element_bytes(std::string_view name) {
   unsigned bits = 8;
   std::from_chars(name.data() + 4, name.data() + name.size(), bits);
@@ -77,7 +78,7 @@ bool map_arena() {
               MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0) == begin;
 }
 
-// Elements of the given bytes: value(i) in each element i.
+// Sets each element i, of the given size in bytes, to value(i).
 template <class Value>
 void set_elements(vector_register& z, unsigned bytes, Value value) {
   for (unsigned i = 0; i < sve::vector_bytes / bytes; ++i) {
@@ -99,9 +100,9 @@ bool accesses_memory(std::string_view name) {
   return false;
 }
 
-// Half of the elements of register n are 0 or 1 and half of those of m are equal to n's, so that
-// every compare holds somewhere; as scalars they are the ends of a count that reaches half of a
-// vector.
+// Half of the elements of register n are 0 or 1, and half of those of m are equal to n's, so that
+// every compare holds for some element. As scalars they are the ends of a count that reaches half
+// of a vector.
 void make_operands(cpu_state& state, unsigned bytes, std::mt19937_64& random) {
   vector_register &n = state.z[number_n], &m = state.z[number_m];
   set_elements(n, bytes, [&](unsigned) { return random() % 2 != 0 ? random() % 2 : random(); });
@@ -111,7 +112,7 @@ void make_operands(cpu_state& state, unsigned bytes, std::mt19937_64& random) {
   state.x[number_m] = sve::vector_bytes / bytes / 2;
 }
 
-// As base and as index or offsets, registers n and m serve scalars and vectors alike.
+// Registers n and m serve as base and as index or offsets, both as scalars and as vectors.
 void make_addresses(cpu_state& state, unsigned bytes, std::mt19937_64& random) {
   set_elements(state.z[number_n], bytes, [&](unsigned) { return arena_middle + random() % 512; });
   set_elements(state.z[number_m], bytes, [&](unsigned) { return random() % 512; });

@@ -1,9 +1,10 @@
-// What the functions of the floating-point library cost, beside compiler-rt's routines for machines
-// without floating point. bench/floating_point builds and runs it.
+// What the functions of the floating-point library cost, compared with compiler-rt's routines for
+// machines without floating point. bench/floating_point builds and runs it.
 //
-// Both get the same operands in the same run: random numbers of both signs around 1, as programs
-// have them. The routines round to nearest and know neither modes nor flags. Only those of them are
-// here that x86-64 has in integer arithmetic; conversions of 64-bit integers use its hardware.
+// Both get the same operands in the same run: random numbers of both signs around 1, like those of
+// typical programs. The routines round to nearest and know neither modes nor flags. Only those are
+// included that x86-64 has in integer arithmetic. Its conversions of 64-bit integers use the
+// hardware.
 #include <algorithm>
 #include <bit>
 #include <chrono>
@@ -83,7 +84,7 @@ std::vector<T> make_operands(unsigned seed) {
   return result;
 }
 
-// The best of several passes, each over all operands, in nanoseconds for each.
+// The best of several passes, each over all operands, in nanoseconds per operand.
 template <class Pass>
 double nanoseconds(Pass pass) {
   double best = std::numeric_limits<double>::max();
@@ -126,7 +127,7 @@ double library_time(F function) {
   });
 }
 
-// On operands of the same bits as library_time<T>.
+// Measures the routine on operands with the same bits as those of library_time<T>.
 template <class T, auto Routine>
 struct counterpart {
   static double time() { return time(Routine); }
@@ -157,7 +158,7 @@ void row(const std::string& name, F function, Counterpart = {}) {
   if (fnmatch(chosen_functions.c_str(), name.c_str(), 0) != 0) return;
   constexpr bool has_counterpart = !std::is_same_v<Counterpart, no_counterpart>;
   double time = std::numeric_limits<double>::max(), other = time;
-  for (int i = 0; i < rounds; ++i) {  // by turns, as the machine may be faster now and then
+  for (int i = 0; i < rounds; ++i) {  // alternately, as the machine may be faster at times
     time = std::min(time, library_time<T>(function));
     if constexpr (has_counterpart) other = std::min(other, Counterpart::time());
   }

@@ -1,35 +1,35 @@
-"""The floor of a fast path: the A64 instructions that a call of its handler takes at the least.
+"""The floor of a fast path: the least number of A64 instructions that a call of its handler takes.
 
-A vector is worked through in groups of 16 bytes, the vector registers of a processor that has no
+A vector is processed in groups of 16 bytes, the size of the vector registers of a processor without
 SVE. A group takes
 
-    1 for each operand's load, the old value of a merging destination included
+    1 for the load of each operand, including the old value of a merging destination
     1 for the mask of a governing predicate: CMTST, or AND with the constant 1
     the operation, from OPERATIONS
     1 for the select by the mask
     1 for the store
 
-and a call takes CALL, SIZE_TEST, REGISTER for each register operand, what IMMEDIATES has for each
-immediate, and FLAGS or COUNT where they apply. LDP and STP move two groups in one instruction, which
-the floor leaves out: a handler may stand below it.
+A call also takes CALL, SIZE_TEST, REGISTER for each register operand, the entry of IMMEDIATES for
+each immediate, and FLAGS or COUNT where they apply. LDP and STP move two groups in one instruction.
+The floor ignores that, so a handler may be below it.
 
-OPERATIONS, NO_FLOOR and MISSES go by the fast path and its size, as in sve_add_zpz.S; the first
-pattern that fits holds.
+The keys of OPERATIONS, NO_FLOOR and MISSES are the fast path and its size, as in sve_add_zpz.S. The
+first pattern that matches counts.
 """
 
 import fnmatch
 import re
 
 CALL = 6  # the call, the store of the word: 2, the jump to the fast path, the result, the return
-SIZE_TEST = {"S": 2, "D": 4, "H": 6, "B": 6, "Q": 8}  # a compare and a branch each, in turn
+SIZE_TEST = {"S": 2, "D": 4, "H": 6, "B": 6, "Q": 8}  # a compare and a branch for each size tested
 REGISTER = 6  # its field, the two halves of its record: 3, the address of its array: 2
 IMMEDIATE = 3  # its field, its extension, its broadcast
 IMMEDIATES = {"LogicalMask": 30, "SImmShifted": 6, "UImmShifted": 4}
-COUNT = 20  # of PTRUE and WHILE: the number of true elements, and the flags that it tells
+COUNT = 20  # for PTRUE and WHILE: the number of true elements, and the flags it determines
 FLAGS = 40  # a call, three scans that end in their first eight bytes, the update of NZCV
 
-# Instructions of the operation for a group, and the loads of vectors where they differ from one for
-# each operand.
+# The instructions of the operation for a group, and the vector loads if those are not one for each
+# operand.
 OPERATIONS = [
     ("sve_[su]m??_zpz.D", 2, None),  # CMGT or CMHI, and BSL
     ("sve_cmp*", 2, None),  # and one to copy the result: the flags take the old pg, which may be pd
@@ -46,7 +46,7 @@ OPERATIONS = [
     ("sve_sxt?_zpz.?", 2, None),  # SHL, SSHR
     ("sve_rbit_zpz.[HSD]", 2, None),  # RBIT, REV16 to REV64
     ("sve_adr_*", 2, None),  # USHL, ADD
-    # Permutes read what they are about to write, so their result is copied: one more.
+    # Permutes may read the register they write, so their result is copied: 1 more.
     ("sve_?unpk*", 2, 0.5),  # USHLL or USHLL2
     ("sve_punpk*", 2, None),
     ("sve_zip?_*", 2, 1),
@@ -63,12 +63,12 @@ OPERATIONS = [
     ("sve_???_pppp.?", 3, None),  # two CMTST, and the operation
 ]
 
-# Fast paths that have one size, and no test of it.
+# Fast paths that have only one size, and do not test it.
 BY_NAME = (r"_(and|orr|eor|bic)_(zzz|zi)|dupm|movprfx_zz|_adr_|unpk|_ext_|_(inc|dec)[hwd]_zii|rdffr|"
            r"wrffr|setffr|pfalse|pppp|xtw_|revw")
 
 BY_ELEMENT = "a loop over elements that branches on the predicate"
-FLAGS_BY_ELEMENT = BY_ELEMENT + ", as an inactive one must raise no flag"
+FLAGS_BY_ELEMENT = BY_ELEMENT + ", because an inactive one must not raise flags"
 NO_FLOOR = [
     ("sve_?div*", BY_ELEMENT),
     ("sve_mul_*.D", BY_ELEMENT + ": there is no vector multiply of doublewords"),
@@ -76,30 +76,30 @@ NO_FLOOR = [
     ("sve_asr_zp?.D", BY_ELEMENT),
     ("sve_*_vpz.?", BY_ELEMENT + ", in the order of the reduction"),
     ("sve_*lastb_*", "a scan that ends at a match"),
-    ("sve_tbl_*", "a loop over elements: each index may reach all of the table"),
+    ("sve_tbl_*", "a loop over elements: each index may select any element of the table"),
     ("sve_ptest*", "scans that end at a match"),
     ("sve_brk*", "a scan that ends at a match"),
     ("sve_pnext*", "a scan that ends at a match"),
-    ("sve_ldr_pri*", "the bits of memory become bytes"),
-    ("sve_str_pri*", "the bytes become bits of memory"),
+    ("sve_ldr_pri*", "bits in memory become bytes"),
+    ("sve_str_pri*", "bytes become bits in memory"),
     ("sve_ld1r[bhws]*", "one element is loaded, if any is active"),
     ("sve_ld1rd*", "one element is loaded, if any is active"),
-    ("sve_ld[1234fn]*", BY_ELEMENT + ", as inactive memory must not be touched"),
-    ("sve_st[1234n]*", BY_ELEMENT + ", as inactive memory must not be touched"),
+    ("sve_ld[1234fn]*", BY_ELEMENT + ", because inactive memory must not be accessed"),
+    ("sve_st[1234n]*", BY_ELEMENT + ", because inactive memory must not be accessed"),
     ("sve_*_r*", "scalar arithmetic"),
     ("sve_fdiv*", FLAGS_BY_ELEMENT),
     ("sve_f[!d]*", FLAGS_BY_ELEMENT),
     ("sve_[su]cvtf_*", FLAGS_BY_ELEMENT),
 ]
 
-PERMUTE = "a loop over elements, for which the compiler takes more shuffles than there need be"
+PERMUTE = "a loop over elements, for which the compiler uses more shuffles than necessary"
 MISSES = [
     ("sve_cmp*", "on these operands, the scan for a true element ends late"),
-    ("sve_rbit_*", "the compiler has no operator for RBIT; bits are exchanged in steps"),
+    ("sve_rbit_*", "the compiler has no operator for RBIT, so bits are exchanged in steps"),
     ("sve_zip*", PERMUTE),
     ("sve_uzp*", PERMUTE),
     ("sve_rev_*", PERMUTE),
-    ("sve_fdup_*", "the constant is expanded in all three formats, and one is taken"),
+    ("sve_fdup_*", "the constant is expanded in all three formats, and only one is used"),
 ]
 
 
@@ -108,7 +108,7 @@ def first_match(table, key):
 
 
 def vector_loads(operands):
-    """Vectors that are read: all but a destination that is only written."""
+    """The number of vectors that are read: all except a destination that is only written."""
     merging_over = "PgM" in operands and any(o.startswith("Zd<") for o in operands)
     sources = [o for o in operands if re.match(r"Z(n|m|a|dn|da)<", o)]
     return len(sources) + merging_over
@@ -124,7 +124,7 @@ def group_instructions(key, path, operands):
 
 
 def floor(path, size, operands, vector_bytes):
-    """The floor in instructions, and the reason where there is none."""
+    """The floor in instructions, and the reason if there is none."""
     key = f"{path}.{size}"
     reason = first_match(NO_FLOOR, key)
     if reason:

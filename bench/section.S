@@ -19,7 +19,7 @@ run_as_section:
     .type   run_seven_instructions, %function
 run_seven_instructions:
     hint    #120
-    mov     x9, #2              // 1 and, twice around the loop, 3
+    mov     x9, #2              // 1 for this one, and 3 for each of two rounds of the loop
 1:  nop
     subs    x9, x9, #1
     b.ne    1b

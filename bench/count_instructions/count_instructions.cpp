@@ -1,17 +1,17 @@
 // A QEMU plugin that counts the instructions that a guest program executes: all of them, and those
-// of marked sections.
+// in marked sections.
 //
 //   qemu-aarch64 -plugin file=libcount_instructions.so,out=FILE PROGRAM
 //
-// A section lies between the instructions HINT #120 and HINT #121, which the architecture leaves
-// unallocated, so that they do nothing; neither counts as part of it. Each thread has sections of
-// its own. At the end the plugin appends to FILE, or prints to the standard error stream, one line
-// "section N" for each section in the order in which they ended, and one line "total N" for the
-// process.
+// A section is what a thread executes between the instructions HINT #120 and HINT #121. The
+// architecture leaves these unallocated, so they do nothing. Neither counts as part of the section.
+// Each thread has its own sections. At the end the plugin appends to FILE, or prints to the
+// standard error stream, one line "section N" for each section in the order in which they ended,
+// and one line "total N" for the process.
 //
-// The counts are exact, and the same at every run of a program that does the same: each instruction
-// has a callback of its own, since a count by blocks would include what follows a fault, and the
-// interface's inline additions lose counts when two threads meet.
+// The counts are exact, and the same in every run of a program that does the same. Each instruction
+// has its own callback. A count by blocks would include the instructions after a fault, and the
+// interface's inline additions lose counts when two threads collide.
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -31,8 +31,8 @@ constexpr std::uint32_t hint(unsigned number) { return 0xd503201fU | number << 5
 constexpr std::uint32_t section_begin = hint(120);
 constexpr std::uint32_t section_end = hint(121);
 
-// One for each virtual processor, which a thread of the guest has; more threads than there are
-// places share some, which keeps the total right.
+// One for each virtual processor. Each guest thread has one. If there are more threads than
+// counters, some threads share a counter. The total stays right.
 struct alignas(64) counter {
   std::atomic<std::uint64_t> executed;
   std::uint64_t at_section_begin;
@@ -62,7 +62,7 @@ void on_execution(qemu_plugin_insn* instruction, qemu_plugin_vcpu_udata_cb_t cal
   qemu_plugin_register_vcpu_insn_exec_cb(instruction, callback, QEMU_PLUGIN_CB_NO_REGS, nullptr);
 }
 
-// A section begins when its marker has been counted, and ends before its marker is.
+// A section begins after its marker has been counted, and ends before its marker is counted.
 void instrument(qemu_plugin_insn* instruction) {
   std::uint32_t word = 0;
   if (qemu_plugin_insn_size(instruction) == sizeof word) {

@@ -1,4 +1,4 @@
-// A thousand blocks that run once each in one call, of 2 and of 16 instructions.
+// One call runs a thousand blocks once each: blocks of 2 instructions, or blocks of 16.
     .text
 
     .globl  run_short_blocks

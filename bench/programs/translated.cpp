@@ -1,5 +1,5 @@
-// Code without SVE of several kinds, for bench/host: translated NAME ROUNDS carries out the rounds
-// and prints a checksum. With no rounds it starts and ends like the others.
+// Several kinds of code without SVE, for bench/host: translated NAME ROUNDS runs the given rounds
+// and prints a checksum. With 0 rounds it only starts and ends.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-// A thousand blocks, each of a few instructions, that are run once.
+// A thousand blocks of a few instructions each, which are run once.
 extern "C" std::uint64_t run_short_blocks(std::uint64_t value);
 extern "C" std::uint64_t run_long_blocks(std::uint64_t value);
 
@@ -97,7 +97,7 @@ std::uint64_t recurse() { return fibonacci(15); }
 
 enum op : std::uint8_t { push, add, subtract, duplicate, swap, jump_if, drop, halt };
 
-// Counts down from 200 and adds up; an operation is a few instructions.
+// Counts down from 200 and adds up. Each operation takes a few instructions.
 constexpr std::uint8_t program[] = {push, 0,    push, 200,      duplicate, push,    0, add,  swap,
                                     drop, push, 1,    subtract, duplicate, jump_if, 4, drop, halt};
 
