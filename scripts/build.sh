@@ -1,7 +1,8 @@
 #!/bin/sh
-# build.sh [--with-tests] PRESET [TARGET...]: configures the preset where that is needed, and builds
-# the targets, or all. Without --with-tests nothing that belongs to tests is looked for; but a build
-# directory that has had tests keeps them. Speaks only if something has to be done or fails.
+# build.sh [--with-tests] PRESET [TARGET...]: configures the preset if necessary, and builds the
+# targets, or all of them if none is given. Without --with-tests, it does not look for what the
+# tests need. But a build directory that was configured with tests keeps them. The script prints
+# something only if there is something to do or if it fails.
 set -eu
 cd "$(dirname "$0")/.."
 testing=OFF
@@ -15,8 +16,8 @@ directory=build/$preset
 log=build/$preset.log
 mkdir -p build
 
-# Ninja configures again by itself when a CMake file changes, but not when the presets do. A cache that
-# is newer than what Ninja reads comes from a configuration that failed.
+# Ninja configures again by itself when a CMake file changes, but not when the presets change. If
+# the cache is newer than build.ninja, the last configuration failed.
 is_configured() {
   [ "$directory/build.ninja" -nt CMakePresets.json ] || return 1
   [ "$directory/build.ninja" -nt "$directory/CMakeCache.txt" ] || return 1

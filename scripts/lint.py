@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""lint.py [all]: checks the formatting of all sources, and runs clang-tidy over what has changed.
+"""lint.py [all]: checks the formatting of all sources, and runs clang-tidy on files that changed.
 
 clang-tidy takes seconds for a file. A file that passed is not checked again until it, a header that
-it includes, or a .clang-tidy above it changes: build/lint holds an empty stamp for each passed
-state, named by a hash of all these contents. The headers are those that the last build recorded, so
-build first.
+it includes, or a .clang-tidy above it changes: build/lint holds an empty stamp for each state that
+passed, named by a hash of all these contents. The headers are those that the last build recorded,
+so build first.
 
-One of its checks, the static analyzer, follows the paths through a function for as long as it finds
-new ones. For a few files, above all of sve/fp, that takes most of the time. It gives up on a function
-early here, and late with "all". A file that passed with "all" has passed.
+One of its checks, the static analyzer, follows the paths through a function as long as it finds new
+ones. For a few files, mostly in sve/fp, that takes most of the time. So it gives up on a function
+early, and with "all" late. A file that passed with "all" has also passed without it.
 """
 
 import concurrent.futures
@@ -21,10 +21,10 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 STAMPS = ROOT / "build" / "lint"
-# In this order: a source that both build is checked as AArch64 code.
+# The order matters: a source that is in both builds is checked as AArch64 code.
 BUILDS = [ROOT / "build" / "aarch64", ROOT / "build" / "native"]
 FORMATTED = (".c", ".cpp", ".h")
-# How many states of a function the analyzer looks at: clang's own choice is 225000.
+# How many states of a function the analyzer examines. clang's default is 225000.
 EARLY = [f"--extra-arg={word}"
          for word in ["-Xclang", "-analyzer-config", "-Xclang", "max-nodes=20000"]]
 LATE = []
@@ -45,7 +45,7 @@ def check_format():
 
 
 def included_files(build):
-    """Maps each object file of a build to the project's files that it was made from."""
+    """Maps each object file of a build to the project's files that it was built from."""
     listing = subprocess.run(
         ["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
     result = {}

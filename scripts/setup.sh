@@ -1,8 +1,9 @@
 #!/bin/sh
-# setup.sh [run|check|all|bench]: installs what this machine lacks, and nothing else. "run" is what
-# building the product needs. "check" adds what the tests of ./check need, and "all" what the others
-# need, which it also fetches into build/real_programs and build/kernel. "bench" is what
-# bench/floating_point needs. Does nothing on a machine that has it all.
+# setup.sh [run|check|all|bench]: installs what is missing on this machine, and nothing else. "run"
+# installs what you need to build the product. "check" adds the needs of the tests of ./check, and
+# "all" those of the other tests. "all" also fetches programs and a kernel into build/real_programs
+# and build/kernel. "bench" installs what bench/floating_point needs. If nothing is missing, it does
+# nothing.
 set -eu
 
 missing_commands=
@@ -35,7 +36,7 @@ find_missing_for_run() {
       need qemu-aarch64 qemu-user
       ;;
     aarch64) need g++ g++ ;;
-    *) fail "this is a $(uname -m) machine; x86-64 or AArch64 is needed" ;;
+    *) fail "this is a $(uname -m) machine, but x86-64 or AArch64 is needed" ;;
   esac
 }
 
@@ -69,10 +70,10 @@ as_root() {
 
 install_missing() {
   command -v apt-get >/dev/null 2>&1 ||
-    fail "missing:$missing_commands. Without apt-get they cannot be installed from here; on Debian 12" \
-      "they are in the packages$missing_packages"
+    fail "missing:$missing_commands. There is no apt-get to install them with. On Debian 12 they" \
+      "are in the packages$missing_packages"
   [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null 2>&1 ||
-    fail "packages are missing, but this is not root, and there is no sudo. As root, do:" \
+    fail "packages are missing, but you are not root, and there is no sudo. As root, run:" \
       "apt-get install$missing_packages"
   echo "setup: installing$missing_packages" >&2
   as_root apt-get update -q >&2
@@ -90,7 +91,7 @@ purpose=${1:-run}
 [ -z "$missing_packages" ] || install_missing "$purpose"
 if [ "$purpose" = all ]; then
   root=$(dirname "$0")/..
-  # Tests that need these programs are skipped where they cannot be had.
+  # If these programs cannot be fetched, the tests that need them are skipped.
   for suite in real_programs kernel; do
     "$root/tests/$suite/fetch" "$root/build/$suite" || [ $? -eq 77 ]
   done
