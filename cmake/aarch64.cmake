@@ -1,5 +1,5 @@
-# The product is AArch64. On an AArch64 machine this file changes nothing; on any other it selects
-# Debian's cross compiler, and qemu-user on a processor without SVE to run what was built.
+# The product is for AArch64. On an AArch64 machine this file changes nothing. On any other machine
+# it selects Debian's cross compiler, and qemu-user to run programs on a processor without SVE.
 if(NOT CMAKE_HOST_SYSTEM_PROCESSOR STREQUAL "aarch64")
   set(CMAKE_SYSTEM_NAME Linux)
   set(CMAKE_SYSTEM_PROCESSOR aarch64)
