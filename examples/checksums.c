@@ -1,6 +1,6 @@
-// CRC-32 of many messages at once, one to each lane: a gather from a vector of addresses takes the
-// next byte of each message, another looks the remainders up in the table; a lane rests as soon as
-// its message has ended.
+// CRC-32 of many messages at once, one in each lane. A gather from a vector of addresses takes the
+// next byte of each message, and another looks up the remainders in the table. A lane becomes
+// inactive as soon as its message has ended.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -46,7 +46,7 @@ int main(void) {
   static uint32_t table[256], crcs[messages], expected[messages];
   static uint64_t addresses[messages], sizes[messages];
   for (uint32_t i = 0; i < 256; ++i) table[i] = shift_bits(i, 8);
-  for (uint64_t i = 0; i < messages; ++i) {  // of 0 to 43 bytes; the second is the nine digits
+  for (uint64_t i = 0; i < messages; ++i) {  // 0 to 43 bytes long; the second has the nine digits
     const char* const message = text + (i == 1 ? 0 : i);
     addresses[i] = (uintptr_t)message;
     sizes[i] = i * digits % 44;

@@ -1,6 +1,6 @@
 // The longest Collatz chain below 4000: n -> n / 2 or 3 n + 1, until 1. Each of four threads
-// follows a vector of starting values at a time, with a predicate of those that have not arrived,
-// so that every thread keeps vectors and predicates of its own alive over long loops.
+// processes a vector of starting values at a time, with a predicate of those that have not reached
+// 1. So every thread keeps its own vectors and predicates live over long loops.
 #include <arm_sve.h>
 #include <cstdint>
 #include <cstdio>
@@ -14,7 +14,7 @@ namespace {
 constexpr std::int64_t limit = 4000;
 constexpr std::int64_t thread_count = 4;
 
-// Chain lengths of `count` numbers from `first` on.
+// The chain lengths of `count` numbers, beginning with `first`.
 void chain_lengths(std::int64_t* lengths, std::int64_t first, std::int64_t count) {
   for (std::int64_t i = 0; i < count; i += static_cast<std::int64_t>(svcntd())) {
     const svbool_t pg = svwhilelt_b64(i, count);

@@ -1,10 +1,10 @@
 // A fast Fourier transform of complex numbers in single precision, forward and back.
 //
 // Every pass has the same geometry: it reads the four quarters of its input as contiguous vectors
-// and interleaves the four results, so that no pass has short inner loops. The results end up in
-// places with their index bits reversed, and a gather puts them in order. A complex number is an
-// element of 64 bits for loads, stores and predicates, and a pair of floats for FCADD, which adds i
-// or -i times its operand, and FCMLA, two of which make a complex product.
+// and interleaves the four results, so no pass has short inner loops. Each result ends up at the
+// index with its bits reversed, and a gather puts them in order. A complex number is a 64-bit
+// element for loads, stores and predicates. It is a pair of floats for FCADD, which adds i or -i
+// times its operand, and for FCMLA. Two of those make a complex product.
 #include <arm_sve.h>
 #include <bit>
 #include <cmath>
@@ -32,7 +32,7 @@ std::uint64_t element(exact value) {
 
 exact value(std::uint64_t element) { return std::bit_cast<std::complex<float>>(element); }
 
-// The n-th power of the size-th root of 1, clockwise.
+// The n-th power of the size-th root of 1, going clockwise.
 exact root(std::int64_t n) {
   return std::polar(1.0, -2 * std::numbers::pi * static_cast<double>(n % size) / size);
 }
@@ -40,7 +40,7 @@ exact root(std::int64_t n) {
 // The angle, in degrees, of the root with n = size / 4.
 enum direction { forward = 270, back = 90 };
 
-// The n-th roots, conjugated when going back, times b.
+// The n-th roots times b. For the way back, the roots are conjugated.
 template <direction way>
 svuint64_t rotate(svbool_t pg, const signal& roots, svuint64_t n, svfloat32_t b) {
   const svfloat32_t w = svreinterpret_f32(svld1_gather_index(pg, roots.data(), n));
@@ -86,7 +86,7 @@ signal transform(signal in, const signal& roots) {
   return out;
 }
 
-// By the definition, in double precision.
+// The transform by its definition, in double precision.
 SCALAR std::vector<exact> transform_scalar(const std::vector<exact>& in) {
   std::vector<exact> roots(size), out(size);
   for (std::int64_t n = 0; n < size; ++n) roots[n] = root(n);
@@ -96,7 +96,7 @@ SCALAR std::vector<exact> transform_scalar(const std::vector<exact>& in) {
   return out;
 }
 
-// The length of the difference, divided by that of what was expected.
+// The length of the difference, divided by the length of the expected vector.
 double relative_error(const signal& result, const std::vector<exact>& expected, double scale) {
   double error = 0, length = 0;
   for (std::int64_t n = 0; n < size; ++n) {
@@ -120,7 +120,7 @@ int main() {
     in_exactly[n] = value(in[n]);
   }
 
-  // A pass rounds a sum twice, the root, and a product twice: below 8 units of 2^-24 in length.
+  // A pass rounds a sum twice, a root once and a product twice: below 8 units of 2^-24 in length.
   constexpr double bound = passes * 0x1p-21;
   const signal spectrum = transform<forward>(in, roots);
   const double error = relative_error(spectrum, transform_scalar(in_exactly), 1);

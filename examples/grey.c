@@ -1,5 +1,5 @@
-// Pixels of four bytes to luminance and back: LD4 takes the channels apart, the weights are applied
-// in 16 bits, UZP2 takes the upper bytes, ST4 writes grey pixels with the old alpha.
+// Converts pixels of four bytes to luminance and back: LD4 separates the channels, the weights are
+// applied in 16 bits, UZP2 takes the upper bytes, and ST4 writes grey pixels with the old alpha.
 #include <arm_sve.h>
 #include <stdio.h>
 

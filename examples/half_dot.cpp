@@ -1,8 +1,9 @@
-// Finds the word closest in meaning to a query, words being vectors of half-precision numbers: the
-// closer, the larger their dot product. Summed in half precision it has three digits. Converted to
-// single precision first, the products are exact and the sum has seven.
+// Finds the word whose meaning is closest to a query. Words are vectors of half-precision numbers:
+// the closer they are, the larger their dot product. Summed in half precision, the product is good
+// to three digits. Converted to single precision first, the products of elements are exact and the
+// sum is good to seven digits.
 //
-// Scalar code that adds in the same order has the same bits. That order depends on the vector
+// Scalar code that adds in the same order gives the same bits. That order depends on the vector
 // length, and so do the errors.
 #include <algorithm>
 #include <arm_sve.h>
@@ -21,7 +22,7 @@ constexpr int most_lanes = 2048 / 16;
 
 using meaning = std::array<float16_t, length>;
 
-// Halves in the low parts of single-precision lanes, converted.
+// Loads halves into the low parts of single-precision lanes and converts them.
 svfloat32_t load_converted(svbool_t pg, const float16_t* halves) {
   const auto* bits = reinterpret_cast<const std::uint16_t*>(halves);
   return svcvt_f32_x(pg, svreinterpret_f16(svld1uh_u32(pg, bits)));
@@ -54,8 +55,8 @@ void scale(meaning& a, float factor) {
   }
 }
 
-// T rounds each addition, a product with its addition being one. What fma() rounds, in double
-// precision, lies too far from the midpoint of two Ts for this to show.
+// Each addition is rounded to T, together with its product. fma() first rounds to double precision,
+// but that value is never so close to the midpoint of two Ts that it changes the result.
 template <class T>
 SCALAR T dot_scalar(const meaning& a, const meaning& b, std::uint64_t lanes) {
   std::array<T, most_lanes> sums{};
@@ -79,7 +80,7 @@ SCALAR double dot_exact(const meaning& a, const meaning& b) {
   return sum;
 }
 
-// A meaning of length 1.
+// The same meaning, scaled to length 1.
 meaning normalised(meaning a) {
   meaning expected = a;
   const float factor = 1 / std::sqrt(dot_in_single(a, a));
@@ -89,7 +90,7 @@ meaning normalised(meaning a) {
   return a;
 }
 
-// Random bytes, each a number from -1 to 1.
+// Makes numbers from -1 to 1 out of random bytes.
 SCALAR meaning random_meaning(std::uint64_t seed) {
   std::array<std::int8_t, length> bytes;
   fill_random(bytes.data(), bytes.size(), seed);

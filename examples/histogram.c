@@ -1,6 +1,5 @@
-// A histogram of a grey picture by gather and scatter: each lane of the vector counts in a column
-// of its own, so that no two lanes ever store to the same place; the columns are added up at the
-// end.
+// A histogram of a grey picture with gather and scatter. Each lane of the vector counts in its own
+// column, so that no two lanes ever store to the same place. The columns are added up at the end.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -28,7 +27,7 @@ SCALAR static void histogram_scalar(uint64_t* totals, const uint8_t* grey) {
   for (int i = 0; i < pixels; ++i) ++totals[grey[i] >> 2];
 }
 
-// A ball, lit from the upper left, before a dark wall that grows lighter downwards, with noise.
+// A ball, lit from the upper left, in front of a dark wall that gets lighter downwards, with noise.
 SCALAR static void draw(uint8_t* grey) {
   fill_random(grey, pixels, 7);
   for (int i = 0; i < pixels; ++i) {
@@ -39,7 +38,7 @@ SCALAR static void draw(uint8_t* grey) {
   }
 }
 
-// A column for each bin; a line of text shows eight steps of height.
+// One column for each bin. A line of text shows eight steps of height.
 SCALAR static void print_histogram(const uint64_t* totals) {
   static const char* const blocks[] = {" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
   enum { lines = 6, pixels_of_step = 12 };

@@ -1,6 +1,6 @@
-// A filter on pixels of 32 bits: a 3 x 3 blur (1 2 1, 2 4 2, 1 2 1, over 16) of a picture in four
-// channels of 8 bits, two channels at a time in the halves of a word. The compiler vectorises the
-// loops. The scalar code takes the channels apart instead.
+// A filter on 32-bit pixels: a 3 x 3 blur (1 2 1, 2 4 2, 1 2 1, divided by 16) of a picture with
+// four 8-bit channels. It processes two channels at a time, in the halves of a word. The compiler
+// vectorises the loops. The scalar code processes each channel separately.
 #include <stdio.h>
 
 #include "examples/check.h"
@@ -23,7 +23,8 @@ static void divide(int32_t* channels) {
   for (int i = 0; i < pixels; ++i) channels[i] = (channels[i] >> 4) & 0x00ff00ff;
 }
 
-// 1 2 1 is 1 1 twice. The result for a pixel comes to stand a row above it and one to the left.
+// The weights 1 2 1 are those of 1 1 applied twice. The result for a pixel ends up one row above it
+// and one column to the left.
 static void blur_channels(int32_t* channels) {
   static int32_t sums[pixels];
   add_neighbours(sums, channels, 1);
@@ -63,7 +64,7 @@ SCALAR static void blur_scalar(uint8_t (*out)[4], const uint8_t (*picture)[4]) {
 
 int main(void) {
   static int32_t picture[pixels], out[pixels], expected[pixels];
-  const size_t inner = pixels - 2 * (width + 1);  // those with all their neighbours
+  const size_t inner = pixels - 2 * (width + 1);  // the pixels that have all their neighbours
   fill_random(picture, sizeof(picture), 1);
   blur(out, picture);
   blur_scalar((uint8_t(*)[4])expected, (const uint8_t(*)[4])picture);

@@ -1,7 +1,7 @@
-// Conway's Life on bytes, a cell a byte: a glider gun and its gliders.
+// Conway's Life on bytes, one cell to a byte: a glider gun and its gliders.
 //
-// The board lies in memory as one line, and a vector takes as many cells of it as it holds, across
-// the ends of rows. A frame of dead cells around the board keeps the neighbours in bounds.
+// The board is one line in memory. A vector takes as many cells of it as it holds, across the ends
+// of rows. A frame of dead cells around the board keeps the neighbours in bounds.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -17,7 +17,7 @@ static const char* const glider_gun[] = {
     "            ##                      ",
 };
 
-// Sum of a cell and its two neighbours in the row.
+// The sum of a cell and its two neighbours in the row.
 static svuint8_t row_sum(svbool_t pg, const uint8_t* cell) {
   const svuint8_t sides = svadd_x(pg, svld1(pg, cell - 1), svld1(pg, cell + 1));
   return svadd_x(pg, sides, svld1(pg, cell));
@@ -30,7 +30,7 @@ static void step(uint8_t* next, const uint8_t* board, const uint8_t* inside) {
         svadd_x(pg, row_sum(pg, board + i - stride), row_sum(pg, board + i + stride));
     const svuint8_t sum = svadd_x(pg, above_and_below, row_sum(pg, board + i));
     const svbool_t lives = svcmpne(pg, svld1(pg, board + i), 0);
-    const svbool_t stays = svcmpeq(lives, sum, 4);  // three neighbours and itself
+    const svbool_t stays = svcmpeq(lives, sum, 4);  // three neighbours and the cell itself
     const svbool_t born_or_stays = svorr_z(pg, svcmpeq(pg, sum, 3), stays);
     svst1(pg, next + i, svand_z(born_or_stays, svld1(pg, inside + i), 1));
   }

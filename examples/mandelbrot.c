@@ -1,6 +1,6 @@
-// The Mandelbrot set in single precision, a point to each lane: a vector of points goes on until
-// the last of them has left. The picture goes to a PNG file and, coarser, to standard output: in
-// colour where that is a terminal.
+// The Mandelbrot set in single precision, one point in each lane. A vector of points goes on until
+// the last of them has left. The picture goes to a PNG file and, coarser, to standard output. There
+// it is in colour if standard output is a terminal.
 //
 // mandelbrot [FILE]
 #include <arm_sve.h>
@@ -15,14 +15,14 @@
 
 #include "examples/check.h"
 
-// A character of the terminal stands for two cells, one above the other.
+// A character of the terminal shows two cells, one above the other.
 enum { width = 480, height = 312, cell = 6, limit = 64 };
 
 static const float left = -2.45F, top = 1.17F, step = 0.0075F;
 
 typedef uint32_t row_of_counts[width];
 
-// For each point of a row, the steps that it stays within 2 of the origin.
+// For each point of a row, counts the steps for which it stays within 2 of the origin.
 static void count_steps(row_of_counts counts, float imaginary) {
   for (int64_t x = 0; x < width; x += (int64_t)svcntw()) {
     const svbool_t pg = svwhilelt_b32(x, (int64_t)width);
@@ -60,7 +60,8 @@ struct colour {
   uint8_t red, green, blue;
 };
 
-// Black in the set; outside from dark blue over green and yellow, the closer the brighter.
+// Black in the set. Outside, from dark blue over green to yellow: the closer to the set, the
+// brighter.
 static struct colour colour_of(uint32_t count) {
   const float t = sqrtf((float)(count + 1) / (limit + 1)), s = 1 - t;
   return (struct colour){(uint8_t)(255 * 9 * s * t * t * t), (uint8_t)(255 * 15 * s * s * t * t),
@@ -90,7 +91,7 @@ static void draw_in_colour(struct colour picture[][width]) {
   }
 }
 
-// A character for each doubling of the count.
+// A different character for each doubling of the count.
 static void draw_plainly(row_of_counts* counts) {
   for (int y = cell; y < height; y += 2 * cell) {
     for (int x = cell / 2; x < width; x += cell) {

@@ -1,10 +1,10 @@
 // A product of matrices in double precision. A tile of the result, four rows by a vector of
-// columns, stays in registers while it takes up a block of the inner dimension: each row of b that
-// is loaded serves four rows of a, whose elements come as a repeated pair and are picked from it by
-// index.
+// columns, stays in registers while the products of a block of the inner dimension are added to it.
+// Each loaded row of b serves four rows of a. The elements of a are loaded as a repeated pair, and
+// each is selected from it by index.
 //
 // Each element is summed in the order of the inner dimension, whatever the blocks, with one
-// rounding for a product and its addition; so scalar code with fma() gives the same bits.
+// rounding for a product and its addition. So scalar code with fma() gives the same bits.
 #include <arm_sve.h>
 #include <math.h>
 #include <stdio.h>

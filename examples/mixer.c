@@ -1,5 +1,5 @@
-// A mixer for 16-bit audio: three tracks at different levels onto two channels, saturating where
-// the sum is too loud.
+// A mixer for 16-bit audio. It mixes three tracks at different levels to two channels, and
+// saturates where the sum is too loud.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -7,8 +7,8 @@
 
 enum { frames = 9001 };
 
-// Left hears the first track, and half the second; right a quarter of the second taken off, and the
-// third.
+// Left is the first track plus half of the second. Right is the third track minus a quarter of the
+// second.
 static void mix(int16_t* restrict stereo, const int16_t* a, const int16_t* b, const int16_t* c) {
   for (int64_t i = 0; i < frames; i += (int64_t)svcnth()) {
     const svbool_t pg = svwhilelt_b16(i, (int64_t)frames);

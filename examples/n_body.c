@@ -1,6 +1,7 @@
 // A disc of bodies around a heavy one under their mutual gravity, in single precision. Each lane
-// has a body, and all the others pass by. The reciprocal square root of each distance is FRSQRTE's
-// estimate, good to 8 bits, and two of Newton's steps by FRSQRTS, each of which doubles that.
+// has one body, and a loop goes over all the others. The reciprocal square root of each distance is
+// FRSQRTE's estimate, good to 8 bits, and two Newton steps with FRSQRTS, each of which doubles
+// that.
 #include <arm_sve.h>
 #include <math.h>
 #include <stdio.h>
@@ -9,8 +10,8 @@
 
 enum { bodies = 150, steps = 12, most_lanes = 2048 / 32 };
 
-// The softening is added to all squares of distances; no force gets beyond bounds, and that of a
-// body on itself is 0.
+// The softening is added to the square of every distance. So no force exceeds a bound, and the
+// force of a body on itself is 0.
 static const float time_step = 0x1p-7F, softening = 0x1p-8F;
 
 struct system {
@@ -25,7 +26,7 @@ static svfloat32_t reciprocal_root(svbool_t pg, svfloat32_t a) {
   return root;
 }
 
-// Changes the velocities by a time of gravity.
+// Changes the velocities by the gravity of the given time.
 static void pull(struct system* s, float time) {
   const float *x = s->place[0], *y = s->place[1], *z = s->place[2];
   for (int64_t i = 0; i < bodies; i += (int64_t)svcntw()) {
@@ -78,7 +79,7 @@ static void move(float* place, const float* velocity) {
   for (int i = 0; i < bodies; ++i) place[i] += velocity[i] * time_step;
 }
 
-// Moves between two halves of the pull, which keeps the energy to the second order.
+// Moves the bodies between two half steps of gravity, which conserves energy to second order.
 static void simulate(struct system* s, void (*pull_by)(struct system*, float)) {
   for (int step = 0; step < steps; ++step) {
     pull_by(s, time_step / 2);
@@ -99,7 +100,7 @@ SCALAR static double energy(const struct system* s) {
   return sum;
 }
 
-// A mass of 1 in the middle, a tenth of it in the disc, and nearly circular orbits.
+// A mass of 1 in the middle, a tenth of that in the disc, and nearly circular orbits.
 SCALAR static void fill(struct system* s) {
   static uint16_t random[bodies][3];
   fill_random(random, sizeof(random), 13);
@@ -117,7 +118,7 @@ SCALAR static void fill(struct system* s) {
   }
 }
 
-// From 1 to 4, since an even and an odd exponent have tables of their own.
+// Tests numbers from 1 to 4, since even and odd exponents have separate tables.
 static double largest_error_of_root(void) {
   const svbool_t all = svptrue_b32();
   double largest = 0;

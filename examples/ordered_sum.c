@@ -1,8 +1,7 @@
-// Sums of floats in an order that is part of the result. The harmonic series is summed forward and
-// backward by FADDA, which adds one element after the other as a scalar loop does and gives the
-// same bits, and by FADDV, which adds in a tree: another result, here a better one, and another one
-// again at another vector length. With a predicate, FADDA skips elements: here those with even
-// divisors.
+// Sums of floats in an order that is part of the result. FADDA sums the harmonic series forward and
+// backward. It adds one element after the other, as a scalar loop does, and gives the same bits.
+// FADDV adds in a tree. Its result is different, here better, and depends on the vector length.
+// With a predicate, FADDA skips elements: here those with even divisors.
 #include <arm_sve.h>
 #include <math.h>
 #include <stdio.h>
@@ -30,7 +29,7 @@ static float sum_backward(const float* a) {
   return sum;
 }
 
-// Of the terms 1 / 1, 1 / 3, 1 / 5 and so on.
+// Sums the terms 1 / 1, 1 / 3, 1 / 5 and so on.
 static float sum_odd(const float* a) {
   float sum = 0;
   for (int64_t i = 0; i < terms; i += (int64_t)svcntw()) {
@@ -42,7 +41,7 @@ static float sum_odd(const float* a) {
   return sum;
 }
 
-// A tree for each vector, and these sums in order.
+// Adds each vector in a tree, and these sums in order.
 static float sum_in_trees(const float* a) {
   float sum = 0;
   for (int64_t i = 0; i < terms; i += (int64_t)svcntw()) {
@@ -58,7 +57,7 @@ SCALAR static float sum_scalar(const float* a, int first, int end, int step) {
   return sum;
 }
 
-// Neighbours are added, then the sums of neighbours, to a power of two with zeros at the end.
+// Adds neighbours, then the sums of neighbours, and so on. Zeros pad the vector to a power of two.
 SCALAR static float sum_in_trees_scalar(const float* a, int lanes) {
   float sum = 0;
   for (int i = 0; i < terms; i += lanes) {

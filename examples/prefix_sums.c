@@ -1,6 +1,6 @@
-// Prefix sums of 64-bit integers. Within a vector, each step adds the sums that stand 1, 2, 4, ...
-// elements before; TBL gives 0 for the elements before the first. The last sum of a vector is
-// carried into the next.
+// Prefix sums of 64-bit integers. Within a vector, each step adds the sums 1, 2, 4, ... elements
+// earlier. TBL gives 0 for the elements before the first. The last sum of a vector is carried into
+// the next.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -11,7 +11,7 @@ enum { count = 5003 };
 static svuint64_t sums_within(svuint64_t values) {
   const svbool_t all = svptrue_b64();
   for (uint64_t distance = 1; distance < svcntd(); distance *= 2) {
-    const svuint64_t before = svindex_u64(-distance, 1);  // wraps to huge for the first elements
+    const svuint64_t before = svindex_u64(-distance, 1);  // the first elements wrap to huge
     values = svadd_x(all, values, svtbl(values, before));
   }
   return values;

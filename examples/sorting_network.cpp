@@ -1,6 +1,6 @@
-// Sorts 12 rows of numbers column by column: an odd-even transposition network, each comparator of
-// which is a minimum and a maximum of two whole rows. The compiler vectorises it, for elements of
-// all widths.
+// Sorts 12 rows of numbers column by column with an odd-even transposition network. Each of its
+// comparators is a minimum and a maximum of two whole rows. The compiler vectorises it, for
+// elements of all widths.
 #include <algorithm>
 #include <array>
 #include <cstdint>

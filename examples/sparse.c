@@ -1,6 +1,6 @@
 // A sparse matrix, compressed by rows, times a vector of 64-bit integers, in the two ways that
-// gathers allow: along each row, with a sum over the vector at its end, and down the rows, a row to
-// each lane, with lanes falling out as their rows end.
+// gathers allow. One goes along each row, with a sum over the vector at its end. The other goes
+// down the rows, with one row in each lane, and a lane becomes inactive when its row ends.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -9,7 +9,7 @@
 enum { rows = 403, columns = 1009, most_in_row = 80, most_entries = rows * most_in_row };
 
 struct matrix {
-  int64_t starts[rows + 1];  // of each row in the two that follow
+  int64_t starts[rows + 1];  // where each row starts in the two that follow
   int32_t columns_of[most_entries];
   int64_t values[most_entries];
 };
@@ -52,7 +52,8 @@ SCALAR static void multiply_scalar(int64_t* product, const struct matrix* m,
   }
 }
 
-// Most rows are short, some empty, a few long; the columns of a row ascend.
+// Most rows are short, some are empty, and a few are long. The columns of a row are in ascending
+// order.
 SCALAR static void fill(struct matrix* m) {
   static uint8_t sizes[rows], gaps[most_entries];
   fill_random(sizes, sizeof(sizes), 5);

@@ -1,3 +1,3 @@
-// The library is a header; its functions are compiled here.
+// The library is a header. Its functions are compiled here.
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb_image_write.h>

@@ -1,6 +1,6 @@
-// strlen, memchr and strcmp with first-fault loads, which read on beyond the end of a string
-// without knowing whether there is memory: what could not be read is missing in the first-fault
-// register. All strings here end where the memory ends, at an unreadable page, and begin at every
+// strlen, memchr and strcmp with first-fault loads. These read beyond the end of a string without
+// knowing whether there is memory: elements that could not be read are not set in the first-fault
+// register. All strings here end where the memory ends, at an unreadable page. They begin at every
 // distance from there that a vector can have.
 #include <arm_sve.h>
 #include <stdio.h>
@@ -40,7 +40,7 @@ static const uint8_t* sve_memchr(const uint8_t* s, uint8_t byte, size_t n) {
   return NULL;
 }
 
-// The register keeps the elements that both loads could read.
+// The first-fault register keeps the elements that both loads could read.
 static int sve_strcmp(const uint8_t* a, const uint8_t* b) {
   const svbool_t all = svptrue_b8();
   for (size_t i = 0;;) {
@@ -73,7 +73,7 @@ SCALAR static int strcmp_scalar(const uint8_t* a, const uint8_t* b) {
   return a[i] - b[i];
 }
 
-// The end of two pages, with an unreadable one behind it.
+// The end of two readable pages, which an unreadable one follows.
 static uint8_t* map_up_to_end(size_t page) {
   uint8_t* const pages =
       mmap(NULL, 3 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -84,7 +84,7 @@ static uint8_t* map_up_to_end(size_t page) {
   return pages + 2 * page;
 }
 
-// A string of `size` bytes, the terminator included, that ends at `end`.
+// A string of `size` bytes, including the terminator, that ends at `end`.
 SCALAR static uint8_t* write_string(uint8_t* end, size_t size) {
   for (size_t i = 0; i < size - 1; ++i) end[i - size] = (uint8_t)('a' + i % 26);
   end[-1] = 0;

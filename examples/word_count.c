@@ -1,5 +1,5 @@
-// Counts lines, words and letters of a text, and puts it into capitals, on bytes under predicates:
-// a word begins at each letter whose predecessor is none.
+// Counts lines, words and letters of a text, and makes it upper case, on bytes under predicates. A
+// word begins at each letter that does not follow another letter.
 #include <arm_sve.h>
 #include <stdio.h>
 
@@ -19,7 +19,7 @@ static svbool_t is_small(svbool_t pg, svuint8_t byte) {
   return svcmplt(pg, svsub_x(pg, byte, 'a'), 26);
 }
 
-// `text` has a byte before its first.
+// There must be a readable byte before `text`.
 static struct counts count(char* text) {
   struct counts counts = {0, 0, 0};
   for (int i = 0; i < length; i += (int)svcntb()) {
@@ -27,7 +27,7 @@ static struct counts count(char* text) {
     uint8_t* const at = (uint8_t*)text + i;
     const svuint8_t byte = svld1(pg, at);
     const svbool_t small = is_small(pg, byte);
-    const svbool_t letter = is_small(pg, svorr_x(pg, byte, 0x20));  // of either case
+    const svbool_t letter = is_small(pg, svorr_x(pg, byte, 0x20));  // lower or upper case
     const svbool_t after_letter = is_small(pg, svorr_x(pg, svld1(pg, at - 1), 0x20));
     counts.lines += svcntp_b8(pg, svcmpeq(pg, byte, '\n'));
     counts.words += svcntp_b8(pg, svbic_z(pg, letter, after_letter));
