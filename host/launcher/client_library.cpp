@@ -12,13 +12,13 @@ namespace host {
 namespace {
 
 constexpr int interface_version = 602;
-constexpr unsigned client_id = 0;  // there is only ever one client
+constexpr unsigned client_id = 0;  // there is never more than one client
 
 [[noreturn]] void fail(const std::string& what) {
   throw launch_error(exit_status::launcher_failed, what);
 }
 
-// dlopen searches the system's directories for a name without a slash; the user means a file.
+// dlopen searches the system's directories for a name without a slash. The user means a file.
 std::string with_slash(const std::string& path) {
   return path.find('/') == std::string::npos ? "./" + path : path;
 }

@@ -1,5 +1,5 @@
-// The client library: loaded into the launcher's own link-map namespace, from where it binds to the
-// host interface that the launcher exports.
+// The client library. It is loaded into the launcher's own link-map namespace, and there it binds
+// to the host interface that the launcher exports.
 #pragma once
 
 #include <string>
@@ -15,8 +15,8 @@ std::string default_client_path();
 
 class client_library {
  public:
-  // Loads the library, which runs its static initialisers. Throws launch_error. It is never
-  // unloaded: code of the application's calls into it until the process ends.
+  // Loads the library, which runs its static initialisers. Throws launch_error. The library is
+  // never unloaded, because translated code calls it until the process ends.
   explicit client_library(const std::string& path);
 
   // Checks the interface version that the client was built for and calls its dr_client_main.
@@ -24,10 +24,11 @@ class client_library {
   void start(const std::vector<std::string>& arguments) const;
 
   // The vector length of the processor that the client emulates, in bytes. Throws launch_error if
-  // it doesn't tell.
+  // the client does not export it.
   [[nodiscard]] unsigned vector_bytes() const;
 
-  // Prints the instruction forms that our own client knows. Throws launch_error for another one.
+  // Prints the instruction forms that the client knows. Throws launch_error for a client other than
+  // ours.
   void list_instructions() const;
 
  private:

@@ -20,8 +20,8 @@ namespace {
 
 using namespace host;
 
-// Where the kernel put the auxiliary vector: behind the environment, as long as that stands where
-// it was.
+// The kernel puts the auxiliary vector after the environment. This holds as long as nothing has
+// moved the environment.
 const Elf64_auxv_t* auxiliary_vector(char** environment) {
   while (*environment != nullptr) ++environment;
   return reinterpret_cast<const Elf64_auxv_t*>(environment + 1);
@@ -33,13 +33,13 @@ std::vector<std::string> collect(char** texts) {
   return result;
 }
 
-// Without PATH a shell looks here.
+// If PATH is not set, a shell searches these directories.
 std::string search_path() {
   const char* const path = std::getenv("PATH");
   return path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
 }
 
-// A name without a slash is searched only where it is the user's, not where it is execve's.
+// A user's name without a slash is searched in PATH. A name from execve is not.
 program_to_run find(const options& chosen) {
   if (chosen.executable.empty()) return find_program(chosen.program, search_path());
   const std::string& name =
@@ -53,18 +53,18 @@ loaded_program load(const options& chosen, char** environment) {
   const program_to_run program = find(chosen);
   if (program.file.real_path() == launcher_path()) {
     throw launch_error(exit_status::cannot_run, program.executable_name +
-                                                    ": this is tessaly itself, which runs in no "
-                                                    "other; name the program alone");
+                                                    ": this is tessaly itself, and it cannot run "
+                                                    "under tessaly; give the program alone");
   }
   loaded_program loaded = load_program(program, collect(environment), auxiliary_vector(environment),
                                        chosen.advertise_sve);
-  // The process bears the program's name, as after exec.
+  // The process gets the program's name, as after exec.
   const std::string& name = program.executable_name;
   prctl(PR_SET_NAME, name.c_str() + name.rfind('/') + 1);
   return loaded;
 }
 
-// Programs that this one executes may be in another directory by then.
+// The program may have changed its directory when it executes another one.
 std::string absolute(const std::string& path) {
   return std::filesystem::absolute(path).lexically_normal();
 }

@@ -11,15 +11,16 @@ enum class requested_action { run, show_help, show_version, list_instructions };
 
 struct options {
   requested_action action = requested_action::run;
-  // argv for dr_client_main: the client library's path, then its arguments. Empty: our own client.
+  // argv for dr_client_main: the client library's path, then its arguments. Empty for our own
+  // client.
   std::vector<std::string> client;
-  // argv for the program, from the name that the user gave.
+  // argv for the program. It starts with the name that the user gave.
   std::vector<std::string> program;
-  // The file to run where it is not the one that argv[0] names; empty: it is.
+  // The file to run, if it is not the one that argv[0] names; otherwise empty.
   std::string executable;
-  // What the file is called in AT_EXECFN and as the process's name; empty: as `executable`.
+  // The name of the file in AT_EXECFN and of the process; if empty, `executable` is used.
   std::string executable_name;
-  // An open descriptor on the file that the program is not to inherit, or -1.
+  // A descriptor of the file that the program must not inherit, or -1.
   int executable_descriptor = -1;
   bool advertise_sve = false;
 };

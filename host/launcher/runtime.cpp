@@ -44,7 +44,7 @@ void run(const loaded_program& program) {
   initial.context.sp = program.stack_pointer;
   run_thread(initial);
   finish_thread(initial);
-  fatal("the initial thread came back from its end");
+  fatal("the initial thread returned from its end");
 }
 
 }  // namespace host

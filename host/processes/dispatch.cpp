@@ -16,7 +16,7 @@ system_call_handler handle_system_call = nullptr;
 
 constexpr std::uint64_t instruction_cache_line = 64;  // at least; CTR_EL0.IminLine may say less
 
-// Null: there is no code at pc, and the fault waits.
+// Returns null if there is no code at pc. The fault is then pending.
 const fragment* translate(thread_state& thread, std::uint64_t pc, const exit_record*& came_from) {
   if (const fragment* known = thread.cache.find(pc)) return known;
   const auto block = pc % 4 == 0 ? build_block(thread, pc) : std::nullopt;
@@ -84,8 +84,8 @@ class dispatcher {
     }
   }
 
-  // Whoever tells of stale code looks at in_cache afterwards, and this thread at stale code after
-  // it has set in_cache: one of the two sees the other.
+  // A thread that reports stale code checks in_cache afterwards, and this thread checks for stale
+  // code after it has set in_cache. So at least one of the two sees what the other did.
   void run_in_cache(const fragment& next) {
     thread_.in_cache = true;
     if (!thread_.stale.any()) {
@@ -116,7 +116,7 @@ class dispatcher {
   }
 
   thread_state& thread_;
-  const exit_record* came_from_ = nullptr;  // how the cache was left last, if that still exists
+  const exit_record* came_from_ = nullptr;  // the exit taken last, if it still exists
   bool ended_ = false;
 };
 

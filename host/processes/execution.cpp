@@ -34,7 +34,7 @@ namespace {
 
 launch_settings settings;
 
-// An error of the call; no user sees the text.
+// Makes the call fail with this error. No user sees the text.
 [[noreturn]] void fail(int error_number) {
   throw launch_error(exit_status::cannot_run, std::strerror(error_number), error_number);
 }
@@ -56,7 +56,7 @@ struct execution_request {
   std::uint64_t flags;
 };
 
-// The file, as the host opens it and as the kernel calls it.
+// The path by which the host opens the file, and the name that the kernel gives it.
 executable_file find_executable(const execution_request& request, const std::string& path) {
   const auto directory = static_cast<std::uint64_t>(request.directory);
   if (names_own_executable(directory, request.path)) {
@@ -91,7 +91,8 @@ void check_program(const input_file& file) {
 
 enum class verdict { launch, leave_to_kernel };
 
-// A launcher that the program starts by itself needs no second one around it. Throws launch_error.
+// If the program executes the launcher itself, that does not need a second launcher around it.
+// Throws launch_error.
 verdict judge(const executable_file& executable) {
   const program_to_run program = follow_scripts(executable, {""});
   if (!is_aarch64_program(program.file.bytes())) return verdict::leave_to_kernel;
@@ -100,12 +101,13 @@ verdict judge(const executable_file& executable) {
   return verdict::launch;
 }
 
-// A path that leads through the process's own descriptors need not lead there after exec.
+// A path through the process's own descriptors may lead elsewhere after exec.
 bool depends_on_descriptors(const std::string& path) {
   return path.starts_with("/proc/") || path.starts_with("/dev/");
 }
 
-// A script is opened again by its interpreter, by a name that a closed descriptor no longer has.
+// The interpreter opens a script again by its name. If that name goes through a descriptor that
+// exec closes, the interpreter cannot find it.
 bool is_lost_script(const execution_request& request, const executable_file& executable) {
   if (executable.path == executable.name || request.directory == AT_FDCWD) return false;
   if ((fcntl(request.directory, F_GETFD) & FD_CLOEXEC) == 0) return false;
@@ -113,9 +115,9 @@ bool is_lost_script(const execution_request& request, const executable_file& exe
   return file.bytes().size() > 2 && std::memcmp(file.bytes().data(), "#!", 2) == 0;
 }
 
-// All that the call itself needs. It is kept for the thread's next call: when a vforked child
-// executes a program, what it has allocated stays in memory that is its parent's, and so do its
-// descriptors' numbers, but not the descriptors.
+// Everything that the call itself needs. It is kept and used again by the thread's next call. A
+// vforked child that executes a program leaves its allocations behind in its parent's memory. It
+// leaves the number of its descriptor there too, but the descriptor itself is not the parent's.
 struct prepared_launch {
   std::vector<std::string> words;        // of the new launcher's command line, up to "--"
   std::vector<std::uint64_t> arguments;  // all of it: addresses of the words and of the program's
@@ -136,8 +138,8 @@ void add_words(const executable_file& executable, const std::string& path) {
   words.emplace_back("--");
 }
 
-// False: the application's array cannot be read, or nothing can have room for that many. As the
-// kernel has it, a program without arguments gets an empty one.
+// Returns false if the application's array cannot be read, or is longer than any kernel accepts. As
+// in the kernel, a program without arguments gets one empty argument.
 bool add_arguments(std::uint64_t array) {
   constexpr std::size_t limit = std::size_t{1} << 23;
   std::vector<std::uint64_t>& arguments = prepared.arguments;
@@ -155,7 +157,7 @@ bool add_arguments(std::uint64_t array) {
   return arguments.size() < limit;
 }
 
-// Errors that say nothing of the launcher.
+// The errors that are not the launcher's fault.
 bool is_programs_own_error(std::int64_t error) {
   switch (error) {
     case call_not_started:
@@ -168,8 +170,9 @@ bool is_programs_own_error(std::int64_t error) {
   }
 }
 
-// The signals are as the new program shall find them: what the application ignores and blocks,
-// the host's own signals included. A signal that comes now keeps the call from starting.
+// The new program inherits the signals that the application ignores and blocks, the host's own
+// signals included, so the kernel is told of them first. A signal that arrives now keeps the call
+// from starting.
 std::int64_t call_execve(thread_state& thread, std::uint64_t environment) {
   const std::uint64_t mask = block_signals(thread);
   std::int64_t result = call_not_started;
@@ -218,8 +221,8 @@ void prepare(const execution_request& request, const executable_file& executable
   fail(EFAULT);
 }
 
-// Where the kernel finds something wrong with the path, or a flag decides, it is the kernel that
-// says so.
+// If something is wrong with the path, or if a flag decides the result, the kernel makes the call
+// and returns the error.
 bool is_for_kernel(const execution_request& request, const std::optional<std::string>& path) {
   constexpr std::uint64_t known_flags = AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW;
   if (!path || (request.flags & ~known_flags) != 0) return true;
@@ -236,7 +239,7 @@ bool is_for_kernel(const execution_request& request, const std::optional<std::st
   return kernel_call(SYS_faccessat, directory, request.path, F_OK) < 0;
 }
 
-// False: the call is the kernel's.
+// Returns false if the kernel is to make the call as it is.
 bool prepare_if_ours(const execution_request& request) {
   const auto path = read_path(request.path);
   if (is_for_kernel(request, path)) return false;

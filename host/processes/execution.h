@@ -1,9 +1,10 @@
 // execve, under the same launcher and client.
 //
-// What can fail shall fail here, in the program that called: the file, its scripts' interpreters
-// and its own interpreter are looked at as the launcher will look at them. A file that is not for
-// this machine is the kernel's to judge, or a binfmt_misc handler's. Set-user-ID and capabilities
-// of a file have no effect, as under ptrace: the kernel executes the launcher.
+// The program that called can handle an error only before the kernel executes the new launcher. So
+// the file, the interpreters of scripts and the program's own interpreter are checked here, as the
+// launcher will check them. A file for another machine goes to the kernel, which may have a
+// binfmt_misc handler for it. The set-user-ID bits and capabilities of a file have no effect, as
+// under ptrace, because the kernel executes the launcher.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +15,7 @@ namespace host {
 
 struct thread_state;
 
-// How this launcher was started, for programs that the application executes.
+// How this launcher was started. Programs that the application executes start in the same way.
 struct launch_settings {
   std::string launcher;             // absolute
   std::vector<std::string> client;  // its path, absolute, and its arguments
@@ -22,7 +23,7 @@ struct launch_settings {
 };
 void set_launch_settings(const launch_settings& settings);
 
-// Both calls. Returns only if the program cannot be executed: a negative error number, or
+// execve and execveat. Returns only if the program cannot be executed: a negative error number, or
 // call_not_started.
 std::int64_t execute_program(thread_state& thread);
 

@@ -54,7 +54,7 @@ void give_registers(thread_context& context, const clone_request& request) {
   if (request.has(CLONE_SETTLS)) context.tpidr = request.tls;
 }
 
-// A signal that waits is the parent's. As the kernel does, the call is made again after it.
+// A pending signal is for the parent. As in the kernel, the call starts again after its handler.
 bool has_pending_signal(const thread_state& thread) {
   return thread.signals->pending.other.signal != 0;
 }
@@ -65,15 +65,15 @@ constexpr std::uint64_t fork_flags = CSIGNAL | CLONE_SETTLS | CLONE_PARENT_SETTI
                                      CLONE_CHILD_SETTID | CLONE_CHILD_CLEARTID | CLONE_PIDFD |
                                      CLONE_UNTRACED | CLONE_DETACHED;
 
-// The C library's fork is the only one that leaves the C library in order in the child, and it
-// knows none of the other flags.
+// Only the C library's own fork leaves the C library usable in the child, and that function takes
+// none of the other flags.
 void check_fork(const clone_request& request) {
   if (request.exit_signal() != SIGCHLD) refuse(request, "an exit signal other than SIGCHLD");
   if (request.has(CLONE_VFORK)) refuse(request, "CLONE_VFORK without CLONE_VM");
   if (request.has(~fork_flags)) refuse(request, "a process with other flags than fork's");
 }
 
-// What the kernel writes for the parent.
+// Writes what the kernel would write for the parent.
 std::int64_t announce_child(const clone_request& request, pid_t child) {
   if (request.has(CLONE_PARENT_SETTID)) write_to_application(request.parent_tid, child);
   if (request.has(CLONE_PIDFD)) {
@@ -107,8 +107,8 @@ std::int64_t fork_with_locks(thread_state& thread, const clone_request& request)
 
 // --- vfork -------------------------------------------------------------------------------------
 
-// What the kernel has for each of the two processes is one record here, on which the child works
-// first: its registers, its number, its view of signals.
+// The kernel keeps separate registers, numbers and signals for each of the two processes. Here both
+// use one record, and the child uses it first. This saves the parent's values and restores them.
 class parents_view {
  public:
   explicit parents_view(thread_state& thread)
@@ -152,7 +152,7 @@ struct vfork_birth {
   std::uint64_t mask;
 };
 
-// The child leaves by exec or exit, from within.
+// Never returns: the child ends by a system call, exec or exit.
 void run_vforked(void* argument) {
   const auto& birth = *static_cast<const vfork_birth*>(argument);
   thread_state& thread = birth.thread;
@@ -160,11 +160,11 @@ void run_vforked(void* argument) {
   thread.signals->actions = &birth.actions;
   thread.signals->pending = {};
   thread.process.is_vfork_child = true;
-  thread.process.clear_child_tid = 0;  // the kernel knows it
+  thread.process.clear_child_tid = 0;  // the kernel has it
   give_registers(thread.context, birth.request);
   thread.context.x[0] = 0;
   set_application_mask(thread, birth.mask);
-  for (;;) {  // the parent's end is not the child's
+  for (;;) {  // the child goes on even if the parent's process is ending
     run_blocks(thread);
     thread.stop_requested = false;
   }
@@ -183,8 +183,8 @@ void set_and_leave(void* flag) {
   kernel_call(SYS_exit_group, 0);
 }
 
-// qemu-user carries vfork out as fork, without the C library's care for other threads' locks. It
-// tells by refusing an end without a signal, which fork has not, either.
+// qemu-user treats vfork as fork, and does not protect the locks that other threads hold. It can be
+// recognised: it refuses a child that ends without a signal, as it does for fork.
 bool vfork_shares_memory() {
   static const bool shares = [] {
     volatile bool seen = false;

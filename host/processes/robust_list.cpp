@@ -12,8 +12,8 @@
 namespace host {
 namespace {
 
-// In an entry's address, bit 0 tells a mutex with priority inheritance: those the kernel knows
-// without the list.
+// Bit 0 of an entry's address marks a mutex with priority inheritance. The kernel knows these
+// mutexes without the list.
 class entry {
  public:
   explicit entry(std::uint64_t word) : word_(word) {}
@@ -26,8 +26,8 @@ class entry {
 
 void wake_one(std::uint64_t futex) { kernel_call(SYS_futex, futex, FUTEX_WAKE, 1); }
 
-// `pending`: the thread was taking or releasing this one, and may have released it without the
-// wake.
+// `pending` means that the thread was taking or releasing this mutex. It may have released it
+// without waking a waiter.
 void leave(std::uint64_t futex, const entry& of, pid_t owner, bool pending) {
   std::uint32_t seen = 0;
   if (futex % sizeof seen != 0 || !read_from_application(futex, seen)) return;
@@ -50,7 +50,8 @@ void leave_all(std::uint64_t address, pid_t owner) {
   const entry pending(address_of(head.list_op_pending));
   entry at(address_of(head.list.next));
   for (int left = ROBUST_LIST_LIMIT; left > 0 && at.address() != address; --left) {
-    std::uint64_t next = 0;  // read first: the mutex is another's as soon as it is left
+    std::uint64_t next =
+        0;  // read first: another thread may take the mutex as soon as it is released
     const bool readable = read_from_application(at.address(), next);
     if (at.address() != pending.address()) leave(futex_of(at), at, owner, false);
     if (!readable) return;

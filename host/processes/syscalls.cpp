@@ -46,7 +46,7 @@ mapping_change change_to(std::uint64_t protection) {
                                        : mapping_change::not_executable;
 }
 
-// mremap, with its arguments and result.
+// Notes the effect of an mremap with these arguments and this result.
 void note_moved(const std::uint64_t* x, std::uint64_t start) {
   const auto change =
       is_executable(x[0]) ? mapping_change::executable : mapping_change::not_executable;
@@ -87,7 +87,7 @@ std::int64_t clone(thread_state& thread) {
   return has(CLONE_THREAD) && !has(CLONE_VFORK) ? clone_thread(thread) : clone_process(thread);
 }
 
-// Files by which the application learns of itself.
+// The calls that may name a file in which the application reads about itself.
 std::int64_t call_with_path(const thread_state& thread, std::int64_t number) {
   std::array<std::uint64_t, 9> x{};
   std::copy_n(thread.context.x, x.size(), x.begin());
@@ -103,7 +103,8 @@ std::int64_t call_with_path(const thread_state& thread, std::int64_t number) {
   return application_call(x.data(), &thread.context.attention);
 }
 
-// A filter of system calls would judge the host's own, too, so this is a kernel without them.
+// A filter of system calls would apply to the host's own calls too. So the application sees a
+// kernel without such filters.
 std::int64_t control_process(thread_state& thread, const std::uint64_t* x) {
   switch (x[0]) {
     case PR_SET_SECCOMP:
@@ -135,8 +136,8 @@ std::int64_t call(thread_state& thread) {
     case SYS_pkey_mprotect:
     case SYS_mremap: return change_mapping(number, x);
     case SYS_clone: return clone(thread);
-    case SYS_clone3:  // C libraries go on with clone
-    case SYS_rseq:    // its critical sections would be copies in the cache
+    case SYS_clone3:  // C libraries then use clone
+    case SYS_rseq:    // the kernel would not recognise the translations of its critical sections
       return -ENOSYS;
     case SYS_set_robust_list: return set_robust_list(thread, x);
     case SYS_set_tid_address: return set_tid_address(thread);
@@ -176,7 +177,7 @@ after_call handle_system_call(thread_state& thread) {
   }
   const std::int64_t result = call(thread);
   if (result == call_not_started) {
-    thread.context.pc -= 4;  // to its SVC, for after the signal
+    thread.context.pc -= 4;  // back to its SVC, to make the call after the signal
   } else {
     thread.context.x[0] = static_cast<std::uint64_t>(result);
   }

@@ -40,7 +40,7 @@ void store_tid(std::uint64_t address, pid_t tid) { *pointer_to<pid_t>(address) =
 
 bool is_initial_thread(const thread_state& thread) { return thread.tid == getpid(); }
 
-// The flags of the child, written before either thread runs on.
+// Writes the child's number where the flags ask for it, before either thread continues.
 void announce(birth& b) {
   const pid_t tid = b.thread->tid;
   if ((b.flags & CLONE_PARENT_SETTID) != 0) store_tid(b.parent_tid, tid);
@@ -55,7 +55,7 @@ void* run_new_thread(void* argument) {
   install_signal_stack(thread);
   announce(b);
   const std::uint64_t mask = b.signal_mask;
-  b.ready.release();  // `b` is gone from here on
+  b.ready.release();  // `b` does not exist any more after this
   set_application_mask(thread, mask);
   run_thread(thread);
   finish_thread(thread);
@@ -83,8 +83,8 @@ bool start_host_thread(birth& b) {
   return error == 0;
 }
 
-// As the kernel does it: nothing of the application's memory is touched after this, and the wake is
-// not private.
+// As in the kernel, this is the thread's last access to the application's memory, and the wake is
+// not a private one.
 void clear_and_wake(std::uint64_t address) {
   if (address == 0) return;
   std::atomic_ref(*pointer_to<pid_t>(address)).store(0);
@@ -100,7 +100,7 @@ void clear_and_wake(std::uint64_t address) {
   std::exit(status);
 }
 
-// A vforked child takes nothing with it: its memory and its threads are its parent's.
+// A vforked child ends alone: its memory and its threads belong to its parent.
 [[noreturn]] void leave_vforked(int status) {
   for (;;) kernel_call(SYS_exit_group, static_cast<std::uint64_t>(status));
 }
@@ -126,7 +126,7 @@ std::int64_t clone_thread(thread_state& parent) {
   set_up_child(parent.context, child->context);
   attach_signals(*child, *parent.signals->actions);
   child->process.inherits_vector_length = parent.process.inherits_vector_length;
-  const std::uint64_t mask = block_signals(parent);  // the new thread has no stack for them yet
+  const std::uint64_t mask = block_signals(parent);  // the new thread has no stack for signals yet
   birth b = {.thread = child,
              .flags = parent.context.x[0],
              .parent_tid = parent.context.x[2],

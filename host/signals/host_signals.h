@@ -1,5 +1,5 @@
-// The signals that the host uses itself. It keeps their actions and mask bits from the kernel, and
-// gives the application what it would see if the kernel had them.
+// The signals that the host needs for itself. The kernel never learns the application's actions and
+// mask bits for them. The host stores these, and acts on them as the kernel would.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ inline constexpr std::array fault_signals = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SI
 
 bool is_fault_signal(int signal);
 
-// Faults and stop_signal.
+// The faults and stop_signal.
 bool is_host_signal(int signal);
 std::uint64_t host_signal_mask();
 

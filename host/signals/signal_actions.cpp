@@ -11,12 +11,12 @@ namespace {
 
 constexpr std::uint64_t all_signals = ~std::uint64_t{0};
 
-// Flags that change what the kernel does before or without the handler. SA_NODEFER and SA_RESETHAND
-// take effect at delivery, and the alternate stack is the host's.
+// The flags that change what the kernel does before the handler runs, or without it. The host
+// applies SA_NODEFER, SA_RESETHAND and SA_ONSTACK itself when it delivers the signal.
 constexpr std::uint64_t kernel_flags = SA_NOCLDSTOP | SA_NOCLDWAIT | SA_RESTART;
 
-// With all signals blocked, the interrupted thread takes no second one before it has seen to the
-// first.
+// The mask blocks all signals, so that a thread takes no second signal before the host has looked
+// at the first.
 kernel_action for_kernel(const kernel_action& action) {
   if (!action.has_handler()) return action;
   return {.handler = address_of(&signal_entry),

@@ -1,9 +1,9 @@
-// The application's signal actions: one table for a process, as the kernel has it.
+// The application's signal actions: one table for each process, as in the kernel.
 //
-// The kernel itself is told of SIG_DFL and SIG_IGN as they are, so that stops, ignored signals and
-// what exec inherits are its own business. In place of a handler it gets the host's entry. The
-// actions of the host's own signals (host/signals/host_signals.h) stay the host's whatever the
-// application asks.
+// The host passes SIG_DFL and SIG_IGN on to the kernel, which then handles stops, ignored signals
+// and the inheritance over exec by itself. In place of a handler the kernel gets the host's entry.
+// The kernel's actions for the host's own signals (host/signals/host_signals.h) never change,
+// whatever the application asks for.
 #pragma once
 
 #include <array>
@@ -17,21 +17,21 @@ namespace host {
 
 class signal_actions {
  public:
-  // What the process inherited.
+  // Starts with the actions that the process inherited.
   signal_actions();
   signal_actions(const signal_actions& other);
   signal_actions& operator=(const signal_actions&) = delete;
 
   [[nodiscard]] kernel_action get(int signal) const;
 
-  // Sets the action and returns the one before. The kernel's error number, negative, where it
-  // refuses.
+  // Sets the action and stores the previous one. Returns 0, or the kernel's negative error number.
   std::int64_t set(int signal, const kernel_action& action, kernel_action& previous);
 
-  // The action for a signal that is now delivered. SA_RESETHAND takes effect.
+  // The action for a signal that is being delivered. Applies SA_RESETHAND.
   kernel_action take(int signal);
 
-  // Before exec: actions that the kernel was not told of and that the new program inherits.
+  // Call before exec: tells the kernel which of the host's own signals the application ignores, as
+  // the new program inherits that.
   void tell_kernel_of_ignored() const;
 
  private:

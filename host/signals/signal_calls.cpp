@@ -31,7 +31,8 @@ std::uint64_t changed_mask(std::uint64_t how, std::uint64_t old, std::uint64_t s
   }
 }
 
-// Which argument points at a mask. pselect6 has a record of the mask's address and size there.
+// The argument that points at a mask. For pselect6 it points at a record of the mask's address and
+// size.
 constexpr std::size_t mask_argument(std::uint64_t number) {
   switch (number) {
     case SYS_rt_sigsuspend: return 0;

@@ -1,5 +1,5 @@
-// The application's system calls on signals. Each returns the kernel's result or negative error
-// number, for the arguments in x.
+// The application's system calls about signals. Each takes the call's arguments in x, and returns
+// what the kernel would: a result, or a negative error number.
 #pragma once
 
 #include <cstdint>
@@ -13,12 +13,12 @@ std::int64_t change_signal_mask(thread_state& thread, const std::uint64_t* x);  
 std::int64_t change_signal_stack(thread_state& thread, const std::uint64_t* x);  // sigaltstack
 std::int64_t get_pending_signals(thread_state& thread, const std::uint64_t* x);  // rt_sigpending
 
-// rt_sigtimedwait. Signals of faults that were sent wait with the host and not with the kernel.
+// rt_sigtimedwait. Fault signals that somebody sent are pending in the host, not in the kernel.
 std::int64_t wait_for_signal(thread_state& thread, const std::uint64_t* x);
 
-// Calls that wait under a mask of their own, in which the host's signals must not be:
-// rt_sigsuspend, ppoll, pselect6, epoll_pwait, epoll_pwait2. call_not_started as in
-// host/kernel/application_call.h.
+// The calls that wait under a mask of their own: rt_sigsuspend, ppoll, pselect6, epoll_pwait,
+// epoll_pwait2. The host's signals are taken out of that mask. Can return call_not_started
+// (host/kernel/application_call.h).
 std::int64_t wait_under_mask(thread_state& thread, const std::uint64_t* x);
 
 }  // namespace host

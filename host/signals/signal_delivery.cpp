@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::uint64_t never_blocked = signal_bit(SIGKILL) | signal_bit(SIGSTOP);
 
-// Returns the mask before.
+// Returns the previous mask.
 std::uint64_t set_kernel_mask(std::uint64_t mask) {
   std::uint64_t old = 0;
   kernel_call(SYS_rt_sigprocmask, SIG_SETMASK, address_of(&mask), address_of(&old), sizeof mask);
@@ -34,13 +34,15 @@ bool is_ignored_by_default(int signal) {
   return signal == SIGCHLD || signal == SIGURG || signal == SIGWINCH || signal == SIGCONT;
 }
 
-// The action has changed since the signal was taken, or it is one of the host's own.
+// The kernel would not have let a signal with a default action through. So either the action has
+// changed since the signal was taken, or this is one of the host's own signals.
 void act_by_default(const pending_signal& arrived) {
   if (is_ignored_by_default(arrived.signal)) return;
   die_by_signal(arrived.signal);
 }
 
-// Goes to the handler. `mask` is the application's; it becomes that of the handler.
+// Sends the context to the handler. `mask` comes in as the interrupted code's mask and goes out as
+// the handler's.
 void enter_handler(thread_state& thread, const pending_signal& arrived, const kernel_action& action,
                    std::uint64_t& mask) {
   const std::uint64_t interrupted_pc = thread.context.pc;
@@ -82,7 +84,7 @@ std::uint64_t block_signals(thread_state& thread) {
   return (mask & ~host_signal_mask()) | thread.signals->blocked_host_signals;
 }
 
-// While a signal waits, all stay blocked, and the mask waits with it.
+// While a signal is pending, all signals stay blocked, and the mask is kept in its record.
 void set_application_mask(thread_state& thread, std::uint64_t mask) {
   mask &= ~never_blocked;
   thread.signals->blocked_host_signals = mask & host_signal_mask();
@@ -106,7 +108,8 @@ void deliver_signals(thread_state& thread) {
     deliver_sent(thread, take(sent), mask);
   }
   if (pending.other.signal != 0) {
-    // The kernel has let it come, whatever the mask says that waits behind sigsuspend.
+    // The kernel let this signal through. The mask that sigsuspend brings back does not matter;
+    // only a handler entered above can have blocked it since.
     const pending_signal other = take(pending.other);
     if ((mask & ~interrupted_mask & signal_bit(other.signal)) != 0) {
       send_again(other.signal, other.info);

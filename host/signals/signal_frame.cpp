@@ -21,9 +21,10 @@ struct frame {
 };
 static_assert(sizeof(siginfo_t) == 128 && offsetof(ucontext_t, uc_sigmask) == 40 &&
                   offsetof(ucontext_t, uc_mcontext) == 176,
-              "the C library's types are the kernel's, but for the room behind the mask");
+              "the C library's types match the kernel's, except for the space after the mask");
 
-// What x29 points at in a handler: the interrupted function's, for those who walk the stack.
+// The frame record that x29 points at in a handler. It holds the interrupted function's x29 and
+// x30, so that a debugger can walk the stack.
 struct frame_record {
   std::uint64_t fp;
   std::uint64_t lr;
@@ -66,7 +67,8 @@ void write_registers(const thread_context& from, const pending_signal& arrived, 
                          .esr = arrived.syndrome});
 }
 
-// Where frames begin: the alternate stack's top if the action asks for it and it isn't in use.
+// The address below which the frame goes: the top of the alternate stack if the action asks for
+// that stack and it is not in use.
 std::uint64_t top_of_stack(const thread_state& thread, const kernel_action& action) {
   const bool alternate = (action.flags & SA_ONSTACK) != 0 && signal_stack_status(thread) == 0;
   if (!alternate) return thread.context.sp;
@@ -74,14 +76,14 @@ std::uint64_t top_of_stack(const thread_state& thread, const kernel_action& acti
          thread.signals->alternate_stack.ss_size;
 }
 
-// A program that was interrupted on its alternate stack must not run over that stack's end.
+// The frame of a program that is on its alternate stack must fit on that stack.
 bool overflows(const thread_state& thread, std::uint64_t sp) {
   return signal_stack_status(thread) == SS_ONSTACK && !is_on(thread.signals->alternate_stack, sp);
 }
 
-// The two instructions that C libraries and unwinders know as the return from a handler:
-// mov x8, #139 (rt_sigreturn); svc #0. The kernel has them in the vdso; this page isn't the
-// application's, but it may be read and run as that may.
+// C libraries and unwinders recognise the return from a handler by these two instructions:
+// mov x8, #139 (rt_sigreturn); svc #0. The kernel keeps them in the vdso. This page is the host's,
+// but the application may read and run it in the same way.
 std::uint64_t return_code() {
   static const std::uint64_t code = [] {
     constexpr std::uint32_t words[] = {0xd2801168, 0xd4000001};
@@ -115,7 +117,7 @@ void read_vectors(const fpsimd_context& from, thread_context& to) {
   std::memcpy(to.q, from.vregs, sizeof to.q);
 }
 
-// The records that a handler may have moved; the kernel looks for them by their heads as well.
+// A handler may have moved the records. Like the kernel, this finds them by their headers.
 void read_records(const mcontext_t& from, thread_context& to) {
   std::size_t at = 0;
   while (at + sizeof(fpsimd_context) <= sizeof from.__reserved) {
@@ -141,7 +143,7 @@ bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
   if (overflows(thread, sp)) return false;
   frame made{.info = arrived.info, .context = {}};
   made.context.uc_stack = thread.signals->alternate_stack;
-  // As in the kernel, it does not tell whether the stack is in use.
+  // As in the kernel, the frame does not say whether the stack is in use.
   if (signal_stack_status(thread) == SS_DISABLE) made.context.uc_stack.ss_flags |= SS_DISABLE;
   std::memcpy(&made.context.uc_sigmask, &mask, sizeof mask);
   write_registers(thread.context, arrived, made.context.uc_mcontext);

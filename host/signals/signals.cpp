@@ -26,12 +26,12 @@ constinit const host::exit_record interrupted_record = {.kind = host::exit_kind:
 namespace host {
 namespace {
 
-// A frame alone is 70 KB with long vectors. The size is also the stack's alignment: its lowest word
-// is its thread's address.
+// A signal frame with long vectors takes 70 KB. The stack is aligned to its size, and its lowest
+// word holds the address of the thread's record.
 constexpr std::size_t signal_stack_bytes = 256u << 10;
 
-// What the client asked for, by signal. Plain memory: actions are set as in any program, before
-// the fault that they are for.
+// The actions that the client set, by signal. They need no lock: as in any program, an action is
+// set before the fault that it is for.
 struct sigaction client_actions[NSIG];
 
 using sigaction_function = int (*)(int, const struct sigaction*, struct sigaction*);
@@ -45,10 +45,10 @@ bool has_handler(const struct sigaction& action) {
   return action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN;
 }
 
-// Signals that the client has ever asked for. It then tells of its own faults itself.
+// The signals for which the client has ever set a handler. It then reports its own faults itself.
 bool client_handled[NSIG];
 
-// False: the client has no handler for this signal.
+// Returns false if the client has no handler for this signal.
 bool call_client_handler(int signal, siginfo_t* info, void* context) {
   const struct sigaction action = client_actions[signal];
   if (!has_handler(action)) return false;
@@ -103,7 +103,7 @@ bool lies_between(std::uint64_t pc, std::uint64_t first, std::uint64_t last) {
   return pc >= first && pc < last;
 }
 
-// The kernel's number for the cause, among the records behind the registers.
+// The syndrome of a fault (ESR_EL1). The kernel stores it among the records after the registers.
 std::uint64_t syndrome_of(const mcontext_t& machine) {
   const unsigned char* at = machine.__reserved;
   const unsigned char* const end = at + sizeof machine.__reserved;
@@ -121,7 +121,7 @@ std::uint64_t syndrome_of(const mcontext_t& machine) {
   return 0;
 }
 
-// One signal on its way through the entry.
+// One signal that the entry has received.
 class arrival {
  public:
   arrival(thread_state& thread, int signal, siginfo_t& info, ucontext_t& context,
@@ -142,7 +142,7 @@ class arrival {
     }
   }
 
-  // Whether the thread is now the host's: it goes on with the host's TPIDR_EL0.
+  // Whether the thread will continue in the host's code, and so with the host's TPIDR_EL0.
   [[nodiscard]] bool has_left() const { return has_left_; }
 
  private:
@@ -177,7 +177,7 @@ class arrival {
     }
   }
 
-  // The fault repeats once the entry has returned; then the default action ends the process.
+  // The fault happens again when the entry returns, and then the default action ends the process.
   void end_by_own_fault() {
     if (!client_handled[signal_]) {
       print_line("%s in the launcher or its client, at %#llx, accessing %p", name_of(signal_),
@@ -193,7 +193,8 @@ class arrival {
       pending_signal& pending = thread_.signals->pending.sent_faults[index];
       if (pending.signal == 0) pending = as_pending();
     } else {
-      // Client code that longjmps out of a fault of its own brings its old mask back.
+      // Another signal can arrive here: client code that leaves its fault handler by longjmp
+      // restores the mask it had before.
       if (thread_.signals->pending.other.signal == 0) {
         thread_.signals->pending.other = as_pending();
       } else {
@@ -206,7 +207,8 @@ class arrival {
     come_to_dispatcher();
   }
 
-  // Code of the host or the client goes on, and will look at the attention word.
+  // If the signal interrupted the host or the client, nothing is done here: that code will check
+  // the attention word itself.
   void come_to_dispatcher() {
     const std::uint64_t pc = machine().pc;
     if (thread_.cache.contains(pc)) {
@@ -304,8 +306,8 @@ extern "C" void leave_after_call(host::thread_context* context, std::uint64_t re
   reinterpret_cast<host::thread_state*>(context)->cache.leave_soon_at(return_address);
 }
 
-// The client library's calls arrive here, since the launcher comes first among the libraries of
-// the process. An action for a fault is kept for the host's own entry to call.
+// The client library's calls of sigaction arrive here, because the launcher comes first in the
+// process's search order. The host's entry calls the handlers for faults that it stores.
 DR_EXPORT int sigaction(int signal, const struct sigaction* action,
                         struct sigaction* old) noexcept {
   if (!host::is_fault_signal(signal)) {

@@ -1,13 +1,13 @@
-// The one place where signals arrive, and how they wait for a point at which the application can
-// take them.
+// The one place where signals arrive. They are pending from then on, until the application can take
+// them.
 //
-// A signal may interrupt application code, which runs with the application's TPIDR_EL0 and stack,
-// or code of the client or the host. So the host's entry takes all of them, on a stack of its own
-// that knows its thread. A fault of application code gives the application's state at once. Any
-// other signal waits until the thread is between two blocks, where host/signals/signal_delivery.h
-// hands it to the application; the entry sees to it that the thread gets there soon. The client's
-// actions for faults, given by `sigaction` as in any program, are kept in a table and called from
-// here.
+// A signal can interrupt the application's code, which runs with the application's TPIDR_EL0 and
+// stack, or code of the client or the host. So the host's entry receives all signals, on a stack of
+// its own from which it finds the thread's record. After a fault in translated code, the
+// application's state is recovered at once. Any other signal stays pending until the thread is
+// between two blocks, where host/signals/signal_delivery.h delivers it. The entry makes the thread
+// leave the code cache soon. The client sets actions for faults with `sigaction`, as any program
+// does. They are kept in a table, and the entry calls them.
 #pragma once
 
 #include <csignal>
@@ -20,18 +20,18 @@ struct thread_state;
 
 void install_signal_handlers();
 
-// Gives the calling thread, to whose record signals are attached, the stack on which it takes them.
-// It must not take any before.
+// Gives the calling thread the stack on which it receives signals. Its record must have its part of
+// signals (attach_signals). No signal may arrive on the thread before this.
 void install_signal_stack(thread_state& thread);
 
-// What the kernel is told to call.
+// The handler that the kernel calls.
 extern "C" void signal_entry(int signal, siginfo_t* info, void* context);
 
-// Reports a fault of application code that the application doesn't handle, calls the client's
-// handler, and ends the process by the signal. The state is the thread's context.
+// Reports a fault of the application that it does not handle, calls the client's handler, and ends
+// the process by the signal. The application's state is in the thread's context.
 [[noreturn]] void end_by_fault(thread_state& thread, const pending_signal& fault);
 
-// Has the kernel keep a signal for the calling thread, where it is blocked.
+// Gives a signal back to the kernel, which keeps it until the calling thread unblocks it.
 void send_again(int signal, const siginfo_t& info);
 
 }  // namespace host

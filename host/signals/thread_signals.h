@@ -1,4 +1,4 @@
-// What the host keeps of signals for each thread.
+// The signals' part of a thread's record.
 #pragma once
 
 #include <array>
@@ -12,22 +12,22 @@ namespace host {
 class signal_actions;
 struct thread_state;
 
-// A signal that a thread has taken and the application has not.
+// A signal that the host has received and not yet delivered to the application.
 struct pending_signal {
   int signal = 0;  // 0: none
   siginfo_t info{};
-  std::uint64_t mask = 0;  // the thread's mask when it came
+  std::uint64_t mask = 0;  // the thread's mask when it arrived
   std::uint64_t fault_address = 0;
-  std::uint64_t syndrome = 0;  // ESR_EL1 of a fault, 0 if the kernel doesn't tell
+  std::uint64_t syndrome = 0;  // ESR_EL1 of a fault, 0 if the kernel does not give it
 };
 
-// All that waits on a thread. With one other signal waiting all are blocked, so there is one of
-// these; the host's own are never blocked really, but as with every standard signal only one of
-// each waits.
+// All pending signals of a thread. There is room for one ordinary signal, because all signals are
+// blocked while one is pending. The host's own signals are never really blocked. As with every
+// standard signal, only one of each kind is pending at a time.
 struct pending_signals {
   pending_signal fault;
   pending_signal other;
-  std::array<pending_signal, fault_signals.size()> sent_faults;  // by kill and kin
+  std::array<pending_signal, fault_signals.size()> sent_faults;  // by kill and the like
 };
 
 struct thread_signals {
@@ -38,8 +38,8 @@ struct thread_signals {
   void* entry_stack = nullptr;             // the host's own; kept when the record is used again
 };
 
-// Gives a thread's record its part of signals as it is at the thread's start. A record that is used
-// again keeps the part that it had.
+// Gives a thread's record its part of signals, in the state of a new thread. A record that is
+// reused already has the part; it keeps the entry's stack.
 void attach_signals(thread_state& thread, signal_actions& actions);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// What one thread has been told of code that has changed, and has not yet dropped.
+// The ranges of changed code whose translations one thread still has to drop.
 #pragma once
 
 #include <atomic>
@@ -14,12 +14,12 @@ class stale_code {
  public:
   using range = std::pair<std::uint64_t, std::uint64_t>;  // start and end
 
-  // From any thread. A range next to the last one makes one with it.
+  // Any thread may call this. A range that begins where the last one ends is joined to it.
   void add(std::uint64_t start, std::uint64_t end);
 
   [[nodiscard]] bool any() const { return any_; }
 
-  // On the thread itself.
+  // Only the thread itself may call this.
   std::vector<range> take();
 
  private:

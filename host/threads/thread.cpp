@@ -19,7 +19,7 @@ fork_safe_mutex registry_mutex;
 std::atomic<thread_state*> registry = nullptr;
 std::atomic<int> active_threads = 0;
 std::atomic<bool> ending = false;
-pid_t process_id = getpid();  // whose threads are registered; not that of a vforked child
+pid_t process_id = getpid();  // the process whose threads are registered, not a vforked child
 
 std::uint64_t read_tpidr() {
   std::uint64_t value = 0;
@@ -43,14 +43,14 @@ thread_state* add_record() {
 
 constexpr timespec a_moment = {.tv_sec = 0, .tv_nsec = 1'000'000};
 
-// Has the thread look at its attention word, wherever it is.
+// Makes the thread check its attention word, wherever it is.
 void poke(thread_state& thread) {
   std::atomic_ref(thread.context.attention).store(1);
   syscall(SYS_tgkill, process_id, thread.tid, stop_signal);
 }
 
-// A thread in the kernel may not answer for long, in a call that no signal ends; it will find the
-// request when it comes back.
+// A thread may be in a system call that no signal interrupts, and not answer for a long time. It
+// will find the request when the call returns.
 void wait_for_stop(thread_state& thread) {
   constexpr int attempts = 3000;
   for (int i = 0; i < attempts && thread.active; i++) nanosleep(&a_moment, nullptr);
@@ -109,7 +109,7 @@ thread_state* thread_of_cache_address(std::uint64_t address) {
 
 int active_thread_count() { return active_threads; }
 
-// The records of the others are not used again: they may have been in the middle of a change.
+// The records of the other threads are abandoned: fork may have caught them half-changed.
 void keep_only(thread_state& survivor) {
   survivor.next = nullptr;
   survivor.tid = static_cast<pid_t>(syscall(SYS_gettid));
@@ -144,7 +144,7 @@ void drop_translations_at_once(std::uint64_t start, std::uint64_t end) {
 
 bool stop_other_threads() {
   {
-    const std::lock_guard lock(registry_mutex);  // no thread is born from here on
+    const std::lock_guard lock(registry_mutex);  // no thread can start after this
     if (ending.exchange(true)) return false;
   }
   thread_state* const self = current_thread();

@@ -1,7 +1,8 @@
-// A thread of the application and all that the host keeps for it, and the registry of threads.
+// The record of an application's thread, with everything that the host keeps for it, and the
+// registry of these records.
 //
-// Records of ended threads are used again and never freed: the signal entry walks the registry
-// without a lock.
+// A record is never freed. When its thread has ended, another thread uses it. So the signal entry
+// can walk the registry without a lock.
 #pragma once
 
 #include <array>
@@ -22,19 +23,19 @@ struct thread_signals;
 
 inline constexpr int tls_field_count = 16;
 
-// Sent by one thread to another to have its attention: the process ends, or code has changed.
-// Nothing else on Linux uses it.
+// One thread sends this signal to another to get its attention, because the process is ending or
+// code has changed. Nothing else on Linux uses this signal.
 inline constexpr int stop_signal = SIGSTKFLT;
 
-// What the kernel would keep for a thread; the calls in host/processes see to it.
+// What the kernel would otherwise keep for a thread. The calls in host/processes use it.
 struct thread_process {
   std::uint64_t clear_child_tid = 0;    // where the thread's number is cleared at its end
-  std::uint64_t robust_list = 0;        // that the kernel knows; 0: none
-  bool is_vfork_child = false;          // its memory and all records are its parent's
+  std::uint64_t robust_list = 0;        // as registered with the kernel, or 0
+  bool is_vfork_child = false;          // its memory and all records belong to its parent
   bool inherits_vector_length = false;  // PR_SVE_VL_INHERIT
 };
 
-// The record has a part for each floor that keeps something for a thread.
+// The record has one part for each floor that keeps something for a thread.
 struct thread_state : followed_by_branch_tables {
   // Translation.
   thread_context context{};  // first: X28 points here, and a drcontext is this record's address
@@ -56,40 +57,41 @@ struct thread_state : followed_by_branch_tables {
   void reset();
 };
 
-// The record of the calling thread; null on a thread that the host did not start.
+// The record of the calling thread, or null on a thread that the host did not start.
 thread_state* current_thread();
 
-// A record for a new thread, registered as active; null if the process is ending.
+// A record for a new thread, registered as active, or null if the process is ending.
 thread_state* acquire_thread();
 
-// Makes the record the calling thread's: its number, its TPIDR_EL0.
+// Makes this the record of the calling thread, and stores the thread's number and TPIDR_EL0 in it.
 void bind_thread(thread_state& thread);
 
-// Takes the thread out of the active ones. Returns how many are left.
+// Marks the thread as no longer active. Returns how many active threads are left.
 int retire_thread(thread_state& thread);
 
-// Makes the record available again; the thread must not touch it any more.
+// Makes the record available to other threads. Its thread must not touch it after this.
 void release_thread(thread_state& thread);
 
-// The thread in whose code cache an address lies, or null. Safe in a signal handler.
+// The thread whose code cache contains an address, or null. Safe in a signal handler.
 thread_state* thread_of_cache_address(std::uint64_t address);
 
 int active_thread_count();
 
-// After fork, in the child: no other thread is left. To be called with all locks held.
+// Call after fork in the child, where no other thread exists, with all locks held.
 void keep_only(thread_state& survivor);
 
 void for_each_active_thread(const std::function<void(thread_state&)>& visit);
 
-// Makes every thread drop its translations of a range when it next leaves the cache or comes to an
+// Makes every thread drop its translations of a range when it next leaves the cache or reaches an
 // ISB.
 void drop_translations(std::uint64_t start, std::uint64_t end);
 
-// The same, and returns when no other thread runs any of them.
+// The same, but returns only when no other thread runs any of them.
 void drop_translations_at_once(std::uint64_t start, std::uint64_t end);
 
-// Takes all other threads out of their code, runs their thread-exit events, and keeps them from
-// running on. False: another thread has begun this already, and the caller is to stop as well.
+// Stops all other threads: each leaves its code, runs its thread-exit events, and does not
+// continue. Returns false if another thread has already begun this. The caller must then stop as
+// well.
 bool stop_other_threads();
 
 bool process_is_ending();
