@@ -1,5 +1,5 @@
-// Encodings of the few instructions that the host itself puts into the cache, and the buffer that
-// they go to. Register numbers are 0 to 31; displacements and offsets are in bytes.
+// Encodings of the few instructions that the host itself puts into the cache, and the buffer for
+// them. Register numbers are 0 to 31; displacements and offsets are in bytes.
 #pragma once
 
 #include <cstdint>
@@ -90,7 +90,7 @@ constexpr std::uint32_t bfi(unsigned d, unsigned n, unsigned position, unsigned 
   return 0xb3400000 | (64 - position) << 16 | (width - 1) << 10 | n << 5 | d;
 }
 
-// The home of a register, to and from it.
+// Loads a register from its home, and stores it there.
 constexpr std::uint32_t load_home(unsigned reg) { return ldr(reg, context_register, reg * 8); }
 constexpr std::uint32_t store_home(unsigned reg) { return str(reg, context_register, reg * 8); }
 

@@ -30,7 +30,7 @@ void emit_direct(const control_flow& branch, std::uint64_t pc, block_code& out) 
   emit_exit({.kind = exit_kind::direct, .target = branch.target}, out);
 }
 
-// The same condition over another distance, which must fit even TBZ.
+// The same condition with another offset, which must be small enough for TBZ.
 std::uint32_t with_offset(std::uint32_t word, unsigned offset) {
   const bool is_test = (word & 0x7e000000) == 0x36000000;
   const std::uint32_t offset_mask = is_test ? 0x3fffu << 5 : 0x7ffffu << 5;
@@ -54,7 +54,7 @@ void emit_conditional(std::uint32_t word, const control_flow& branch, std::uint6
   emit_exit(taken, out);
 }
 
-// X0 holds the target; its own value is at home, and so is that of X1.
+// X0 holds the target. The application's X0 and X1 are at home.
 void emit_authentication(const control_flow& branch, block_code& out) {
   if (branch.authenticate == 0) return;
   out.map.back().borrowed = 0b11;
@@ -67,7 +67,7 @@ void emit_authentication(const control_flow& branch, block_code& out) {
                                          : branch.authenticate);
 }
 
-// Leaves the target in X0, and X0 and X1 at home.
+// Leaves the target in X0, and the application's X0 and X1 at home.
 void emit_target(const control_flow& branch, block_code& out) {
   out.code.push_back(a64::stp(0, 1, context_register, 0));
   if (branch.reg == context_register) {
@@ -78,7 +78,7 @@ void emit_target(const control_flow& branch, block_code& out) {
   emit_authentication(branch, out);
 }
 
-// Whether the branch's register still holds the target when it is taken, as the application has it.
+// Whether the branch's register still holds the application's target when the branch is taken.
 bool has_table(const control_flow& branch) {
   const bool is_overwritten = branch.links && branch.reg == 30;
   return branch.authenticate == 0 && branch.reg != context_register &&
@@ -98,7 +98,7 @@ void emit_indirect(const control_flow& branch, std::uint64_t pc, block_code& out
   }
 }
 
-// Takes note of the words from `index` on that are still open.
+// Records the words from `index` on that are still open.
 void note_open_words(std::uint32_t index, const mangling& done, block_code& out) {
   for (; index < out.code.size(); index++) {
     if (out.code[index] == reload_context) out.reloads.push_back(index);

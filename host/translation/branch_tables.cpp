@@ -12,7 +12,7 @@ std::uint64_t* branch_table(void* context, unsigned reg) {
                                    branch_table_of(reg) * branch_table_bytes);
 }
 
-// Aligned, so that BFI may replace bits of the record's address.
+// Aligned, so that BFI can replace low bits of the record's address.
 void* followed_by_branch_tables::operator new(std::size_t size) {
   if (size > branch_slot_displacement) fatal("a record of %zu bytes runs into its tables", size);
   constexpr std::size_t reserved = branch_region_bytes + branch_table_bytes;

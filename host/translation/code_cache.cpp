@@ -16,25 +16,25 @@ namespace {
 constexpr std::size_t arena_bytes = 64u << 20;
 static_assert(arena_bytes <= 128u << 20, "B and BL must reach from one end to the other");
 
-// What bounds the memory beside the arena.
+// Bounds the memory that is used besides the arena.
 constexpr std::size_t max_fragments = 1u << 17;
 
 constexpr std::size_t chunk_words = (32u << 10) / 4;
 static_assert(chunk_words * 4 <= 32u << 10, "TBZ must reach from one end to the other");
 
-// A larger block gets a chunk of its own size. TBZ still reaches its stub, since it is the block's
-// last word but one and the stub is the nearest thing behind.
+// A larger block gets a chunk of its own size. TBZ still reaches its stub there: it is the block's
+// last word but one, and its stub lies just behind the block.
 constexpr std::size_t max_chunk_words = (1u << 20) / 4;
 static_assert(max_chunk_words * 4 <= 1u << 20, "LDR (literal) must reach the end");
 
-// Entries that a lookup may touch: the mask selects one of 2^n, and probing goes on upward without
-// wrapping round, through as many more.
+// The number of entries in the lookup. The mask selects one of 2^n. Probing goes upward from there
+// without wrapping round, so overflow_entries follow the last.
 constexpr std::size_t first_lookup_entries = 1u << 10;
 constexpr std::size_t last_lookup_entries = 1u << 18;
 constexpr std::size_t overflow_entries = 64;
 constexpr std::size_t entry_bytes = 16;
 
-// Indirect branches that were not found in the cache, by register.
+// Exit records for indirect branches whose target was not found in the cache, by register.
 constexpr auto indirect_records = [] {
   std::array<exit_record, 32> records{};
   for (unsigned reg = 0; reg < records.size(); reg++) {
@@ -43,7 +43,8 @@ constexpr auto indirect_records = [] {
   return records;
 }();
 
-// Expects X30 at home and the address of the record's address in X30.
+// Expects the application's X30 at home. X30 is the address of a word that holds the record's
+// address.
 constexpr std::array<std::uint32_t, 3> exit_words = {
     a64::store_home(0),                                 // str x0, [x28]
     a64::ldr(0, context_register, CONTEXT_EXIT_ENTRY),  // ldr x0, [x28, #328]
@@ -53,14 +54,16 @@ constexpr std::array<std::uint32_t, 3> exit_words = {
 constexpr std::size_t stub_words = 4;
 constexpr std::size_t literal_words = 2;
 constexpr std::size_t plain_entry_words = 2;      // with the branch to the code
-constexpr std::size_t checked_entry_words = 4;    // and what follows them, or the branch
-constexpr std::size_t conflict_branch_words = 2;  // one, and one to keep to even numbers
+constexpr std::size_t checked_entry_words = 4;    // LDR, SUB, CBNZ, LDR
+constexpr std::size_t conflict_branch_words = 2;  // the branch, and one word of padding
 constexpr std::uint32_t enter_lookup = a64::b(0);
 
-// Whether the next fragment may take the place of its last branch. drop() needs the first word.
+// Whether the next fragment may take the place of this one's last branch. drop() overwrites the
+// first word, so that word must stay.
 bool may_run_on(const fragment& before) { return before.successor == nullptr && before.size > 1; }
 
-// Keeps what cannot be told from the entry before, if both instructions went in as they are.
+// Leaves out each entry that follows from the one kept before it: both instructions were copied as
+// they are, and the address advanced with each word.
 std::vector<translated_pc> without_the_regular(const std::vector<translated_pc>& map) {
   std::vector<translated_pc> kept;
   for (const translated_pc& next : map) {
@@ -147,7 +150,7 @@ void code_cache::emit_shared_routines() {
   synchronise(exit_routine_, cursor_);
 }
 
-// Both expect the target in the register, and any value in X28.
+// Both expect the target in the register. X28 may hold anything.
 void code_cache::emit_routines_of(unsigned reg) {
   leave_routines_[reg] = cursor_;
   emit_reload(cursor_);
@@ -187,7 +190,7 @@ const fragment* code_cache::install(std::uint64_t pc, const block_code& block,
   return &made;
 }
 
-// Everything before the code itself.
+// Emits everything that comes before the code itself.
 void code_cache::begin_fragment(fragment& made, const exit_record* came_from) {
   const bool is_direct = came_from != nullptr && came_from->kind == exit_kind::direct;
   const bool is_indirect = came_from != nullptr && came_from->kind == exit_kind::indirect;
@@ -207,7 +210,7 @@ void code_cache::begin_fragment(fragment& made, const exit_record* came_from) {
   }
 }
 
-// The branch is that of the last exit of the fragment before.
+// The branch belongs to the last exit of the fragment before.
 void code_cache::take_place_of_last_branch(fragment& made) {
   fragment& before = fragments_[fragments_.size() - 2];
   before.runs_into = &made;
@@ -234,7 +237,7 @@ void code_cache::emit_checked_entry(std::uint32_t*& at, std::uint64_t pc, unsign
   emit_reload(at);
 }
 
-// The exits' records, their stubs, and the constants.
+// Makes the exits' records and stubs, and the constants.
 void code_cache::close_open_words(const block_code& block, fragment& made) {
   made.first_exit = exits_.size();
   made.exit_count = block.exits.size();
@@ -293,7 +296,7 @@ void code_cache::admit_to_table(const fragment& target, unsigned reg) {
   if (entry != nullptr) branch_table(&context_, reg)[target.pc % branch_slots] = address_of(entry);
 }
 
-// Null: there is no room any more, which the next block will find.
+// Returns null if no room is left. The next block to be installed will find that out.
 std::uint32_t* code_cache::checked_entry_of(const fragment& target, unsigned reg) {
   if (target.checked != nullptr && target.checked_register == reg) return target.checked;
   constexpr std::size_t words_of_entry = checked_entry_words + 2;

@@ -1,23 +1,24 @@
-// One thread's code cache: translated blocks, the way to find them, and the routines that they
-// share. No other thread runs code from here, and only this thread changes it.
+// One thread's code cache: the translated blocks, the means to find them, and the routines that
+// they share. Only this thread runs code from here, and only this thread changes it.
 //
-// The arena is filled chunk by chunk; the first begins with the shared routines. In a chunk, blocks
-// grow upward from its start, and what they seldom run or only read grows downward from its end:
-// stubs of exits that are not linked, constants, entries. A block whose way in is the last branch
-// before it takes that branch's place, so that code runs on. All words of a chunk reach one another
-// by any branch and by LDR (literal).
+// The arena is filled chunk by chunk. The first chunk begins with the shared routines. Blocks grow
+// upward from the start of a chunk. What they only read or seldom run grows downward from its end:
+// exit stubs, constants and entries. If the last branch of one block leads to the block right
+// behind it, that block takes the branch's place, and the code falls through. Within a chunk, every
+// branch and every LDR (literal) reaches its target.
 //
-// Only X28 is ours in the cache, and code may use it for more than the context as long as it loads
-// it again: each chunk holds the context's address for that. Where the cache is entered, and at the
-// other end of an indirect branch, X28 is not the context, and an entry loads it:
+// X28 is the only register that is ours in the cache. It holds the context's address. Code may use
+// it for something else if it loads the context's address again afterwards; each chunk holds that
+// address as a constant. When the cache is entered, and after an indirect branch, X28 is not the
+// context's address, and an entry loads it:
 //
 //   ldr  x28, pc                    checked entry, from the branch table of XN
 //   sub  x28, x28, xN
 //   cbnz x28, conflict
 //   ldr  x28, context               plain entry
 //
-// When the arena or its directory is full, or code was unmapped, everything is dropped at once; the
-// caller must not be about to run any of it.
+// When the arena or its directory is full, the caller flushes, and every translation is dropped at
+// once. It must not be about to run any of them.
 #pragma once
 
 #include <array>
@@ -35,19 +36,19 @@ namespace host {
 
 struct fragment {
   std::uint64_t pc = 0;
-  std::uint64_t end = 0;  // behind its last instruction
+  std::uint64_t end = 0;  // address after its last instruction
   std::uint32_t* code = nullptr;
   std::uint32_t size = 0;            // in words
   std::uint32_t* entry = nullptr;    // plain
-  std::uint32_t* checked = nullptr;  // entry for `checked_register`, if it stands before the code
+  std::uint32_t* checked = nullptr;  // entry for `checked_register` right before the code, if any
   unsigned checked_register = no_table;
   unsigned jump_register = no_table;
-  std::uint32_t* jump = nullptr;        // the indirect branch at the end, if it is one
-  const fragment* runs_into = nullptr;  // whose code took the place of the last branch
+  std::uint32_t* jump = nullptr;        // the indirect branch at the end, if there is one
+  const fragment* runs_into = nullptr;  // the fragment whose code took the last branch's place
   std::size_t first_exit = 0;           // in code_cache::exits_
   std::size_t exit_count = 0;
-  exit_record* successor = nullptr;  // of a dropped one: to the new translation of its pc
-  std::vector<translated_pc> map;    // where the address does not just go on by words
+  exit_record* successor = nullptr;  // of a dropped fragment: the exit to the new translation
+  std::vector<translated_pc> map;    // only entries that do not follow from the one before
 };
 
 class code_cache {
@@ -62,41 +63,43 @@ class code_cache {
   }
   const fragment* find(std::uint64_t pc) const;
 
-  // Copies a block into the arena, in the place that suits the exit by which it was come to, if
-  // any. Null: no room; flush and try again.
+  // Copies a block into the arena, placed to suit the exit that led here, if any. Returns null if
+  // there is no room: flush and try again.
   const fragment* install(std::uint64_t pc, const block_code& block,
                           const exit_record* came_from = nullptr);
 
   // Makes the exit's branch go straight to the fragment.
   static void link(const exit_record& exit, const fragment& target);
 
-  // Makes indirect branches by the register find the fragment in the cache, or, by no_table, those
-  // that go by the shared lookup alone.
+  // Lets indirect branches through register `reg` find the fragment within the cache. With
+  // no_table, only branches that use the shared lookup find it.
   void admit(const fragment& target, unsigned reg);
 
   // Drops all translations.
   void flush();
 
-  // Drops those of application code in a range. Their first words become exits, so that all who
-  // still come there go on to what is translated anew. False: there is no room for that.
+  // Drops the translations of application code in a range. Their first words become exits, so code
+  // still linked to them reaches the new translation. Returns false if there is no room for the
+  // exits.
   bool drop(std::uint64_t start, std::uint64_t end);
 
-  // For a signal handler on the cache's own thread, interrupted in the arena: makes the block that
-  // runs, or is about to run, leave to the dispatcher at its end, whatever it was linked to.
+  // For a signal handler that has interrupted the cache's own thread in the arena. The block that
+  // runs, or is about to run, will leave to the dispatcher at its end, whatever it was linked to.
   void leave_soon(mcontext_t& interrupted);
 
-  // The same for the block that holds an address: where a call of the client's returns to.
+  // The same for the block that contains `address`, where a call to the client returns.
   void leave_soon_at(std::uint64_t address);
 
-  // To be called when the thread has left the cache: undoes leave_soon, but for direct exits, which
+  // Call it when the thread has left the cache. Undoes leave_soon, except for direct exits: they
   // are linked again when they are next taken.
   void settle();
 
-  // Makes the context the application's state before the instruction whose translation was
-  // interrupted, which must be by a fault of the instruction itself. TPIDR_EL0 is left alone.
+  // Fills the context with the application's state before the instruction whose translation was
+  // interrupted. The interruption must be a fault of that instruction itself. TPIDR_EL0 is left
+  // alone.
   void recover(const mcontext_t& interrupted, thread_context& context) const;
 
-  // The application address of an instruction in the arena, or 0 outside of blocks.
+  // The application address of an instruction in the arena, or 0 outside blocks.
   std::uint64_t application_pc(std::uint64_t address) const { return at(address).pc; }
 
  private:
@@ -144,7 +147,7 @@ class code_cache {
   std::uintptr_t end_;
   std::uint32_t* cursor_ = nullptr;
   std::uint32_t* far_ = nullptr;     // the lowest word taken from the chunk's end
-  std::uint32_t* reload_ = nullptr;  // the context's address in this chunk
+  std::uint32_t* reload_ = nullptr;  // where this chunk holds the context's address
   std::uint32_t* next_chunk_ = nullptr;
   std::uint32_t* exit_routine_ = nullptr;
   std::uint32_t* lookup_routine_ = nullptr;
@@ -157,7 +160,7 @@ class code_cache {
   std::unordered_map<std::uint64_t, fragment*> by_pc_;
   std::vector<branch_entry> lookup_;
   std::size_t lookup_used_ = 0;
-  const fragment* leaving_ = nullptr;  // that leave_soon was done to
+  const fragment* leaving_ = nullptr;  // the fragment that leave_soon changed
 };
 
 }  // namespace host

@@ -1,5 +1,5 @@
-// A signal finds its thread anywhere in the cache: in a block, in an entry, a stub or a routine.
-// What happens then is told by the word that it stands at.
+// A signal can interrupt its thread anywhere in the cache: in a block, an entry, a stub or a shared
+// routine. The interrupted word shows which of them it was, and that decides what happens.
 #include <algorithm>
 #include <asm/sigcontext.h>
 #include <cstring>
@@ -18,7 +18,7 @@ bool is_load_of_x28(std::uint32_t word) { return (word & 0xff00001f) == (0x58000
 bool is_check(std::uint32_t word) { return (word & 0xffe0ffff) == a64::sub(28, 28, 0); }
 bool is_branch_to_conflict(std::uint32_t word) { return (word & 0xff00001f) == a64::cbnz(28, 0); }
 
-// The kernel always writes this record, and always before those that may lie elsewhere.
+// The kernel always writes this record, and writes it before those that may lie elsewhere.
 const fpsimd_context& vectors_of(const mcontext_t& interrupted) {
   const auto* record = reinterpret_cast<const _aarch64_ctx*>(interrupted.__reserved);
   while (record->magic != FPSIMD_MAGIC) {
@@ -53,8 +53,9 @@ void code_cache::leave_lookup(mcontext_t& interrupted, std::size_t index) {
   interrupted.pc = address_of(lookup_routine_ + miss);
 }
 
-// Entries, stubs and the shared routines. An entry that has not yet loaded X28 again, and a routine
-// for a conflict, have changed nothing else, so the branch is as good as not found.
+// Handles entries, stubs and shared routines. An entry that has not yet loaded X28 again has
+// changed nothing else, and neither has a conflict routine. So the branch's target counts as not
+// found.
 void code_cache::leave_outside_of_blocks(mcontext_t& interrupted) {
   const auto* const pc = pointer_to<const std::uint32_t>(interrupted.pc);
   const auto leave_by = [&](unsigned reg) { interrupted.pc = address_of(leave_routines_[reg]); };
@@ -81,8 +82,8 @@ const fragment* code_cache::fragment_behind_entry(const std::uint32_t* entry) co
   return is_b(*next) ? fragment_at(address_of(target_of_b(next))) : nullptr;
 }
 
-// With what it runs into: there is no branch between. Only what leave_soon was done to can run
-// until the thread has left, so that once is enough.
+// Includes the fragments that it runs into, since no branch lies between them. Until the thread has
+// left the cache, it can only run the fragments changed here, so doing this once is enough.
 void code_cache::leave_from(const fragment* running) {
   if (running == nullptr || leaving_ != nullptr) return;
   leaving_ = running;
@@ -136,7 +137,8 @@ const fragment* code_cache::fragment_at(std::uint64_t address) const {
   return word < found.code + found.size ? &found : nullptr;
 }
 
-// Between two entries of the map, addresses go on by words, as far as there are any.
+// Between two entries of the map, the address advances with each word, but not past the last
+// instruction before the next entry.
 translated_pc code_cache::at(std::uint64_t address) const {
   const fragment* const found = fragment_at(address);
   if (found == nullptr) return {};

@@ -1,5 +1,5 @@
-// Words that the code cache writes and, where a signal finds a thread among them, has to know
-// again: branches, and the routine that looks up the targets of indirect branches.
+// Words that the code cache writes and must recognise when a signal interrupts a thread there:
+// branches, and the routine that looks up the targets of indirect branches.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ inline bool reaches(std::uint32_t word, std::int64_t bytes) {
   return bytes >= -limit && bytes < limit;
 }
 
-// The branch word with another distance: B, B.cond, CBZ or TBZ.
+// The same branch (B, B.cond, CBZ or TBZ) over another distance.
 inline std::uint32_t with_distance(std::uint32_t word, std::int64_t bytes) {
   const auto units = static_cast<std::uint32_t>(bytes / 4);
   if (is_b(word)) return a64::b(bytes);
@@ -50,8 +50,9 @@ inline void unlink(const exit_record& exit) {
   write(exit.branch, with_distance(*exit.branch, distance(exit.branch, exit.stub)));
 }
 
-// Expects the target in X0, and X0 and X1 at home. Found: goes to the target's plain entry with all
-// other registers restored. Not found: the target goes to thread_context::pc.
+// Expects the target in X0, and the application's X0 and X1 at home. If the target is found, goes
+// to its plain entry with all other registers restored. If not, stores the target to
+// thread_context::pc.
 inline constexpr std::array<std::uint32_t, 16> lookup_words = {
     0xa9010f82,  // stp  x2, x3, [x28, #16]
     0xa9538f82,  // ldp  x2, x3, [x28, #312]   table and mask
@@ -72,9 +73,9 @@ inline constexpr std::array<std::uint32_t, 16> lookup_words = {
 };
 static_assert(CONTEXT_BRANCH_TABLE == 312 && CONTEXT_PC == 256 && CONTEXT_ENTRY == 432);
 
-// Places in it, by the index of a word.
+// Indices of words in the routine.
 inline constexpr std::size_t lookup_restored = 11;  // X0 and X1 are the application's again
 inline constexpr std::size_t lookup_missed = 13;
-inline constexpr std::size_t lookup_missed_early = 14;  // if X2 and X3 are the application's
+inline constexpr std::size_t lookup_missed_early = 14;  // if X2 and X3 are still the application's
 
 }  // namespace host

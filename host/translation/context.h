@@ -1,8 +1,9 @@
-// What code in the cache knows of its thread: the record that X28 points at while it runs.
+// What cache code knows about its thread: the record that X28 points at while the code runs.
 //
-// Every register of the application has a home here. Whoever borrows a register in cache code
-// keeps the application's value in its home meanwhile, so nothing is ever stored on the
-// application's stack, and the state can be told at any instruction. X28 itself is always at home.
+// Every register of the application has a home here. Cache code that borrows a register keeps the
+// application's value in its home meanwhile. So nothing is ever stored on the application's stack,
+// and the application's state is known at every instruction. X28 itself is at home, except where
+// another register holds its value (host/translation/mangle.h).
 #pragma once
 
 #include <cstddef>
@@ -29,9 +30,9 @@ struct alignas(16) thread_context {
   std::uint64_t exit_entry;  // leave_cache_with_record
   std::uint64_t call_entry;  // call_client
   const exit_record* exit;   // how the cache was left
-  std::uint64_t attention;   // a signal, a flush or the end waits: leave the cache soon
+  std::uint64_t attention;   // set: a signal, stale code or the end is pending; leave soon
   std::uint64_t slots[9];    // the client's save slots
-  std::uint64_t entry;       // of the block that runs next, while X28 is needed to jump there
+  std::uint64_t entry;       // the next block's entry, to load into X28 and jump there
   alignas(16) std::uint8_t q[32][16];
 };
 

@@ -1,8 +1,8 @@
-// The ways between C++ and the code cache. X28 is the thread's context throughout.
+// Switches between C++ and the code cache. X28 points at the thread's context throughout.
 //
-// enter_cache is an ordinary function for its caller; it returns when the cache is left. In the
-// cache all registers are the application's, TPIDR_EL0 and SP too. The registers that a C++ caller
-// expects to be kept wait on the host stack, above CONTEXT_HOST_SP.
+// To its caller, enter_cache is an ordinary function. It returns when the cache is left. In the
+// cache all registers but X28 are the application's, including TPIDR_EL0 and SP. The registers that
+// a C++ caller expects to be preserved wait on the host stack, at CONTEXT_HOST_SP.
 
 #include "host/translation/context_offsets.h"
 
@@ -10,8 +10,8 @@
 
 // void enter_cache(thread_context* context, const void* code)
 //
-// No register is left to jump with once all are the application's but X28, and so the code begins
-// with the load of X28.
+// Once all other registers are the application's, only X28 is left to jump with. So the code at
+// every entry begins by loading X28 again.
   .globl enter_cache
   .hidden enter_cache
   .type enter_cache, %function
@@ -87,7 +87,8 @@ enter_cache_prepared:
 enter_cache_end:
   .size enter_cache, . - enter_cache
 
-// From the cache: X0 and X30 are at home, and X30 points at the address of an exit record.
+// Reached from the cache. The application's X0 and X30 are at home, and X30 points at the address
+// of an exit record.
   .globl leave_cache_with_record
   .hidden leave_cache_with_record
   .type leave_cache_with_record, %function
@@ -142,8 +143,8 @@ leave_cache_with_record:
   b leave_cache
   .size leave_cache_with_record, . - leave_cache_with_record
 
-// Returns to the caller of enter_cache. Needs X28 and the host's TPIDR_EL0, and nothing else: the
-// signal entry goes on here with a thread whose state it has seen to.
+// Returns to the caller of enter_cache. Needs only X28 and the host's TPIDR_EL0: the signal entry
+// sends a thread here once it has taken care of the thread's state.
   .globl leave_cache
   .hidden leave_cache
   .type leave_cache, %function
@@ -169,9 +170,9 @@ leave_cache:
   ret
   .size leave_cache, . - leave_cache
 
-// From the cache, by BLR: calls the function in X9 with the arguments in X0 to X7, on the host
-// stack and with the host's TPIDR_EL0. FPCR and FPSR are not touched. X19 keeps the way back,
-// X28 is kept by the callee, as the procedure call standard asks.
+// Reached from the cache by BLR. Calls the function in X9 with the arguments in X0 to X7, on the
+// host stack and with the host's TPIDR_EL0. FPCR and FPSR are not touched. X19 holds the return
+// address. The callee preserves X19 and X28, as the procedure call standard demands.
   .globl call_client
   .hidden call_client
   .type call_client, %function

@@ -14,8 +14,8 @@ unsigned field_at(std::uint32_t word, unsigned position) {
   return field(word, position + 4, position);
 }
 
-// A register that appears in none of the word's register fields, whatever they mean, and is none of
-// eight that begin at one. The second of a pair at an even number is free as well.
+// An even register that appears in none of the word's register fields, whatever they mean, and is
+// not among eight that begin at one. The next odd register is free as well.
 unsigned free_register(std::uint32_t word, const register_roles& roles) {
   const unsigned first_of_eight = roles[0] == role::octet ? field_at(word, 0) : no_register;
   for (unsigned candidate = 0; candidate < context_register; candidate += 2) {
@@ -39,7 +39,7 @@ std::uint64_t address_value(std::uint32_t word, std::uint64_t pc) {
   return (pc & ~0xfffull) + static_cast<std::uint64_t>(immediate * 4096);
 }
 
-// The load with the same effect from [Xn], or 0 if the encoding is unallocated.
+// The same load from [Xn], or 0 if the encoding is unallocated.
 std::uint32_t load_from_register(std::uint32_t word, unsigned n) {
   const std::uint32_t operands = n << 5 | field(word, 4, 0);
   switch (field(word, 31, 30) << 1 | field(word, 26, 26)) {
@@ -54,8 +54,8 @@ std::uint32_t load_from_register(std::uint32_t word, unsigned n) {
   }
 }
 
-// The page that an instruction was read from can be read: as long as its translation runs, nothing
-// has changed the mapping.
+// Whether the load stays within the instruction's own page, where it cannot fault: as long as the
+// translation runs, nothing has changed the mapping that the instruction was read from.
 bool shares_page(std::uint64_t pc, std::uint64_t address) {
   constexpr std::uint64_t page_bytes = 4096;
   constexpr std::uint64_t largest_load = 16;
@@ -114,17 +114,17 @@ mangling mangle_literal_load(std::uint32_t word, std::uint64_t pc, words& out) {
   return done;
 }
 
-// --- System registers whose value is another in the application --------------------------------
+// --- System registers whose value differs for the application ----------------------------------
 
 constexpr std::uint32_t mrs_ctr_el0 = 0xd53b0020;
 constexpr std::uint32_t mrs_id_aa64pfr0_el1 = 0xd5380400;
 
 bool sve_is_shown = false;
 
-// The instruction on X0 that makes the value right, or 0.
+// The instruction that corrects the value in X0, or 0.
 //
-// CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is: the translator
-// learns of new code by it.
+// CTR_EL0.DIC says that no IC IVAU is needed after code was written. Here it is needed: it tells
+// the translator of new code.
 std::uint32_t correction_of(std::uint32_t word) {
   switch (word & ~31u) {
     case mrs_ctr_el0: return 0x9262f800;                             // and x0, x0, #~(1 << 29)
@@ -133,7 +133,7 @@ std::uint32_t correction_of(std::uint32_t word) {
   }
 }
 
-// Appends the word, corrected if it needs that.
+// Appends the word, and the correction if it needs one.
 void append_corrected(std::uint32_t word, words& out) {
   const unsigned t = field(word, 4, 0);
   const std::uint32_t correction = correction_of(word);
@@ -147,7 +147,7 @@ struct x28_use {
   bool named = false;
   bool read = false;
   bool written = false;
-  bool paired = false;  // X29 goes with it
+  bool paired = false;  // X29 is the other half of the pair
   bool refused = false;
 };
 
@@ -166,8 +166,8 @@ x28_use use_of_x28(std::uint32_t word, const register_roles& roles) {
   return use;
 }
 
-// Most words hold 28 in no place where a register may be named, nor begin eight registers that run
-// into it; this is told without the table.
+// Most words cannot name X28: none of their register fields is 28, and none begins eight registers
+// that include it. This check needs no table.
 bool may_name_x28(std::uint32_t word) {
   const unsigned first = field(word, 4, 0);
   if (first > context_register - 8 && first < 31) return true;

@@ -5,13 +5,13 @@
 namespace host {
 namespace {
 
-// One line for one group of encodings that share their fields. In the pattern, from bit 31 down:
-// 0 and 1 are fixed, x is any bit, and a letter marks a field of five bits:
+// One line for each group of encodings with the same register fields. A pattern runs from bit 31
+// down. 0 and 1 are fixed, x is any bit, and each other letter marks a field of five bits:
 //   r  general register, read            w  general register, written
 //   b  general register, both            p  first of a register pair, both
-//   o  first of eight registers          v  vector register or other matter
+//   o  first of eight registers          v  vector register or anything else
 //   u  not known to this table
-// The first line that matches holds, so exceptions stand before their group.
+// The first line that matches counts, so exceptions come before their group.
 constexpr std::string_view patterns[] = {
     // Data processing, immediate
     "xxx100010xxxxxxxxxxxxxrrrrrwwwww",  // ADD, SUB (immediate)
@@ -127,7 +127,7 @@ constexpr std::string_view patterns[] = {
     "01x1111xxxxxxxxxxxxxxxvvvvvvvvvv",  //   scalar
     "11001110xxxxxxxxxxxxxxvvvvvvvvvv",  // SHA-512, SHA-3, SM3, SM4
 
-    // SVE, for processors that have it; a client may leave such instructions in their blocks
+    // SVE, for processors that have it: a client may leave such instructions in a block
     "00000100xx1xxxxx010001rrrrrvvvvv",  // INDEX (scalar, immediate)
     "00000100xx1rrrrr010010vvvvvvvvvv",  // INDEX (immediate, scalar)
     "00000100xx1rrrrr010011rrrrrvvvvv",  // INDEX (scalars)
