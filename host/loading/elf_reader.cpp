@@ -1,6 +1,6 @@
-// The rules are those of the kernel's ELF loader, and a few that it leaves to luck: segments that
-// overlap, a file that ends before its segments do, and an entry point that is not code are refused
-// here with a line that says so, where the kernel would start the program and let it crash.
+// The rules are those of the kernel's ELF loader, and a few more. If segments overlap, the file is
+// truncated, or the entry point is not code, the kernel would start the program and let it crash.
+// Here each of these is refused with a line that says so.
 #include "host/loading/elf_reader.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ namespace {
 static_assert(std::endian::native == std::endian::little,
               "header fields are read in place, and only little-endian files are taken");
 
-// The kernel refuses a program header table above this size.
+// The kernel refuses a program header table larger than this.
 constexpr std::size_t program_headers_size_limit = 65536;
 
 struct machine_name {
@@ -61,10 +61,10 @@ class reader {
     throw launch_error(exit_status::cannot_run, name_ + ": " + what);
   }
   [[noreturn]] void damaged(const std::string& what) const {
-    fail("damaged ELF file: " + what + "; build or copy it anew");
+    fail("damaged ELF file: " + what + "; build or copy it again");
   }
 
-  // The only way to the file's bytes: nothing is read that is not wholly inside.
+  // Reads from the file; nothing if the value is not wholly inside.
   template <typename T>
   std::optional<T> at(std::uint64_t offset) const {
     if (offset > file_.size() || file_.size() - offset < sizeof(T)) return std::nullopt;
@@ -101,8 +101,8 @@ void reader::check_identification() const {
   if (!magic || std::memcmp(&*magic, ELFMAG, SELFMAG) != 0) {
     fail("neither an ELF program nor a script that starts with #!; give a program for AArch64");
   }
-  // The machine stands at the same place in both classes, and a file that is not for us should be
-  // called by its name even if it is nothing but this.
+  // The machine field is at the same place in both ELF classes. A file for another machine should
+  // be called by that machine's name even if it ends right after this field.
   const auto machine_bytes = at<std::uint16_t>(offsetof(Elf64_Ehdr, e_machine));
   if (!machine_bytes) damaged("it ends within the ELF header");
   const int file_class = std::to_integer<int>(file_[EI_CLASS]);
@@ -175,14 +175,14 @@ void reader::take_load(const Elf64_Phdr& header) {
                          ((header.p_flags & PF_X) != 0 ? PROT_EXEC : 0);
   image_.segments.push_back(
       {header.p_vaddr, header.p_memsz, header.p_offset, header.p_filesz, protection});
-  // Like the kernel, leave an alignment that is no power of two out of account.
+  // Like the kernel, ignore an alignment that is not a power of two.
   if (std::has_single_bit(header.p_align)) {
     image_.alignment = std::max<std::uint64_t>(image_.alignment, header.p_align);
   }
 }
 
 void reader::take_interpreter(const Elf64_Phdr& header) {
-  if (has_interpreter_) return;  // the kernel, too, takes the first
+  if (has_interpreter_) return;  // the kernel takes the first, too
   has_interpreter_ = true;
   if (header.p_filesz < 2 || header.p_filesz > PATH_MAX) {
     damaged("the interpreter's path has " + std::to_string(header.p_filesz) + " bytes");

@@ -1,9 +1,9 @@
 // Reads an ELF file's bytes and says how to map it, without mapping anything.
 //
-// A program file is input like any other: nothing in it is believed before it is checked. All that
-// the loader later does with addresses and sizes of an `elf_image` is safe because of the promises
-// given here. The module knows nothing of this machine except the page size that it is told, so it
-// builds, and can be fuzzed, anywhere.
+// A program file is input like any other: nothing in it is trusted before it is checked. The loader
+// can safely use the addresses and sizes of an `elf_image` because of the promises made here. The
+// module knows nothing about this machine but the page size that it is given, so it can be built
+// and fuzzed anywhere.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ struct elf_segment {
   int protection = 0;  // PROT_READ | PROT_WRITE | PROT_EXEC
 };
 
-// Addresses are those of the file: the loader adds the load bias of a position-independent one.
+// Addresses are as in the file. If it is position-independent, the loader adds the load bias.
 struct elf_image {
   bool position_independent = false;
   std::uint64_t entry = 0;                    // inside the file part of an executable segment
@@ -41,11 +41,11 @@ struct elf_image {
   std::uint64_t high = 0;
 };
 
-// No user address of AArch64 Linux lies above, unless a program asks mmap for it.
+// No user address of AArch64 Linux lies above this, unless a program asks mmap for one.
 inline constexpr std::uint64_t address_limit = std::uint64_t{1} << 48;
 
-// Throws launch_error (status cannot_run), with `name` in its text, for a file that is no AArch64
-// program or is malformed. `page_size` is a power of two.
+// Throws launch_error (status cannot_run), with `name` in its text, for a file that is not an
+// AArch64 program or is malformed. `page_size` is a power of two.
 elf_image read_elf(const std::string& name, std::span<const std::byte> file,
                    std::uint64_t page_size);
 

@@ -15,17 +15,16 @@
 namespace host {
 namespace {
 
-// Memory is taken only when it is touched, so the whole stack can be there from the start. A limit
-// that is "unlimited" still needs an end.
+// Memory is only used once it is touched, so the whole stack can be mapped from the start. An
+// "unlimited" stack still needs a limit.
 constexpr std::size_t smallest_stack = std::size_t{1} << 17;  // the kernel's for exec
 constexpr std::size_t largest_stack = std::size_t{1} << 30;
 constexpr std::size_t guard_size = std::size_t{1} << 20;  // the kernel's stack_guard_gap, 256 pages
 
 constexpr std::size_t alignment = 16;  // of the stack pointer, by the procedure call standard
 
-// The upper part of the stack: what the words in the lower part point to. Argument and environment
-// strings stand next to each other without gaps, which programs that rewrite their own title
-// expect.
+// The upper part of the stack, which the words in the lower part point to. Argument and environment
+// strings follow each other without gaps: programs that rewrite their own title expect that.
 class pointed_to {
  public:
   std::size_t add(std::span<const std::byte> data) {
@@ -42,7 +41,7 @@ class pointed_to {
                    [this](const std::string& text) { return add(text); });
     return offsets;
   }
-  // At least a word of zeros stands at the very top.
+  // At least one word of zeros is at the very top.
   std::vector<std::byte> take() {
     bytes_.resize((bytes_.size() + sizeof(std::uint64_t) + alignment - 1) / alignment * alignment);
     return std::move(bytes_);
@@ -52,7 +51,8 @@ class pointed_to {
   std::vector<std::byte> bytes_;
 };
 
-// Adds the strings that the auxiliary vector points to, and makes each such entry an offset.
+// Adds the strings that the auxiliary vector points to, and turns each entry that points to one
+// into an offset.
 void add_auxiliary_strings(pointed_to& upper, const std::string& executable_name,
                            std::size_t random, std::vector<Elf64_auxv_t>& auxiliary_vector) {
   for (Elf64_auxv_t& entry : auxiliary_vector) {

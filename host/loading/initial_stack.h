@@ -1,8 +1,8 @@
 // The stack of a new program, as the kernel leaves it for the first instruction.
 //
 // From the stack pointer upwards: argc, argv, null, envp, null, the auxiliary vector; above them
-// the strings and random bytes that these point to. A program finds its whole world through it:
-// the C library sizes itself by the auxiliary vector before it runs anything else.
+// the strings and random bytes that these point to. A program learns from it what it runs on: the C
+// library sets itself up by the auxiliary vector before it runs anything else.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct process_start {
   bool executable_stack = false;
 };
 
-// What the application's auxiliary vector tells about its own files, absolute.
+// What the application's auxiliary vector says about its own files, as absolute addresses.
 struct program_addresses {
   std::uint64_t program_headers = 0;
   std::uint64_t program_header_count = 0;
@@ -30,13 +30,13 @@ struct program_addresses {
   std::uint64_t interpreter_base = 0;  // load bias of the interpreter; 0 if there is none
 };
 
-// The auxiliary vector for the application: this process's own (`own`, up to AT_NULL), so that
-// every fact about processor, kernel and user passes through, with the application's addresses in
-// place of the launcher's. Entries that point to strings still point to the launcher's.
+// The auxiliary vector for the application: this process's own (`own`, up to AT_NULL), with the
+// application's addresses in place of the launcher's. Every fact about processor, kernel and user
+// passes through. Entries that point to strings still point to the launcher's.
 std::vector<Elf64_auxv_t> application_auxiliary_vector(const Elf64_auxv_t* own,
                                                        const program_addresses& program);
 
-// Makes AT_HWCAP that of a processor with SVE, without SVE2.
+// Makes AT_HWCAP describe a processor with SVE but without SVE2.
 void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector);
 
 // The bytes of the stack from the stack pointer, a multiple of 16, to `top`. Everything that the

@@ -27,7 +27,7 @@ std::string explain(int error) {
 
 [[noreturn]] void fail(const std::string& what, int error) {
   const auto status = error == ENOENT ? exit_status::not_found : exit_status::cannot_run;
-  // Of what is no regular file, execve says that it may not be executed.
+  // execve returns EACCES for anything but a regular file.
   const int of_execve = error == EISDIR || error == EINVAL ? EACCES : error;
   throw launch_error(status, what + ": " + explain(error), of_execve);
 }
@@ -41,8 +41,8 @@ int kind_error(mode_t mode) {
   return S_ISDIR(mode) ? EISDIR : EINVAL;
 }
 
-// The permission is asked for by descriptor, because QEMU's -L applies to open, but not to access.
-// A changed root may have no /proc; there only kernels from 5.8 on tell.
+// Checks the permission through the descriptor, because QEMU's -L applies to open but not to
+// access. A changed root may have no /proc; then only kernels from 5.8 on can answer.
 int permission_error(int descriptor) {
   const std::string path = descriptor_path(descriptor);
   if (faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0) return 0;
@@ -60,7 +60,7 @@ int execution_error(int descriptor) {
 }  // namespace
 
 int execution_error(const std::string& path) {
-  // O_PATH, since opening a FIFO for reading would wait for its writer.
+  // O_PATH, since opening a FIFO for reading would wait for a writer.
   const int descriptor = open(path.c_str(), O_PATH | O_CLOEXEC);
   if (descriptor < 0) return errno;
   const int error = execution_error(descriptor);
@@ -68,7 +68,7 @@ int execution_error(const std::string& path) {
   return error;
 }
 
-// Delegates, so that the destructor cleans up when something here throws.
+// Delegates to the default constructor, so that the destructor cleans up if something here throws.
 input_file::input_file(const std::string& path, const std::string& role) : input_file() {
   path_ = path;
   const std::string what = role + (path.empty() ? "\"\"" : path);

@@ -1,4 +1,4 @@
-// A file that is about to be executed: opened under the rules of execve, its bytes in view.
+// A file that is about to be executed: opened by the rules of execve, with its bytes mapped.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@
 
 namespace host {
 
-// What execve would say to this file: 0, or an error number (EISDIR for a directory, EINVAL for
-// another thing that is no regular file).
+// Whether execve would run this file: 0, or an error number. EISDIR means a directory, and EINVAL
+// any other file that is not regular; execve itself returns EACCES for both.
 int execution_error(const std::string& path);
 
 class input_file {
  public:
   // Opens `path`, which must be a regular file that may be executed. Throws launch_error: not_found
-  // if there is no such file, cannot_run for a directory, a missing permission and the like.
-  // `role` stands before the path in such a message ("", or "interpreter " and the like).
+  // if there is no such file, cannot_run for a directory, a missing permission and the like. `role`
+  // goes before the path in the message: "", or for example "interpreter ".
   explicit input_file(const std::string& path, const std::string& role = "");
   ~input_file();
   input_file(const input_file&) = delete;
@@ -27,7 +27,7 @@ class input_file {
   [[nodiscard]] int descriptor() const { return descriptor_; }
   [[nodiscard]] const std::string& path() const { return path_; }
 
-  // The path without symbolic links, as /proc/self/exe tells it.
+  // The path without symbolic links, as /proc/self/exe shows it.
   [[nodiscard]] std::string real_path() const;
 
  private:

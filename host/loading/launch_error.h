@@ -1,6 +1,5 @@
-// Why a program could not be started: the one line that the user sees and the exit status that a
-// shell would give for it, or, where the running program has asked for it, the error number of
-// execve.
+// Why a program could not be started: the one line that the user sees, and the exit status that a
+// shell would give. If the running program has called execve, it gets the error number instead.
 #pragma once
 
 #include <cerrno>
@@ -9,7 +8,7 @@
 
 namespace host {
 
-// As env(1) and shells have them.
+// The same as in env(1) and shells.
 enum class exit_status : int {
   usage = 2,              // the command line was not understood
   launcher_failed = 125,  // the launcher itself could not go on
@@ -19,7 +18,8 @@ enum class exit_status : int {
 
 class launch_error : public std::runtime_error {
  public:
-  // Without a number of its own, a file that cannot be run is one that the kernel knows no way to.
+  // If no error number is given, a file that cannot be run gets ENOEXEC: the kernel does not know
+  // its format.
   launch_error(exit_status status, const std::string& message)
       : launch_error(status, message, status == exit_status::not_found ? ENOENT : ENOEXEC) {}
   launch_error(exit_status status, const std::string& message, int error_number)

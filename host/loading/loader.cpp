@@ -1,9 +1,9 @@
 // The program shares this process's address space with the launcher, the client and their C
-// library. Nothing of theirs may be mapped over, so every range is first reserved without force,
-// and only a range that was reserved is then mapped with MAP_FIXED.
+// library. Its mappings must not replace any of theirs. So every range is first reserved without
+// MAP_FIXED, and only a reserved range is then mapped with MAP_FIXED.
 //
-// A position-independent program gets room to grow its break: it is placed well below the launcher,
-// where neither the kernel nor QEMU put anything by themselves.
+// A position-independent program is placed well below the launcher, where neither the kernel nor
+// QEMU puts anything by itself.
 #include "host/loading/loader.h"
 
 #include <algorithm>
@@ -62,7 +62,7 @@ void image_mapper::fail(const std::string& what, int error) const {
 
 constexpr int reservation = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
 
-// MAP_FIXED_NOREPLACE is a hint only on older kernels and in QEMU, so the result is compared, too.
+// Older kernels and QEMU take MAP_FIXED_NOREPLACE only as a hint, so the result is compared, too.
 bool reserve_exactly(std::uintptr_t start, std::uintptr_t end) {
   void* const got =
       mmap(pointer_to(start), end - start, PROT_NONE, reservation | MAP_FIXED_NOREPLACE, -1, 0);
@@ -74,7 +74,7 @@ bool reserve_exactly(std::uintptr_t start, std::uintptr_t end) {
   return false;
 }
 
-// Neighbouring segments may share a page; it is reserved once.
+// Neighbouring segments may share a page. It is reserved only once.
 void image_mapper::reserve_fixed_ranges() const {
   std::uintptr_t reserved_to = 0;
   for (const elf_segment& segment : image_.segments) {
@@ -82,14 +82,14 @@ void image_mapper::reserve_fixed_ranges() const {
     const std::uintptr_t end = page_end(segment.address + segment.memory_size);
     if (start < end && !reserve_exactly(start, end)) {
       fail("it must be at " + hexadecimal(start) + "-" + hexadecimal(end) +
-               ", which cannot be had here; link it with -pie",
+               ", and that range is not available here; link it with -pie",
            errno);
     }
     reserved_to = end;
   }
 }
 
-// Returns the address of a reserved range of the image's size that has its alignment.
+// Reserves a range of the image's size and alignment, and returns its address.
 std::uintptr_t image_mapper::reserve_anywhere(std::uintptr_t hint) const {
   const std::uintptr_t size = image_.high - image_.low;
   const std::uintptr_t slack = image_.alignment - page_size;
@@ -114,8 +114,8 @@ void image_mapper::map_zeros(std::uintptr_t start, std::uintptr_t end, int prote
   }
 }
 
-// Zeroed data starts in the last page of the file part. A page that may not be written keeps the
-// file's bytes there, and pages beyond are always writable: so has it the kernel.
+// Zeroed data starts in the last page of the file part. As in the kernel, that page keeps the
+// file's bytes if it is not writable, and the pages after it are always writable.
 void image_mapper::map_segment(const elf_segment& segment, std::uintptr_t bias) const {
   const std::uintptr_t start = page_start(bias + segment.address);
   const std::uintptr_t file_end = bias + segment.address + segment.file_size;

@@ -1,5 +1,5 @@
-// Brings a program into this process: its segments and those of its interpreter as the kernel would
-// map them, and the stack that it would find.
+// Loads a program into this process: maps its segments and those of its interpreter as the kernel
+// would, and builds the stack that it expects.
 #pragma once
 
 #include <elf.h>
@@ -12,8 +12,8 @@
 namespace host {
 
 // Throws launch_error if the program or its interpreter cannot be mapped. `own_auxiliary_vector` is
-// this process's, up to AT_NULL; with `advertise_sve` the program finds SVE in it. What was mapped
-// until an error stays mapped: the caller gives up.
+// this process's, up to AT_NULL. With `advertise_sve` the program finds SVE in its own. If it
+// throws, what it has mapped stays mapped, since the caller gives up.
 loaded_program load_program(const program_to_run& program,
                             const std::vector<std::string>& environment,
                             const Elf64_auxv_t* own_auxiliary_vector, bool advertise_sve = false);

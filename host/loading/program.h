@@ -1,7 +1,7 @@
 // What the loader hands to the translator: a program that is mapped and ready to run.
 //
-// The loader knows ELF files and the initial stack, the translator knows code and system calls;
-// this record is all that passes between them, so that neither includes the other.
+// The loader knows about ELF files and the initial stack, the translator about code and system
+// calls. Only this record passes between them, so neither includes the other.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ struct module_info {
   std::uintptr_t start = 0;        // address of the first mapped byte
   std::uintptr_t end = 0;          // address after the last mapped byte
   std::uintptr_t entry_point = 0;  // absolute
-  std::string full_path;           // as /proc/self/exe would tell it
+  std::string full_path;           // as /proc/self/exe would show it
 };
 
 struct loaded_program {
@@ -25,7 +25,7 @@ struct loaded_program {
   std::uintptr_t stack_pointer = 0;        // points at argc, as the kernel leaves it
   std::uintptr_t stack_start = 0;          // without the guard below it
   std::uintptr_t stack_end = 0;
-  std::uintptr_t program_break = 0;  // initial break: the page after the program's data
+  std::uintptr_t program_break = 0;  // where the kernel would start it: the page after the data
 };
 
 }  // namespace host

@@ -31,8 +31,8 @@ std::string_view trim(std::string_view text) {
                                                   "; it must be #! and the path of an interpreter");
 }
 
-// What stands behind "#!". A line that the kernel's buffer cuts off may lose a part of the
-// argument, but not of the interpreter's path.
+// The text after "#!". If the kernel's buffer cuts off the line, part of the argument may be lost,
+// but no part of the interpreter's path.
 std::string_view first_line(const std::string& path, std::string_view start) {
   constexpr std::string_view path_ends{" \t\0", 3};
   start = start.substr(0, script_line_limit);
@@ -48,8 +48,8 @@ std::string_view first_line(const std::string& path, std::string_view start) {
   return line.substr(0, line.find('\0'));
 }
 
-// The arguments of a script's interpreter: its path, its own argument, the script, and what the
-// user gave beyond the script's name.
+// The arguments of a script's interpreter: its path, its own argument, the script, and the user's
+// arguments after the script's name.
 std::vector<std::string> interpreter_arguments(const script_line& line, const std::string& script,
                                                const std::vector<std::string>& arguments) {
   std::vector<std::string> result{line.interpreter};
@@ -74,7 +74,7 @@ std::string find_in_path(const std::string& name, std::string_view search_path) 
     if (error != ENOENT && error != ENOTDIR && unusable.empty()) unusable = path;
     start = end + 1;
   }
-  if (!unusable.empty()) return unusable;  // opening it tells what is wrong with it
+  if (!unusable.empty()) return unusable;  // opening it shows what is wrong with it
   throw launch_error(exit_status::not_found,
                      name + ": not found in PATH; a program elsewhere needs a path with a slash");
 }
@@ -99,7 +99,7 @@ program_to_run find_program(const std::vector<std::string>& arguments,
 program_to_run follow_scripts(const executable_file& executable,
                               const std::vector<std::string>& arguments) {
   program_to_run program{input_file(executable.path), executable.name, arguments};
-  std::string name = executable.name;  // of the file in view
+  std::string name = executable.name;  // of the file that is looked at
   for (int depth = 0;; ++depth) {
     const auto line = read_script_line(name, as_text(program.file.bytes()));
     if (!line) return program;

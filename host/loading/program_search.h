@@ -1,5 +1,5 @@
-// From the name that the user typed to the ELF file that runs: the search in PATH, as a shell has
-// it, and scripts that name their interpreter, as the kernel has them.
+// Finds the ELF file to run for a name that the user typed: searches PATH as a shell does, and
+// follows scripts to their interpreters as the kernel does.
 #pragma once
 
 #include <optional>
@@ -21,29 +21,31 @@ struct program_to_run {
 // The interpreter that a script's first line names.
 struct script_line {
   std::string interpreter;
-  std::optional<std::string> argument;  // all that follows it, inner blanks kept
+  std::optional<std::string> argument;  // the rest of the line, with its inner blanks
 };
 
-// The path for `name`: itself if it has a slash, else its first executable place in `search_path`
-// (the value of PATH; an empty component is the current directory). Throws launch_error.
+// The path for `name`: `name` itself if it has a slash, else the first executable file of that name
+// in `search_path` (the value of PATH; an empty component is the current directory). Throws
+// launch_error.
 std::string find_in_path(const std::string& name, std::string_view search_path);
 
-// Reads the "#!" line of a file that begins with `start`, of which the kernel looks at 256 bytes.
-// Nothing if it is no script; throws launch_error if it is one without a usable interpreter.
+// Reads the "#!" line of a file that begins with `start`. Like the kernel, looks at no more than
+// 256 bytes. Nothing if the file is not a script. Throws launch_error if a script has no usable
+// interpreter.
 std::optional<script_line> read_script_line(const std::string& path, std::string_view start);
 
 // Finds the program for `arguments` (not empty; the first is the program as the user named it).
 program_to_run find_program(const std::vector<std::string>& arguments,
                             std::string_view search_path);
 
-// A file that execve is asked to execute. The two differ where the path is the host's own way to a
-// file that the program has named by a descriptor.
+// A file that execve is asked to execute. The path and the name differ if the host opens the file
+// in another way than the program named it, for example through a descriptor.
 struct executable_file {
-  std::string path;  // that opens it
+  std::string path;  // that the host opens
   std::string name;  // for AT_EXECFN, for the process's name, and as a script's own argument
 };
 
-// The same for a file that is known; arguments.front() is only what the program shall see there.
+// The same for a known file. arguments.front() is only what the program will see as its argv[0].
 program_to_run follow_scripts(const executable_file& executable,
                               const std::vector<std::string>& arguments);
 

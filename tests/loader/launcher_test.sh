@@ -115,7 +115,7 @@ expect 127 "interpreter /no/such/interpreter: no such file" "$programs/show_star
 
 # A program whose fixed addresses are those of the launcher, which the emulator puts here.
 if [ ${#emulator[@]} -gt 0 ]; then
-  expect 126 "it must be at 0x5500000000-.* cannot be had" "$programs/show_start_collision"
+  expect 126 "it must be at 0x5500000000-.* is not available" "$programs/show_start_collision"
 fi
 
 # The command line and the client library.
