@@ -1,12 +1,12 @@
-// A system call of the application, which a signal must be able to keep from starting: between the
-// look at the attention word and the SVC there is no way to notice one. The signal entry sends a
-// thread that it finds there to application_call_not_started; the kernel itself goes back to the
-// SVC, and so there, where it restarts a call after a handler.
+// A system call of the application. A signal must be able to keep it from starting: if one arrives
+// between the check of the attention word and the SVC, nothing else would notice it. The signal
+// entry sends a thread that it finds there to application_call_not_started. If the kernel restarts
+// a call after a handler, it goes back to the SVC, and so the thread is sent there, too.
 
   .text
 
-// int64_t application_call(const uint64_t* x, const uint64_t* attention): with X0 to X5 and X8 from
-// x. The kernel's result, or call_not_started.
+// int64_t application_call(const uint64_t* x, const uint64_t* attention): takes X0 to X5 and X8
+// from x. Returns the kernel's result, or call_not_started.
   .globl application_call
   .hidden application_call
   .type application_call, %function

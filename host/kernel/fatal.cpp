@@ -15,7 +15,7 @@ void print_line_list(const char* format, va_list arguments) {
   std::size_t end = prefix + static_cast<std::size_t>(length < 0 ? 0 : length);
   if (end > sizeof text - 2) end = sizeof text - 2;
   text[end] = '\n';
-  if (write(STDERR_FILENO, text, end + 1) < 0) return;  // nowhere left to tell it
+  if (write(STDERR_FILENO, text, end + 1) < 0) return;  // there is nowhere left to report it
 }
 
 }  // namespace

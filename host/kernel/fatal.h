@@ -1,15 +1,16 @@
-// The ends that the host itself puts to a process. Each prints one line on standard error.
+// How the host itself ends a process, and how it reports one line on standard error.
 #pragma once
 
 namespace host {
 
-// Exit status when a program needs something that this host does not carry.
+// Exit status for a program that needs something this host does not support.
 inline constexpr int unsupported_status = 125;
 
-// Something this host cannot do or got wrong: "tessaly: " and the text, exit status 125.
+// For something that this host cannot do or got wrong. Prints "tessaly: " and the text, and ends
+// the process with unsupported_status.
 [[noreturn]] void fatal(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// One such line, without the end.
+// Prints such a line, but does not end the process.
 void print_line(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace host

@@ -19,8 +19,7 @@ class all_locks {
     *link = lock.next_;
   }
 
-  // There is no order in which threads take these locks, so none is waited for while others are
-  // held.
+  // Threads take these locks in no particular order, so none is waited for while others are held.
   void hold() {
     mutex_.lock();
     while (fork_safe_mutex* const refused = try_to_hold()) {
@@ -35,7 +34,8 @@ class all_locks {
   }
 
  private:
-  // The lock that another thread has, with all before it held; null with all of them held.
+  // Returns the first lock that another thread has, and holds all before it. Returns null if it
+  // holds all of them.
   fork_safe_mutex* try_to_hold() {
     fork_safe_mutex* lock = first_;
     while (lock != nullptr && lock->try_lock()) lock = lock->next_;

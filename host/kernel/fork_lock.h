@@ -1,7 +1,7 @@
-// Locks that fork leaves in order. The child has a copy of every lock and only one thread, so one
-// that another thread held at that moment would stay locked in it for ever, with half-changed data
-// behind it. So fork takes all of the host's locks before, and lets them go in both processes
-// after.
+// Locks that stay usable after fork. The child has a copy of every lock but only one thread. If
+// another thread held a lock at that moment, the child's copy would stay locked for ever, held by a
+// thread that does not exist in the child, and the data behind it might be half-changed. So all of
+// the host's locks are taken before fork, and released in both processes after it.
 #pragma once
 
 #include <mutex>
@@ -9,7 +9,7 @@
 namespace host {
 
 // No other kind of lock will do: the C library lets the child's thread unlock a mutex, but its
-// readers-writer lock looks at the owner's number.
+// readers-writer lock checks the owner's thread number.
 class fork_safe_mutex final : public std::mutex {
  public:
   fork_safe_mutex();

@@ -1,9 +1,9 @@
-// Copies between the application's memory and the host's where the application's address may be
-// wrong: a fault at one of these loads and stores ends the copy, as the signal entry sees to.
+// Copies between the application's memory and the host's when the application's address may be
+// wrong. If a load or store here faults, the signal entry ends the copy.
 
   .text
 
-// int guarded_copy(void* to, const void* from, size_t bytes): 0, or 1 after a fault.
+// int guarded_copy(void* to, const void* from, size_t bytes): returns 0, or 1 after a fault.
   .globl guarded_copy
   .hidden guarded_copy
   .type guarded_copy, %function

@@ -1,5 +1,5 @@
-// Reading and writing where the application has said, as the kernel does it: an address that is
-// wrong is an error and no fault.
+// Reads and writes at addresses that the application has passed, as the kernel does: a wrong
+// address is an error, not a fault.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,10 @@
 #include "host/kernel/address.h"
 
 extern "C" {
-// 0, or 1 if one of the two ranges could not be accessed in full; some may have been copied.
+// Returns 0, or 1 if one of the two ranges could not be accessed in full; part of it may have been
+// copied.
 int guarded_copy(void* to, const void* from, std::size_t bytes);
-void guarded_copy_failed();  // where the signal entry goes on after such a fault
+void guarded_copy_failed();  // the signal entry goes on here after such a fault
 }
 
 namespace host {

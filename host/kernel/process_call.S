@@ -1,15 +1,15 @@
-// vfork, which no C++ function can call: the child goes on in the frame that made the call, on the
-// same stack, while the parent waits in the kernel. So the child must not come back up into frames
-// that the parent still has to return through.
+// vfork. No C++ function can call it: the child goes on in the frame that made the call, on the
+// same stack, while the parent waits in the kernel. So the child must not return into frames that
+// the parent still has to return through.
 
   .text
 
 // int64_t start_suspended(uint64_t flags, uint64_t parent_tid, uint64_t child_tid,
 //                         void (*run)(void*), void* argument)
 //
-// Makes a child that calls run(argument), which must not return. Returns in the parent alone: the
-// child's number or a negative error number. The child works below this frame, and all that the
-// parent needs lies above.
+// Creates a child that calls run(argument), which must not return. Returns only in the parent: the
+// child's number or a negative error number. The child works below this frame, and everything that
+// the parent needs lies above.
   .globl start_suspended
   .hidden start_suspended
   .type start_suspended, %function
