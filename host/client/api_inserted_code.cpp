@@ -1,4 +1,4 @@
-// Save slots, the stolen register and the call of the client interface.
+// The client interface's save slots, stolen register and inserted call.
 #include <cstdarg>
 
 #include "host/client/instruction_list.h"
@@ -77,7 +77,7 @@ void dr_insert_call_velox(void* /*drcontext*/, instrlist_t* ilist, instr_t* wher
                           void* callee, uint num_args, ...) {
   constexpr uint max_arguments = 8;
   if (num_args > max_arguments) {
-    fatal("dr_insert_call_velox: %u arguments, at most %u are passed", num_args, max_arguments);
+    fatal("dr_insert_call_velox: %u arguments; at most %u can be passed", num_args, max_arguments);
   }
   host::words code;
   va_list arguments;

@@ -1,5 +1,5 @@
-// The encoder behind the instruction constructors of the client interface: just the forms that
-// dr_api.h lists.
+// The encoder behind the instruction constructors of the client interface. It knows only the forms
+// that dr_api.h lists.
 #include <array>
 
 #include "host/client/instruction_list.h"
@@ -97,7 +97,7 @@ std::uint32_t encode_pair(const form& f, const opnd_t& memory, const opnd_t& reg
                             : host::a64::ldp(first, second, base, memory.disp);
 }
 
-// MRS Xt of the system register; MSR is without bit 21.
+// MRS of the system register, with Xt still open. MSR is the same without bit 21.
 std::uint32_t read_of_system_register(const form& f, const opnd_t& opnd) {
   f.require(opnd.kind == opnd_kind::reg, "a system register is expected");
   switch (opnd.reg) {

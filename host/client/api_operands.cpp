@@ -19,7 +19,8 @@ opnd_t opnd_create_immed_int(ptr_int_t value, opnd_size_t size) {
 }
 
 opnd_t opnd_create_base_disp(reg_id_t base, reg_id_t index, int scale, int disp, opnd_size_t size) {
-  // An index or a scale has no form here; the encoder refuses the operand by its missing base.
+  // No form here takes an index or a scale. Such an operand gets no base, so the encoder refuses
+  // it.
   const bool plain = index == DR_REG_NULL && scale == 0;
   opnd_t opnd{};
   opnd.kind = opnd_kind::base_disp;

@@ -43,8 +43,9 @@ void emit(const instr_t& instr, block_code& out) {
   emit_straight(instr.word, pc, processor_has_sve(), out);
 }
 
-// From a load-exclusive to its store-exclusive, if nothing but straight code of the application's
-// lies between. Null: nothing was appended. Else the store-exclusive.
+// Appends everything from a load-exclusive to its store-exclusive, if only the application's
+// straight-line code lies between them, and returns the store-exclusive. Otherwise appends nothing
+// and returns null.
 const instr_t* emit_exclusive_from(const instr_t& first, block_code& out) {
   if (first.raw_bits == nullptr || !is_load_exclusive(first.word)) return nullptr;
   words code;

@@ -1,5 +1,5 @@
-// From an application address to a translated block: reads the instructions up to the first that
-// branches, shows them to the client, and turns what the client left of them into cache code.
+// Builds the translated block for an application address: reads the instructions up to the first
+// that branches, shows them to the client, and turns what the client made of them into cache code.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace host {
 
 struct thread_state;
 
-// Nothing, if there is no executable memory at `pc`.
+// Returns nothing if there is no executable memory at `pc`.
 std::optional<block_code> build_block(thread_state& thread, std::uint64_t pc);
 
 }  // namespace host

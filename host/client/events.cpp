@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-// Callbacks of one event. They run outside the lock, so that they may register and unregister.
+// The callbacks of one event. They run outside the lock, so that they can register and unregister.
 template <typename Function>
 class event {
  public:

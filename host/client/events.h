@@ -13,8 +13,8 @@ void run_thread_init_events(thread_state& thread);
 void run_thread_exit_events(thread_state& thread);
 void run_exit_events();
 
-// The kernel transfer events: a handler of the application's is about to run, with its frame at the
-// context's SP; it returns by the frame at `frame`.
+// The kernel transfer events. Delivery: a handler of the application is about to run, and its frame
+// is at the context's SP. Return: the handler returns through the frame at `frame`.
 void run_signal_delivery_events(thread_state& thread, int signal);
 void run_signal_return_events(thread_state& thread, std::uint64_t frame);
 

@@ -12,12 +12,13 @@ struct _instr_t {
   _instr_t* prev = nullptr;
   _instr_t* next = nullptr;
   byte* raw_bits = nullptr;  // of an application instruction
-  app_pc pc = nullptr;       // its address, or the translation of a created one
+  app_pc pc = nullptr;       // its address; for a created one, as set by instr_set_translation
   int opcode = OP_UNDECODED;
   std::uint32_t word = 0;
   bool meta = false;
 
-  // Blocks take and give back dozens at a time; each thread keeps its own for the next.
+  // Each block allocates and frees dozens of these, so a thread keeps the freed ones for its next
+  // block.
   static void* operator new(std::size_t size);
   static void operator delete(void* instr);
 };
