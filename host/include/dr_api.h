@@ -1,10 +1,10 @@
 // The host's interface to a client, first part: modules, memory, output, save slots, operands,
 // instructions, instruction lists, and code that a client inserts into a block.
 //
-// The launcher exports these functions to the client that it loads. Names and call forms are those
-// of the instrumentation host's public interface; what is here is what a client that rewrites
-// blocks on AArch64 needs, and nothing else. A form that is not listed here is refused with one
-// line that names it, and the process ends: no instruction is ever encoded by guess.
+// The launcher exports these functions to the client that it loads. Names and signatures are those
+// of the instrumentation host's public interface. Only what a client needs to rewrite blocks on
+// AArch64 is here. If a client asks for a form that is not listed here, the process ends with one
+// line that names the form: no instruction is ever encoded by guess.
 //
 // A `drcontext` is a thread's context. Functions that take one may be called on that thread only.
 #pragma once
@@ -83,8 +83,8 @@ enum dr_opnd_flags_t : std::uint16_t {
 
 enum class opnd_kind : std::uint8_t { null, reg, base_disp, immed_int };
 
-// A value; its fields are read through the functions below. It passes through variable arguments,
-// for which it must not have initialisers.
+// A value; read its fields through the functions below. It is passed through variable arguments, so
+// it must not have initialisers.
 struct opnd_t {
   opnd_kind kind;
   opnd_size_t size;
@@ -103,7 +103,7 @@ DR_EXPORT opnd_t opnd_create_base_disp(reg_id_t base, reg_id_t index, int scale,
                                        opnd_size_t size);
 DR_EXPORT opnd_t opnd_add_flags(opnd_t opnd, dr_opnd_flags_t flags);
 DR_EXPORT reg_id_t opnd_get_reg(opnd_t opnd);
-// For a register its width, else the size that the operand was made with.
+// The width of a register; for any other operand, the size that it was made with.
 DR_EXPORT opnd_size_t opnd_get_size(opnd_t opnd);
 
 // --- Instructions ------------------------------------------------------------------------------
@@ -113,8 +113,8 @@ using instr_t = _instr_t;
 struct _instr_list_t;
 using instrlist_t = _instr_list_t;
 
-// Opcodes of the instructions that can be created. The names of a form's operands below are in the
-// order of the constructor: destinations first.
+// Opcodes of the instructions that can be created. A form's operands are listed in the order of the
+// constructor: destinations first.
 enum {
   OP_INVALID = 0,
   OP_UNDECODED,  // an application instruction: only its word is known
@@ -132,8 +132,8 @@ enum {
 };
 
 // Displacements: LDR and STR take multiples of the size from 0 to 4095 times the size, LDP and STP
-// multiples of 8 from -512 to 504. A register of 8 bytes that is a base or a destination of OP_add
-// may be DR_REG_XSP; elsewhere number 31 is DR_REG_XZR.
+// multiples of 8 from -512 to 504. A base, or a register operand of OP_add, may be DR_REG_XSP;
+// elsewhere number 31 is DR_REG_XZR.
 DR_EXPORT instr_t* instr_create_1dst_1src(void* drcontext, int opcode, opnd_t dst, opnd_t src);
 DR_EXPORT instr_t* instr_create_1dst_2src(void* drcontext, int opcode, opnd_t dst, opnd_t src1,
                                           opnd_t src2);
@@ -145,13 +145,13 @@ DR_EXPORT void instr_destroy(void* drcontext, instr_t* instr);
 
 // Gives the instruction an application address, and returns the instruction.
 DR_EXPORT instr_t* instr_set_translation(instr_t* instr, app_pc pc);
-// The application address: of an application instruction its own, else the translation.
+// The address of an application instruction; for any other, the address set as its translation.
 DR_EXPORT app_pc instr_get_app_pc(instr_t* instr);
 // Address of the 4 encoded bytes of an application instruction; null for a created one.
 DR_EXPORT byte* instr_get_raw_bits(instr_t* instr);
 DR_EXPORT int instr_get_opcode(instr_t* instr);
-// Neither inserted by the host as its own nor marked meta. Meta instructions are emitted as they
-// stand; all others are application instructions, in which X28 is the application's.
+// Whether this is an application instruction: neither inserted by the host as its own nor marked
+// meta. Meta instructions are emitted unchanged. In all others X28 is the application's.
 DR_EXPORT bool instr_is_app(instr_t* instr);
 DR_EXPORT instr_t* instr_get_next(instr_t* instr);
 DR_EXPORT instr_t* instr_get_prev(instr_t* instr);
@@ -171,8 +171,9 @@ DR_EXPORT void instrlist_insert_mov_immed_ptrsz(void* drcontext, ptr_int_t value
                                                 instrlist_t* ilist, instr_t* where, instr_t** first,
                                                 instr_t** last);
 
-// For tests and tools outside a block event: lists and application instructions of one's own, and
-// the machine words of a list. A drcontext may be null in these, and in all constructors.
+// For tests and tools outside a block event: they make their own lists and application
+// instructions, and write a list's machine words. `drcontext` may be null in these and in all
+// constructors.
 DR_EXPORT instrlist_t* instrlist_create(void* drcontext);
 DR_EXPORT void instrlist_clear_and_destroy(void* drcontext, instrlist_t* ilist);
 // An application instruction whose 4 bytes are at `bits`, with the application address `pc`.
@@ -209,16 +210,18 @@ DR_EXPORT void dr_restore_reg(void* drcontext, instrlist_t* ilist, instr_t* wher
 DR_EXPORT reg_t dr_read_saved_reg(void* drcontext, dr_spill_slot_t slot);
 DR_EXPORT void dr_write_saved_reg(void* drcontext, dr_spill_slot_t slot, reg_t value);
 
-// Inserts a meta instruction that copies the application's X28 into `reg`, or out of it.
+// Inserts a meta instruction that copies the application's X28 into `reg`, or `reg` into the
+// application's X28.
 DR_EXPORT bool dr_insert_get_stolen_reg_value(void* drcontext, instrlist_t* ilist, instr_t* where,
                                               reg_id_t reg);
 DR_EXPORT bool dr_insert_set_stolen_reg_value(void* drcontext, instrlist_t* ilist, instr_t* where,
                                               reg_id_t reg);
 
-// Inserts a call of `callee` that stands for the application instruction at `pc`. The arguments,
-// at most 8, are immediate operands (`opnd_t`). The callee runs on the application's thread, on a
-// host stack, with the host's TPIDR_EL0, and with the application's FPCR and FPSR. Afterwards SP,
-// TPIDR_EL0 and X28 are what they were before the call; every other register may hold anything.
+// Inserts a call to `callee` that takes the place of the application instruction at `pc`. The
+// arguments, at most 8, are immediate operands (`opnd_t`). The callee runs on the application's
+// thread, on a host stack, with the host's TPIDR_EL0, and with the application's FPCR and FPSR.
+// Afterwards SP, TPIDR_EL0 and X28 are what they were before the call; every other register may
+// hold anything.
 DR_EXPORT void dr_insert_call_velox(void* drcontext, instrlist_t* ilist, instr_t* where, app_pc pc,
                                     void* callee, uint num_args, ...);
 
@@ -232,7 +235,8 @@ struct _module_data_t {
 };
 using module_data_t = _module_data_t;
 
-// Records are the caller's, to be freed with dr_free_module_data. Null: no such module.
+// The caller owns these records and frees them with dr_free_module_data. Null if there is no such
+// module.
 DR_EXPORT module_data_t* dr_get_main_module();
 DR_EXPORT module_data_t* dr_lookup_module(byte* pc);
 DR_EXPORT void dr_free_module_data(module_data_t* data);
@@ -243,7 +247,7 @@ DR_EXPORT app_pc dr_fragment_app_pc(void* tag);
 enum dr_kernel_xfer_type_t { DR_XFER_SIGNAL_DELIVERY, DR_XFER_SIGNAL_RETURN };
 enum dr_mcontext_flags_t { DR_MC_CONTROL = 0x02 };
 
-// The application's registers, of which this host only gives SP.
+// The application's registers. This host fills in SP only.
 struct dr_mcontext_t {
   std::size_t size;
   dr_mcontext_flags_t flags;

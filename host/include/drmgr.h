@@ -21,19 +21,19 @@ DR_EXPORT bool drmgr_init();
 DR_EXPORT void drmgr_exit();
 DR_EXPORT bool drmgr_register_thread_init_event(void (*func)(void* drcontext));
 DR_EXPORT bool drmgr_register_thread_exit_event(void (*func)(void* drcontext));
-// Events run in the order of their registration; `priority` is not looked at and may be null.
+// Events run in the order of their registration. `priority` is ignored and may be null.
 DR_EXPORT bool drmgr_register_bb_app2app_event(drmgr_xform_cb_t func, drmgr_priority_t* priority);
 DR_EXPORT bool drmgr_unregister_bb_app2app_event(drmgr_xform_cb_t func);
 
-// Called on a thread whose application state the kernel is about to change: in signal delivery
-// before the handler's first block, with the frame at target_xsp; in rt_sigreturn before the block
-// that goes on, with the frame at the source's xsp.
+// Called on a thread whose application state the kernel is about to change. In signal delivery,
+// this is before the handler's first block, and the frame is at target_xsp. In rt_sigreturn, this
+// is before the block where the thread goes on, and the frame is at the source's xsp.
 DR_EXPORT bool drmgr_register_kernel_xfer_event(void (*func)(void* drcontext,
                                                              const dr_kernel_xfer_info_t* info));
 DR_EXPORT bool drmgr_unregister_kernel_xfer_event(void (*func)(void* drcontext,
                                                                const dr_kernel_xfer_info_t* info));
 
-// An index of a field that every thread has, null at first; -1 if all 16 are taken.
+// Returns the index of a field that every thread has, null at first, or -1 if all 16 are taken.
 DR_EXPORT int drmgr_register_tls_field();
 DR_EXPORT bool drmgr_unregister_tls_field(int index);
 DR_EXPORT void* drmgr_get_tls_field(void* drcontext, int index);

@@ -1,5 +1,5 @@
-// The host's interface to a client, third part: register reservation. A client that transfers
-// the whole machine state reserves nothing, so this host has the life cycle only.
+// The host's interface to a client, third part: register reservation. A client that transfers the
+// whole machine state reserves nothing, so this host has only the initialisation and the exit.
 #pragma once
 
 #include "host/include/dr_api.h"
