@@ -13,7 +13,7 @@ class address_set {
 
   [[nodiscard]] bool contains(std::uint64_t address) const;
 
-  // Ends by their starts, ascending.
+  // The end of each range by its start, ascending.
   [[nodiscard]] const std::map<std::uint64_t, std::uint64_t>& ranges() const { return ranges_; }
 
  private:

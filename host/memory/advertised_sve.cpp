@@ -31,8 +31,8 @@ std::int64_t get_vector_length(const thread_state& thread) {
   return advertised_bytes | (thread.process.inherits_vector_length ? PR_SVE_VL_INHERIT : 0);
 }
 
-// The kernel takes the largest length that it has and that is not above the one asked for. There is
-// only one, so nothing changes but the flag, now or at the next exec.
+// The kernel takes the largest length that it has, up to the requested one. Here there is only one
+// length, so nothing but the flag changes, now or at the next exec.
 std::int64_t set_vector_length(thread_state& thread, std::uint64_t argument) {
   constexpr std::uint64_t known_flags = PR_SVE_SET_VL_ONEXEC | PR_SVE_VL_INHERIT;
   const std::uint64_t flags = argument & ~std::uint64_t{PR_SVE_VL_LEN_MASK};

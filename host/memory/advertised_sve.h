@@ -1,5 +1,5 @@
-// tessaly --advertise-sve: the application is told of a processor with SVE, whose only vector
-// length is the client's. Without it the kernel's answers are those for the real processor.
+// tessaly --advertise-sve: the application is told that the processor has SVE, and that its only
+// vector length is the client's. Without it, the kernel's answers describe the real processor.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace host {
 
 struct thread_state;
 
-// `vector_bytes` is the vector length in bytes. To be called before the program runs.
+// `vector_bytes` is the vector length in bytes. Call it before the program runs.
 void advertise_sve(unsigned vector_bytes);
 bool sve_is_advertised();
 

@@ -53,7 +53,7 @@ std::string format(const mapping_line& line) {
   return text.append(line.name).append("\n");
 }
 
-// [vdso], [vvar] and the like: the kernel's gifts to the application.
+// [vdso], [vvar] and the like: the kernel maps them for the application.
 bool is_kernel_mapping(std::string_view name) { return name.starts_with("[v"); }
 
 class mapping_filter {
@@ -88,7 +88,7 @@ class mapping_filter {
     line.start = start;
     line.end = std::min(line.end, range.end);
     if (!range.name.empty()) line.name = range.name;
-    // The host's own, where the kernel has grown one mapping over both.
+    // This name is for the host's memory: the kernel has merged it with the application's mapping.
     if (range.name.empty() && (line.name == "[heap]" || line.name == "[stack]")) line.name = "";
     result_ += format(line);
     shown_ = true;

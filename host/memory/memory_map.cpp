@@ -20,7 +20,7 @@
 namespace host {
 namespace {
 
-constexpr std::uintptr_t page_bytes = 4096;  // a finer grain than some kernels' is no harm
+constexpr std::uintptr_t page_bytes = 4096;  // some kernels' pages are larger, which does no harm
 
 struct mapping {
   std::uintptr_t start = 0;
@@ -34,7 +34,7 @@ struct mapping {
 fork_safe_mutex mutex;
 std::vector<module_info> loaded_modules;  // the first is the main module
 address_set executable;
-address_set told;  // the application has mapped or protected it, and its right to execute is known
+address_set told;  // mapped or protected by the application: whether it is executable is known
 std::vector<module_info> mapped_modules;
 bool modules_are_known = false;
 std::set<std::uintptr_t> translated_pages;
@@ -96,9 +96,9 @@ std::vector<module_info> modules_of(const std::vector<mapping>& mappings) {
   return modules;
 }
 
-// All that the process can execute, as the kernel tells: at first, and for what came by a way that
-// this host doesn't see. A translating kernel (qemu-user) gives neighbours as one mapping that
-// differ in their right to execute, so what the application has said itself comes first.
+// Reads from the kernel what the process can execute: the first time, and for memory that was
+// mapped in a way that this host does not see. qemu-user shows neighbouring mappings as one even if
+// only some of them are executable, so what the application's own calls have said comes first.
 void read_mappings_again() {
   const std::vector<mapping> all = read_mappings();
   mapped_modules = modules_of(all);

@@ -1,8 +1,9 @@
-// What is mapped where: modules for the client, and which memory may be executed.
+// What is mapped where: the modules, for the client, and which memory may be executed.
 //
-// The kernel knows it best, so /proc/self/maps is the source. It is read when an address is asked
-// for that no earlier reading showed as executable, and the readings are dropped when a system
-// call of the application changes executable memory.
+// The application's own calls that map or protect memory are recorded. For everything else
+// /proc/self/maps is the source. It is read when an address is neither recorded nor known to be
+// executable from an earlier reading, and when a module is asked for after executable memory or a
+// module has changed.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +13,7 @@
 
 namespace host {
 
-// The modules that the loader mapped; the main module stays what it is from then on.
+// Sets the modules that the loader mapped. The main module stays the same from then on.
 void set_loaded_modules(const loaded_program& program);
 
 std::optional<module_info> main_module();
@@ -29,10 +30,10 @@ void note_translated(std::uintptr_t start, std::uintptr_t end);
 enum class mapping_change : std::uint8_t { removed, not_executable, executable };
 
 // A range of whole pages was mapped, unmapped, or given other permissions. If code was translated
-// from there, has all threads drop their translations.
+// from there, all threads drop those translations.
 void note_changed(std::uintptr_t start, std::uintptr_t end, mapping_change change);
 
-// Code in a range was written anew. Other threads see it after their next ISB at the latest.
+// Code in a range was rewritten. Other threads see the new code after their next ISB at the latest.
 void note_rewritten(std::uintptr_t start, std::uintptr_t end);
 
 }  // namespace host

@@ -43,7 +43,7 @@ constexpr known_file known_files[] = {
 };
 
 struct {
-  std::uint64_t arguments_start = 0;  // of the texts, which stand one behind the other
+  std::uint64_t arguments_start = 0;  // of the strings, which follow each other
   std::uint64_t arguments_end = 0;
   std::string auxiliary_vector;
 } initial;
@@ -71,8 +71,8 @@ bool take_number(std::string_view& text) {
   return digits != 0;
 }
 
-// Whether a path leads into the process's own directory in /proc, or that of one of its threads:
-// then only the rest of the path is left of it.
+// Whether a path leads into the process's own directory in /proc, or that of one of its threads. If
+// so, leaves only the rest of the path.
 bool take_own_directory(std::string_view& path) {
   if (!take_prefix(path, "/proc/")) return false;
   if (take_prefix(path, "thread-self/")) return true;
@@ -89,7 +89,7 @@ own_file in_own_directory(std::string_view name) {
   return known == std::end(known_files) ? own_file::none : known->file;
 }
 
-// Most paths are told apart by their last component.
+// The last component alone rules out most paths.
 own_file own_file_at(std::uint64_t directory, std::uint64_t address) {
   const auto text = read_path(address);
   if (!text) return own_file::none;
@@ -115,7 +115,7 @@ std::string read_all(const char* path) {
   return content;
 }
 
-// The break stands somewhere among the others.
+// The break lies somewhere among the other ranges.
 std::vector<memory_range> all_memory() {
   std::vector<memory_range> ranges = application_memory();
   const auto [start, end] = program_break_range();
@@ -130,7 +130,7 @@ std::string command_line() {
   return text;
 }
 
-// Each processor's "Features" line gets the word that the kernel would put there.
+// Adds the word that the kernel would add to each processor's "Features" line.
 std::string processors_with_sve() {
   std::string text = read_all("/proc/cpuinfo");
   constexpr std::string_view label = "\nFeatures";
@@ -156,7 +156,7 @@ std::string content_of(own_file file) {
   return {};
 }
 
-// A descriptor for reading only, on memory with the content; negative if there is none to be had.
+// Returns a read-only descriptor for memory with the content, or a negative number on failure.
 int file_with(const std::string& content) {
   const int writable = memfd_create("own file", MFD_CLOEXEC);
   if (writable < 0) return -1;
