@@ -190,7 +190,6 @@ loaded_program load_program(const program_to_run& program,
   loaded_program loaded;
   loaded.main_module = describe(main, program.file);
   loaded.start_pc = main.entry();
-  loaded.program_break = main.end();
   if (!main.image.interpreter.empty()) {
     const input_file file(main.image.interpreter, program.file.path() + ": interpreter ");
     const mapped_image interpreter = map_file(file, 0);

@@ -25,7 +25,6 @@ struct loaded_program {
   std::uintptr_t stack_pointer = 0;        // points at argc, as the kernel leaves it
   std::uintptr_t stack_start = 0;          // without the guard below it
   std::uintptr_t stack_end = 0;
-  std::uintptr_t program_break = 0;  // where the kernel would start it: the page after the data
 };
 
 }  // namespace host

@@ -1,9 +1,9 @@
 // The files in which the kernel describes a process to itself. It would describe the launcher, but
 // the application must read what it would read without one. This concerns /proc/self/exe, cmdline,
 // maps, smaps and auxv, by any name that leads there (/proc/PID, /proc/thread-self, a directory's
-// descriptor), and /proc/cpuinfo if the application is to see SVE. All other files under /proc/self
-// are left to the kernel: comm, environ, status, fd and so on are the same with and without the
-// launcher.
+// descriptor), and /proc/cpuinfo if the application is to see SVE. The other files
+// under /proc/self are left to the kernel: comm, environ and fd are the same with and without the
+// launcher, and the counts in status and stat include what the launcher uses.
 //
 // A generated file is a copy made when it is opened.
 #pragma once

@@ -73,7 +73,6 @@ TEST_F(loader, maps_file_and_zeros) {
   const std::uintptr_t data = bias + 0x411000;
   EXPECT_EQ(bias % 0x10000, 0U);
   EXPECT_EQ(program.main_module.end, bias + 0x414000);
-  EXPECT_EQ(program.program_break, bias + 0x414000);
   EXPECT_EQ(program.start_pc, bias + 0x400800);
   EXPECT_EQ(std::memcmp(at(program.main_module.start), ELFMAG, SELFMAG), 0);
   EXPECT_EQ(permissions(bias + 0x400000), "r-xp");
