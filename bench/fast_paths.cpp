@@ -22,7 +22,7 @@ struct fast_line {
   std::string_view name, path, operands;
 };
 
-#define FAST(pattern, name, path, ...) {#name, #path, #__VA_ARGS__},
+#define FAST(pattern, mnemonic, name, path, ...) {#name, #path, #__VA_ARGS__},
 #define FAST_FP FAST
 #define BRIDGE(...)
 #define NO_OP(...)

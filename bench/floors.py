@@ -110,7 +110,7 @@ def first_match(table, key):
 def vector_loads(operands):
     """The number of vectors that are read: all except a destination that is only written."""
     merging_over = "PgM" in operands and any(o.startswith("Zd<") for o in operands)
-    sources = [o for o in operands if re.match(r"Z(n|m|a|dn|da)<", o)]
+    sources = [o for o in operands if re.match(r"Z(n|m|a|dn|da)([A-Z<]|$)", o)]
     return len(sources) + merging_over
 
 

@@ -55,6 +55,7 @@ void write_result(cpu_state* state, simd_register reg, std::uint64_t value);
 struct no_result {
   template <word_pattern Pattern>
   static constexpr std::uint32_t field_mask = 0;
+  static constexpr operand_text text{nullptr, place::unwritten};
 };
 
 // Evaluates to the handler of a row: the function's arguments are `Operands` in order, then the

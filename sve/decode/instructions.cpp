@@ -18,42 +18,60 @@ namespace {
 template <word_pattern Pattern>
 inline constexpr word_pattern stored_pattern = Pattern;
 
-template <word_pattern Pattern>
-consteval instruction_row row(std::string_view name, row_kind kind, decode_handler handler) {
+template <class... Operands>
+constexpr std::array<operand_text, sizeof...(Operands)> operand_texts{Operands::text...};
+
+// What a row has beside its pattern.
+struct line {
+  std::string_view mnemonic, name;
+  row_kind kind;
+  decode_handler handler;
+};
+
+template <word_pattern Pattern, class... Operands>
+consteval instruction_row row(line said) {
   constexpr std::size_t map = map_with_key_mask(Pattern.fixed_mask());
   static_assert(map != no_map, "the fixed bits of a pattern must be exactly the ranges of a map");
+  static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
   return {.pattern = {stored_pattern<Pattern>.text, 32},
-          .name = name,
-          .handler = handler,
+          .mnemonic = said.mnemonic,
+          .name = said.name,
+          .operands = operand_texts<Operands...>,
+          .handler = said.handler,
           .map = map,
           .key = static_cast<int>(gather_bits(Pattern.fixed_bits(), Pattern.fixed_mask())),
-          .kind = kind};
+          .kind = said.kind};
 }
 
 template <word_pattern Pattern, auto Function, class... Operands>
-consteval instruction_row fast_row(std::string_view name) {
-  static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::fast, &fast_handler<Pattern, Function, Operands...>);
+consteval instruction_row fast_row(std::string_view mnemonic, std::string_view name) {
+  return row<Pattern, Operands...>(
+      {mnemonic, name, row_kind::fast, &fast_handler<Pattern, Function, Operands...>});
 }
 
 template <word_pattern Pattern, auto Function, class... Operands>
-consteval instruction_row fast_fp_row(std::string_view name) {
-  static_assert(reads_all_fields<Pattern, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::fast, &fast_fp_handler<Pattern, Function, Operands...>);
+consteval instruction_row fast_fp_row(std::string_view mnemonic, std::string_view name) {
+  return row<Pattern, Operands...>(
+      {mnemonic, name, row_kind::fast, &fast_fp_handler<Pattern, Function, Operands...>});
 }
 
 template <word_pattern Pattern, auto Function, class Result, class... Operands>
-consteval instruction_row bridge_row(std::string_view name) {
-  static_assert(reads_all_fields<Pattern, Result, Operands...>, "an operand field is not read");
-  return row<Pattern>(name, row_kind::bridge,
-                      &bridge_handler<Pattern, Function, Result, Operands...>);
+consteval instruction_row bridge_row(std::string_view mnemonic, std::string_view name) {
+  return row<Pattern, Result, Operands...>(
+      {mnemonic, name, row_kind::bridge, &bridge_handler<Pattern, Function, Result, Operands...>});
+}
+
+template <word_pattern Pattern, class... Operands>
+consteval instruction_row no_op_row(std::string_view mnemonic, std::string_view name) {
+  return row<Pattern, Operands...>({mnemonic, name, row_kind::no_op, &no_op_handler<Pattern>});
 }
 
 // How a line of the table becomes a row. BRIDGE takes the function from the row's own name.
-#define FAST(pattern, name, ...) fast_row<pattern, __VA_ARGS__>(#name),
-#define FAST_FP(pattern, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#name),
-#define BRIDGE(pattern, name, ...) bridge_row<pattern, &name, __VA_ARGS__>(#name),
-#define NO_OP(pattern, name) row<pattern>(#name, row_kind::no_op, &no_op_handler<pattern>),
+#define FAST(pattern, mnemonic, name, ...) fast_row<pattern, __VA_ARGS__>(#mnemonic, #name),
+#define FAST_FP(pattern, mnemonic, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#mnemonic, #name),
+#define BRIDGE(pattern, mnemonic, name, ...) \
+  bridge_row<pattern, &name, __VA_ARGS__>(#mnemonic, #name),
+#define NO_OP(pattern, mnemonic, name, ...) no_op_row<pattern, __VA_ARGS__>(#mnemonic, #name),
 
 constexpr instruction_row table[] = {
 #include "sve/decode/instructions.inc"

@@ -80,10 +80,3 @@ aarch64_decode_rc execute_sve_instruction(cpu_state* state) {
 }
 
 unsigned sve_vector_bytes() { return sve::vector_bytes; }
-
-void list_sve_instructions(std::FILE* out) {
-  for (const sve::instruction_row& row : sve::instruction_rows()) {
-    std::fprintf(out, "%.*s  %c  %.*s\n", static_cast<int>(row.pattern.size()), row.pattern.data(),
-                 static_cast<char>(row.kind), static_cast<int>(row.name.size()), row.name.data());
-  }
-}

@@ -10,8 +10,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <span>
+#include <string>
 #include <string_view>
 
+#include "sve/decode/operand_text.h"
 #include "sve/state/cpu_state.h"
 
 using decode_handler = aarch64_decode_rc (*)(cpu_state*, unsigned int);
@@ -36,8 +38,10 @@ enum class row_kind : char {
 
 // One row of the decode maps: one instruction form at one element type.
 struct instruction_row {
-  std::string_view pattern;  // 32 characters, bit 31 first: 0, 1 or the letter of an operand field
-  std::string_view name;     // VecS32MinVVM
+  std::string_view pattern;   // 32 characters, bit 31 first: 0, 1 or the letter of an operand field
+  std::string_view mnemonic;  // SMIN
+  std::string_view name;      // VecS32MinVVM
+  std::span<const operand_text> operands;  // how they are written, in the order of the line
   decode_handler handler;
   std::size_t map;  // index into decode_map_names()
   int key;          // the row's key in that map
@@ -46,6 +50,9 @@ struct instruction_row {
   // The bits that the pattern fixes, and their values.
   std::uint32_t fixed_mask() const;
   std::uint32_t fixed_bits() const;
+
+  // As on the architecture's encoding pages: SMIN <Zdn>.S, <Pg>/M, <Zdn>.S, <Zm>.S
+  std::string syntax() const;
 };
 
 // All rows, in the order of the table, which is that of the architecture's encoding index.
@@ -57,13 +64,17 @@ std::span<const std::string_view> decode_map_names();
 // The row that serves `word`, or null.
 const instruction_row* find_row(std::uint32_t word);
 
+// The word as the assembler writes it, without aliases: smin z3.s, p5/m, z3.s, z9.s. A word that no
+// row serves is .inst and the word.
+std::string disassemble(std::uint32_t word);
+
 }  // namespace sve
 
 // What the launcher looks up by name in the client that it has loaded. Like the client's entry
 // point, and unlike all else, these two have the linkage of C: their symbols are the plain names.
 extern "C" {
 
-// Prints the table, one line a row: pattern, kind, name.
+// Prints the table, one line a row: pattern, kind, name, syntax.
 void list_sve_instructions(std::FILE* out);
 
 // The vector length of this build, in bytes, for a host that tells programs of it.

@@ -50,7 +50,7 @@ TEST(Bridge, ConvertsScalarsOfBothKinds) {
   std::memset(state.z[3], 0xee, vector_bytes);
   state.sp = 0x100;
   constexpr word_pattern pattern("0000000000000000000000nnnnnddddd");
-  bridge_handler<pattern, &sum_of_arguments, Vd, Vd, Base>(&state, (31U << 5) | 3);
+  bridge_handler<pattern, &sum_of_arguments, Vd<D>, Vdn<D>, Base>(&state, (31U << 5) | 3);
   EXPECT_EQ(element<std::uint64_t>(state.z[3], 0), 0xeeeeeeee'eeeeefeeU);
   for (unsigned k = 8; k < vector_bytes; ++k) EXPECT_EQ(state.z[3][k], 0) << k;
   EXPECT_EQ(state.fpsr, 0x10U);

@@ -46,10 +46,12 @@ struct printer {
 };
 
 constexpr printer printers[] = {
-#define FAST(pattern, name, function, ...) {#name, print_operands<pattern, ##__VA_ARGS__>},
+#define FAST(pattern, mnemonic, name, function, ...) \
+  {#name, print_operands<pattern, ##__VA_ARGS__>},
 #define FAST_FP FAST
-#define BRIDGE(pattern, name, result, ...) {#name, print_operands<pattern, ##__VA_ARGS__>},
-#define NO_OP(pattern, name)
+#define BRIDGE(pattern, mnemonic, name, result, ...) \
+  {#name, print_operands<pattern, ##__VA_ARGS__>},
+#define NO_OP(...)
 #include "sve/decode/instructions.inc"
 };
 

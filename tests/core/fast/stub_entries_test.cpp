@@ -42,13 +42,12 @@ TEST(StubEntries, ReportTheInstructionAndReturnUnimplemented) {
 
 TEST(StubEntries, ServeNoRow) {
   const char* const fast_paths[] = {
-#define FAST(pattern, name, function, ...) #function,
+#define FAST(pattern, mnemonic, name, function, ...) #function,
 #define FAST_FP FAST
 #define BRIDGE(...)
 #define NO_OP(...)
 #include "sve/decode/instructions.inc"
   };
-  EXPECT_EQ(std::size(fast_paths), 730U);
   for (const char* name : fast_paths) {
     EXPECT_EQ(std::ranges::find(entries, name, &entry::name), std::end(entries)) << name;
   }
