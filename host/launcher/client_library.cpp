@@ -77,4 +77,10 @@ void client_library::list_instructions() const {
   list(stdout);
 }
 
+void client_library::disassemble(std::span<const std::uint32_t> words) const {
+  const auto print =
+      reinterpret_cast<void (*)(std::FILE*, unsigned)>(symbol("print_sve_disassembly"));
+  for (const std::uint32_t word : words) print(stdout, word);
+}
+
 }  // namespace host

@@ -2,6 +2,8 @@
 // to the host interface that the launcher exports.
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,9 @@ class client_library {
   // Prints the instruction forms that the client knows. Throws launch_error for a client other than
   // ours.
   void list_instructions() const;
+
+  // Prints a line on what each word means to our own client. Throws launch_error for another one.
+  void disassemble(std::span<const std::uint32_t> words) const;
 
  private:
   [[nodiscard]] void* symbol(const char* name) const;

@@ -89,6 +89,9 @@ int launch(const options& chosen, char** environment) {
     case requested_action::list_instructions:
       client_library(default_client_path()).list_instructions();
       return 0;
+    case requested_action::disassemble:
+      client_library(default_client_path()).disassemble(chosen.words);
+      return 0;
     case requested_action::run: break;
   }
   run_program(chosen, environment);

@@ -25,6 +25,7 @@ constexpr informational_option informational_options[] = {
     {"--version", requested_action::show_version},
     {"--list-instructions", requested_action::list_instructions},
 };
+constexpr std::string_view disassemble_option = "--disassemble";
 
 // Reads the words of the command line from the left.
 class command_line {
@@ -35,6 +36,10 @@ class command_line {
     if (rest_.empty()) usage_error("no program given");
     if (const auto action = information_asked_for()) {
       chosen_.action = *action;
+      return std::move(chosen_);
+    }
+    if (rest_.front() == disassemble_option) {
+      read_words();
       return std::move(chosen_);
     }
     while (!rest_.empty() && rest_.front().starts_with("-") && !at_end_) read_option();
@@ -57,6 +62,24 @@ class command_line {
       return option.action;
     }
     return std::nullopt;
+  }
+
+  void read_words() {
+    chosen_.action = requested_action::disassemble;
+    take();
+    if (rest_.empty()) usage_error("--disassemble needs an instruction word, such as 04a20020");
+    for (const std::string& text : rest_) chosen_.words.push_back(instruction_word(text));
+  }
+
+  static std::uint32_t instruction_word(const std::string& text) {
+    const std::string digits = text.starts_with("0x") ? text.substr(2) : text;
+    std::uint32_t word = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [parsed_to, error] = std::from_chars(digits.data(), end, word, 16);
+    if (error != std::errc() || parsed_to != end) {
+      usage_error("--disassemble needs words of 32 bits in hexadecimal, not \"" + text + "\"");
+    }
+    return word;
   }
 
   std::string value_of(const std::string& option) {
@@ -120,7 +143,11 @@ other instructions were met. Programs that PROGRAM executes run in the same way.
   -c CLIENT.so         load this client library instead of libsve_client.so
   --advertise-sve      tell PROGRAM that the processor has SVE (AT_HWCAP, prctl, /proc/cpuinfo)
   --executable FILE    run FILE; PROGRAM is only what it finds as argv[0]
-  --list-instructions  list the instruction forms that are known, and what serves each
+  --list-instructions  list the instruction forms that are known: pattern, what serves each, name,
+                       syntax
+  --disassemble WORD...
+                       print what each instruction word means, and what serves it; words are in
+                       hexadecimal
   --help               show this text
   --version            show the version
   --executable-name, --executable-descriptor

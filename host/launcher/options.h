@@ -1,13 +1,14 @@
 // The launcher's command line.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace host {
 
-enum class requested_action { run, show_help, show_version, list_instructions };
+enum class requested_action { run, show_help, show_version, list_instructions, disassemble };
 
 struct options {
   requested_action action = requested_action::run;
@@ -20,6 +21,8 @@ struct options {
   std::string executable;
   // The name of the file in AT_EXECFN and of the process; if empty, `executable` is used.
   std::string executable_name;
+  // The instruction words to disassemble.
+  std::vector<std::uint32_t> words;
   // A descriptor of the file that the program must not inherit, or -1.
   int executable_descriptor = -1;
   bool advertise_sve = false;

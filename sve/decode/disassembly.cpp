@@ -13,6 +13,15 @@ std::string with_operands(std::string_view mnemonic, const std::string& operands
   return std::string(mnemonic) + (operands.empty() ? "" : " ") + operands;
 }
 
+const char* what_serves(row_kind kind) {
+  switch (kind) {
+    case row_kind::fast: return "a fast path";
+    case row_kind::bridge: return "the reference semantics";
+    case row_kind::no_op: return "nothing, as it is a prefetch";
+  }
+  return "";
+}
+
 int width(std::string_view text) { return static_cast<int>(text.size()); }
 
 }  // namespace
@@ -45,4 +54,14 @@ void list_sve_instructions(std::FILE* out) {
                  static_cast<char>(row.kind), longest, sve::width(row.name), row.name.data(),
                  row.syntax().c_str());
   }
+}
+
+void print_sve_disassembly(std::FILE* out, unsigned word) {
+  const sve::instruction_row* const row = sve::find_row(word);
+  if (row == nullptr) {
+    std::fprintf(out, "%08x  no form in the instruction table has this word\n", word);
+    return;
+  }
+  std::fprintf(out, "%08x  %-44s  %s, served by %s\n", word, sve::disassemble(word).c_str(),
+               std::string(row->name).c_str(), sve::what_serves(row->kind));
 }

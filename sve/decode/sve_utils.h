@@ -71,11 +71,15 @@ std::string disassemble(std::uint32_t word);
 }  // namespace sve
 
 // What the launcher looks up by name in the client that it has loaded. Like the client's entry
-// point, and unlike all else, these two have the linkage of C: their symbols are the plain names.
+// point, and unlike all else, these have the linkage of C: their symbols are the plain names.
 extern "C" {
 
 // Prints the table, one line a row: pattern, kind, name, syntax.
 void list_sve_instructions(std::FILE* out);
+
+// Prints one line: the word, its text, the name of its row and what serves it; or that no row has
+// it.
+void print_sve_disassembly(std::FILE* out, unsigned word);
 
 // The vector length of this build, in bytes, for a host that tells programs of it.
 unsigned sve_vector_bytes();

@@ -1,6 +1,7 @@
 // An outside caller: no header of the library, but the names, types and record layouts that the
 // library exports, declared by hand in plain C++. That it links shows the names and the argument
 // types; one result for each kind shows that both sides lay out the records alike.
+#include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
@@ -50,6 +51,9 @@ decode_handler is_sve(unsigned int word);
 aarch64_decode_rc execute_sve_instruction(cpu_state*);
 void update_sve_stats(unsigned int* pc, unsigned int word);
 void dump_sve_stats();
+extern "C" void list_sve_instructions(std::FILE*);
+extern "C" void print_sve_disassembly(std::FILE*, unsigned int word);
+extern "C" unsigned int sve_vector_bytes();
 
 // Reference functions.
 
@@ -209,6 +213,16 @@ TEST_F(OutsideCaller, DecodingAndCounting) {
   testing::internal::CaptureStderr();
   dump_sve_stats();
   EXPECT_NE(testing::internal::GetCapturedStderr().find(": 0x04a20020 2\n"), std::string::npos);
+}
+
+TEST_F(OutsideCaller, WhatTheLauncherLooksUp) {
+  EXPECT_EQ(sve_vector_bytes(), unsigned{VECTOR_BYTES});
+  testing::internal::CaptureStdout();
+  list_sve_instructions(stdout);
+  print_sve_disassembly(stdout, 0x04a20020);
+  const std::string printed = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(printed.find("00100100000mmmmm000gggnnnnn0dddd  F  VecU8CmpFlgGEVVZ "), 0U);
+  EXPECT_NE(printed.find("\n04a20020  add z0.s, z1.s, z2.s "), std::string::npos);
 }
 
 TEST_F(OutsideCaller, NamesOfRegisters) { EXPECT_STREQ(aarch64_z_reg::zname_b[31], "z31.b"); }

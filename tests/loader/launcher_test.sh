@@ -127,5 +127,16 @@ grep -q "^Usage: tessaly .OPTIONS. PROGRAM" out || fail "--help prints $(cat out
 tessaly --version >out 2>err || fail "--version: $(cat err)"
 grep -Eqx "tessaly [0-9.]+" out || fail "--version prints $(cat out err)"
 
+# The instruction table.
+tessaly --list-instructions >out 2>err || fail "--list-instructions: $(cat err)"
+line='00100101001010111000100mmmmddddd  B  VecU8QDecrSCount4PS  *UQDECP <Wdn>, <Pm>.B'
+grep -qx "$line" out || fail "--list-instructions has no line \"$line\""
+tessaly --disassemble 04a20020 0xd503201f >out 2>err || fail "--disassemble: $(cat err)"
+printf '%s\n' \
+  "04a20020  add z0.s, z1.s, z2.s                          VecU32AddVVX, served by a fast path" \
+  "d503201f  no form in the instruction table has this word" | diff - out ||
+  fail "--disassemble prints this"
+expect 2 'hexadecimal, not "nop"; see tessaly --help' --disassemble 04a20020 nop
+
 [ $failures -eq 0 ] || exit 1
 echo "launcher_test: all as expected"

@@ -52,6 +52,9 @@ TEST(options, knows_requests_for_information) {
   EXPECT_EQ(parse_options(words{"--version"}).action, requested_action::show_version);
   EXPECT_EQ(parse_options(words{"--list-instructions"}).action,
             requested_action::list_instructions);
+  const options chosen = parse_options(words{"--disassemble", "04a20020", "0xd503201F", "0"});
+  EXPECT_EQ(chosen.action, requested_action::disassemble);
+  EXPECT_EQ(chosen.words, (std::vector<std::uint32_t>{0x04a20020, 0xd503201f, 0}));
 }
 
 TEST(options, refuses_what_makes_no_sense) {
@@ -71,6 +74,12 @@ TEST(options, refuses_what_makes_no_sense) {
       {{"-"}, "unknown option -"},
       {{"--version", "prog"}, "--version takes no"},
       {{"--advertise-sve"}, "no program given"},
+      {{"--disassemble"}, "--disassemble needs an instruction word"},
+      {{"--disassemble", "04a20020", "nop"}, "not \"nop\""},
+      {{"--disassemble", "104a20020"}, "not \"104a20020\""},
+      {{"--disassemble", "0x"}, "not \"0x\""},
+      {{"--disassemble", "-1"}, "not \"-1\""},
+      {{"--disassemble", ""}, "not \"\""},
       {{"--executable"}, "--executable needs a value"},
       {{"--executable-descriptor", "1x", "prog"}, "needs a number, not 1x"},
       {{"--executable-descriptor", "-1", "prog"}, "needs a number, not -1"},
