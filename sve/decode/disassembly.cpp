@@ -15,14 +15,12 @@ std::string with_operands(std::string_view mnemonic, const std::string& operands
 
 const char* what_serves(row_kind kind) {
   switch (kind) {
-    case row_kind::fast: return "a fast path";
-    case row_kind::bridge: return "the reference semantics";
-    case row_kind::no_op: return "nothing, as it is a prefetch";
+    case row_kind::fast: return "served by a fast path";
+    case row_kind::bridge: return "served by the reference semantics";
+    case row_kind::no_op: return "a prefetch, which does nothing";
   }
   return "";
 }
-
-int width(std::string_view text) { return static_cast<int>(text.size()); }
 
 }  // namespace
 
@@ -46,14 +44,9 @@ std::string disassemble(std::uint32_t word) {
 }  // namespace sve
 
 void list_sve_instructions(std::FILE* out) {
-  int longest = 0;
   for (const sve::instruction_row& row : sve::instruction_rows())
-    longest = std::max(longest, sve::width(row.name));
-  for (const sve::instruction_row& row : sve::instruction_rows()) {
-    std::fprintf(out, "%.*s  %c  %-*.*s  %s\n", sve::width(row.pattern), row.pattern.data(),
-                 static_cast<char>(row.kind), longest, sve::width(row.name), row.name.data(),
-                 row.syntax().c_str());
-  }
+    std::fprintf(out, "%s  %c  %-22s  %s\n", std::string(row.pattern).c_str(),
+                 static_cast<char>(row.kind), std::string(row.name).c_str(), row.syntax().c_str());
 }
 
 void print_sve_disassembly(std::FILE* out, unsigned word) {
@@ -62,6 +55,6 @@ void print_sve_disassembly(std::FILE* out, unsigned word) {
     std::fprintf(out, "%08x  no form in the instruction table has this word\n", word);
     return;
   }
-  std::fprintf(out, "%08x  %-44s  %s, served by %s\n", word, sve::disassemble(word).c_str(),
+  std::fprintf(out, "%08x  %-44s  %s, %s\n", word, sve::disassemble(word).c_str(),
                std::string(row->name).c_str(), sve::what_serves(row->kind));
 }

@@ -1,12 +1,13 @@
-// The 44 decode maps: the bits of the instruction word that make up the key of each.
+// The decode maps: the bits of the instruction word that make up the key of each.
 //
 // A row stands in the map whose ranges are exactly the bits that its pattern fixes. No two rows
 // match one word, so the order of probing cannot be observed; the maps are probed from the widest
-// key to the narrowest.
+// key to the narrowest. A pattern that fits none needs a map of its own: a line below.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 namespace sve {
@@ -14,7 +15,6 @@ namespace sve {
 struct map_description {
   std::string_view name;   // decode_map__ and the bit ranges of the key, the highest first
   std::uint32_t key_mask;  // the bits of these ranges
-  unsigned rows;           // how many rows the map holds
 };
 
 // The mask of bits hi to lo, for each pair in order.
@@ -27,59 +27,60 @@ consteval std::uint32_t ranges(Ints... hi_lo) {
   return mask;
 }
 
-inline constexpr std::array<map_description, 44> decode_maps{{
-    {"decode_map__31_0", ranges(31, 0), 1},
-    {"decode_map__31_9__4_0", ranges(31, 9, 4, 0), 1},
-    {"decode_map__31_4", ranges(31, 4), 2},
-    {"decode_map__31_9__4_4", ranges(31, 9, 4, 4), 13},
-    {"decode_map__31_14__9_9__4_0", ranges(31, 14, 9, 9, 4, 0), 1},
-    {"decode_map__31_10__4_4", ranges(31, 10, 4, 4), 8},
-    {"decode_map__31_9", ranges(31, 9), 58},
-    {"decode_map__31_13__9_6", ranges(31, 13, 9, 6), 24},
-    {"decode_map__31_21__15_10__4_0", ranges(31, 21, 15, 10, 4, 0), 4},
-    {"decode_map__31_10", ranges(31, 10), 38},
-    {"decode_map__31_13__9_8", ranges(31, 13, 9, 8), 4},
-    {"decode_map__31_11", ranges(31, 11), 1},
-    {"decode_map__31_14__9_9__4_4", ranges(31, 14, 9, 9, 4, 4), 8},
-    {"decode_map__31_13__9_9", ranges(31, 13, 9, 9), 4},
-    {"decode_map__31_20__15_9__4_4", ranges(31, 20, 15, 9, 4, 4), 24},
-    {"decode_map__31_13__4_4", ranges(31, 13, 4, 4), 18},
-    {"decode_map__31_24__21_10", ranges(31, 24, 21, 10), 1},
-    {"decode_map__31_24__21_21__19_10", ranges(31, 24, 21, 21, 19, 10), 1},
-    {"decode_map__31_19__15_10", ranges(31, 19, 15, 10), 6},
-    {"decode_map__31_13", ranges(31, 13), 403},
-    {"decode_map__31_14__9_9", ranges(31, 14, 9, 9), 4},
-    {"decode_map__31_20__15_10", ranges(31, 20, 15, 10), 65},
-    {"decode_map__31_14", ranges(31, 14), 32},
-    {"decode_map__31_23__21_13", ranges(31, 23, 21, 13), 4},
-    {"decode_map__31_21__15_10__4_4", ranges(31, 21, 15, 10, 4, 4), 32},
-    {"decode_map__31_24__21_21__18_10", ranges(31, 24, 21, 21, 18, 10), 1},
-    {"decode_map__31_17__15_13", ranges(31, 17, 15, 13), 3},
-    {"decode_map__31_24__21_21__17_10", ranges(31, 24, 21, 21, 17, 10), 1},
-    {"decode_map__31_21__15_10", ranges(31, 21, 15, 10), 135},
-    {"decode_map__31_23__21_21__15_10", ranges(31, 23, 21, 21, 15, 10), 6},
-    {"decode_map__31_21__15_11", ranges(31, 21, 15, 11), 2},
-    {"decode_map__31_24__21_21__16_10", ranges(31, 24, 21, 21, 16, 10), 1},
-    {"decode_map__31_20__15_14__9_9__4_4", ranges(31, 20, 15, 14, 9, 9, 4, 4), 19},
-    {"decode_map__31_21__15_13__4_4", ranges(31, 21, 15, 13, 4, 4), 131},
-    {"decode_map__31_21__15_12", ranges(31, 21, 15, 12), 2},
-    {"decode_map__31_20__15_13", ranges(31, 20, 15, 13), 81},
-    {"decode_map__31_21__15_13", ranges(31, 21, 15, 13), 285},
-    {"decode_map__31_20__15_14", ranges(31, 20, 15, 14), 8},
-    {"decode_map__31_18", ranges(31, 18), 4},
-    {"decode_map__31_22__15_13__4_4", ranges(31, 22, 15, 13, 4, 4), 6},
-    {"decode_map__31_22__15_13", ranges(31, 22, 15, 13), 18},
-    {"decode_map__31_21__15_14", ranges(31, 21, 15, 14), 4},
-    {"decode_map__31_21__13_13__4_4", ranges(31, 21, 13, 13, 4, 4), 16},
-    {"decode_map__31_21__15_15", ranges(31, 21, 15, 15), 3},
-}};
+inline constexpr map_description decode_maps[] = {
+    {"decode_map__31_0", ranges(31, 0)},
+    {"decode_map__31_9__4_0", ranges(31, 9, 4, 0)},
+    {"decode_map__31_4", ranges(31, 4)},
+    {"decode_map__31_9__4_4", ranges(31, 9, 4, 4)},
+    {"decode_map__31_14__9_9__4_0", ranges(31, 14, 9, 9, 4, 0)},
+    {"decode_map__31_10__4_4", ranges(31, 10, 4, 4)},
+    {"decode_map__31_9", ranges(31, 9)},
+    {"decode_map__31_13__9_6", ranges(31, 13, 9, 6)},
+    {"decode_map__31_21__15_10__4_0", ranges(31, 21, 15, 10, 4, 0)},
+    {"decode_map__31_10", ranges(31, 10)},
+    {"decode_map__31_13__9_8", ranges(31, 13, 9, 8)},
+    {"decode_map__31_11", ranges(31, 11)},
+    {"decode_map__31_14__9_9__4_4", ranges(31, 14, 9, 9, 4, 4)},
+    {"decode_map__31_13__9_9", ranges(31, 13, 9, 9)},
+    {"decode_map__31_20__15_9__4_4", ranges(31, 20, 15, 9, 4, 4)},
+    {"decode_map__31_13__4_4", ranges(31, 13, 4, 4)},
+    {"decode_map__31_24__21_10", ranges(31, 24, 21, 10)},
+    {"decode_map__31_24__21_21__19_10", ranges(31, 24, 21, 21, 19, 10)},
+    {"decode_map__31_19__15_10", ranges(31, 19, 15, 10)},
+    {"decode_map__31_13", ranges(31, 13)},
+    {"decode_map__31_14__9_9", ranges(31, 14, 9, 9)},
+    {"decode_map__31_20__15_10", ranges(31, 20, 15, 10)},
+    {"decode_map__31_14", ranges(31, 14)},
+    {"decode_map__31_23__21_13", ranges(31, 23, 21, 13)},
+    {"decode_map__31_21__15_10__4_4", ranges(31, 21, 15, 10, 4, 4)},
+    {"decode_map__31_24__21_21__18_10", ranges(31, 24, 21, 21, 18, 10)},
+    {"decode_map__31_17__15_13", ranges(31, 17, 15, 13)},
+    {"decode_map__31_24__21_21__17_10", ranges(31, 24, 21, 21, 17, 10)},
+    {"decode_map__31_21__15_10", ranges(31, 21, 15, 10)},
+    {"decode_map__31_23__21_21__15_10", ranges(31, 23, 21, 21, 15, 10)},
+    {"decode_map__31_21__15_11", ranges(31, 21, 15, 11)},
+    {"decode_map__31_24__21_21__16_10", ranges(31, 24, 21, 21, 16, 10)},
+    {"decode_map__31_20__15_14__9_9__4_4", ranges(31, 20, 15, 14, 9, 9, 4, 4)},
+    {"decode_map__31_21__15_13__4_4", ranges(31, 21, 15, 13, 4, 4)},
+    {"decode_map__31_21__15_12", ranges(31, 21, 15, 12)},
+    {"decode_map__31_20__15_13", ranges(31, 20, 15, 13)},
+    {"decode_map__31_21__15_13", ranges(31, 21, 15, 13)},
+    {"decode_map__31_20__15_14", ranges(31, 20, 15, 14)},
+    {"decode_map__31_18", ranges(31, 18)},
+    {"decode_map__31_22__15_13__4_4", ranges(31, 22, 15, 13, 4, 4)},
+    {"decode_map__31_22__15_13", ranges(31, 22, 15, 13)},
+    {"decode_map__31_21__15_14", ranges(31, 21, 15, 14)},
+    {"decode_map__31_21__13_13__4_4", ranges(31, 21, 13, 13, 4, 4)},
+    {"decode_map__31_21__15_15", ranges(31, 21, 15, 15)},
+};
 
-inline constexpr std::size_t no_map = decode_maps.size();
+inline constexpr std::size_t map_count = std::size(decode_maps);
+inline constexpr std::size_t no_map = map_count;
 
 // Index of the map whose key is made of exactly the bits of `mask`, or no_map.
 constexpr std::size_t map_with_key_mask(std::uint32_t mask) {
   std::size_t i = 0;
-  while (i < decode_maps.size() && decode_maps[i].key_mask != mask) ++i;
+  while (i < map_count && decode_maps[i].key_mask != mask) ++i;
   return i;
 }
 

@@ -16,7 +16,7 @@ namespace {
 using decode_map = std::map<int, const sve::instruction_row*>;
 
 struct decode_tables {
-  std::array<decode_map, sve::decode_maps.size()> maps;
+  std::array<decode_map, sve::map_count> maps;
 
   decode_tables() {
     for (const sve::instruction_row& row : sve::instruction_rows()) maps[row.map][row.key] = &row;
@@ -27,7 +27,7 @@ struct decode_tables {
 const decode_tables tables;
 
 // Bits 28 to 25 of the architecture's top-level encoding table: the SVE group, in which all rows
-// lie. It spares ordinary instructions, nearly all of a program, the search of 44 maps.
+// lie. It spares ordinary instructions, nearly all of a program, the search of the maps.
 constexpr bool is_in_sve_group(std::uint32_t word) { return ((word >> 25) & 0xf) == 0b0010; }
 
 }  // namespace
@@ -44,7 +44,7 @@ std::uint32_t instruction_row::fixed_bits() const {
 
 std::span<const std::string_view> decode_map_names() {
   static const auto names = [] {
-    std::array<std::string_view, decode_maps.size()> result;
+    std::array<std::string_view, map_count> result;
     for (std::size_t i = 0; i < result.size(); ++i) result[i] = decode_maps[i].name;
     return result;
   }();
@@ -53,7 +53,7 @@ std::span<const std::string_view> decode_map_names() {
 
 const instruction_row* find_row(std::uint32_t word) {
   if (!is_in_sve_group(word)) return nullptr;
-  for (std::size_t i = 0; i < decode_maps.size(); ++i) {
+  for (std::size_t i = 0; i < map_count; ++i) {
     const int key = static_cast<int>(gather_bits(word, decode_maps[i].key_mask));
     if (const auto hit = tables.maps[i].find(key); hit != tables.maps[i].end()) return hit->second;
   }
