@@ -20,9 +20,10 @@ namespace conformance {
 namespace {
 
 bool is_chosen(const options& chosen, const sve::instruction_row& row) {
-  const std::string name{row.name};
+  const std::string name{row.name}, mnemonic{row.mnemonic};
   return chosen.rows.empty() || std::ranges::any_of(chosen.rows, [&](const std::string& pattern) {
-           return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+           return fnmatch(pattern.c_str(), name.c_str(), 0) == 0 ||
+                  fnmatch(pattern.c_str(), mnemonic.c_str(), 0) == 0;
          });
 }
 

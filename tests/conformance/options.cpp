@@ -17,13 +17,15 @@ at the vector length of the build, and through the emulation, and compares all t
 
   --count N          compare N words of each row (default 500)
   --seed N           make words and states from N (default: a random number, which is printed)
-  --row NAME         only this row; * ? and [] as in the shell; may be given several times
+  --row NAME         only the row of this name, or the rows of this mnemonic; * ? and [] as in the
+                     shell; may be given several times
   --shard I/N        only every N-th row, starting with the I-th
   --word WORD        run this instruction word only, --count times (default 1)
   --state-seed N     make the first machine state of --word from N
   --list             list the rows and run nothing
   --output FILE      write the summary to FILE, too, and below it a line for each row: name, family,
-                     kind, pattern, status, words compared, failed and reserved, between tabs
+                     kind, pattern, status, words compared, failed and reserved, syntax, between
+                     tabs
   --self-check       show that the comparison notices a fault of each kind, and nothing else
   --help             print this text
 

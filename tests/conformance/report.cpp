@@ -102,7 +102,7 @@ void print_fields(const test_case& tested) {
 }
 
 void report_row(std::FILE* out, const row_result& result) {
-  const std::string name = text(result.row->name);
+  const std::string name = text(result.row->name) + " (" + text(result.row->mnemonic) + ")";
   if (result.compared == 0)
     std::fprintf(out, "failing: %s: the processor refused all %u words\n", name.c_str(),
                  result.reserved);
@@ -119,8 +119,8 @@ void print_failing_rows(std::FILE* out, const std::vector<row_result>& results) 
 }  // namespace
 
 void report_failure(const test_case& tested, const std::vector<difference>& found) {
-  std::printf("\n%s: word 0x%08x (%s;", text(tested.shape->row->name).c_str(), tested.word,
-              text(tested.shape->row->pattern).c_str());
+  std::printf("\n%s: word 0x%08x, %s (%s;", text(tested.shape->row->name).c_str(), tested.word,
+              sve::disassemble(tested.word).c_str(), text(tested.shape->row->pattern).c_str());
   print_fields(tested);
   std::printf(")\n  %-20s %18s %18s %18s\n", "", "before", "processor", "emulation");
   for (std::size_t i = 0; i < std::min(found.size(), max_differences); ++i)
@@ -155,8 +155,8 @@ void print_summary(std::FILE* out, const std::vector<row_result>& results) {
 
 void print_list(const std::vector<const sve::instruction_row*>& rows) {
   for (const sve::instruction_row* row : rows)
-    std::printf("%s %-7s %s\n", text(row->pattern).c_str(), kind_name(row->kind),
-                text(row->name).c_str());
+    std::printf("%s %-7s %-22s %s\n", text(row->pattern).c_str(), kind_name(row->kind),
+                text(row->name).c_str(), row->syntax().c_str());
 }
 
 bool write_results(const std::string& path, const std::string& heading,
@@ -166,12 +166,13 @@ bool write_results(const std::string& path, const std::string& heading,
   if (!file) return false;
   std::fputs(heading.c_str(), file.get());
   print_summary(file.get(), results);
-  std::fputs("\nname\tfamily\tkind\tpattern\tstatus\tcompared\tfailed\treserved\n", file.get());
+  std::fputs("\nname\tfamily\tkind\tpattern\tstatus\tcompared\tfailed\treserved\tsyntax\n",
+             file.get());
   for (const row_result& result : results)
-    std::fprintf(file.get(), "%s\t%s\t%s\t%s\t%s\t%u\t%u\t%u\n", text(result.row->name).c_str(),
+    std::fprintf(file.get(), "%s\t%s\t%s\t%s\t%s\t%u\t%u\t%u\t%s\n", text(result.row->name).c_str(),
                  family_of(*result.row), kind_name(result.row->kind),
                  text(result.row->pattern).c_str(), status_name(result.status), result.compared,
-                 result.failed, result.reserved);
+                 result.failed, result.reserved, result.row->syntax().c_str());
   return std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;
 }
 
