@@ -45,20 +45,34 @@ consteval instruction_row row(line said) {
           .kind = said.kind};
 }
 
+template <word_pattern Pattern, class Function, class... Operands>
+inline constexpr bool fast_path_takes =
+    std::is_invocable_v<Function, cpu_state*, decltype(Operands::template take<Pattern>(0))...>;
+
+template <word_pattern Pattern, class Function, class... Operands>
+inline constexpr bool reference_takes = std::is_invocable_v<
+    Function, decltype(value_of(nullptr, Operands::template take<Pattern>(0)))..., CpuContext*>;
+
 template <word_pattern Pattern, auto Function, class... Operands>
 consteval instruction_row fast_row(std::string_view mnemonic, std::string_view name) {
+  static_assert(fast_path_takes<Pattern, decltype(Function), Operands...>,
+                "the operands are not those of the fast path");
   return row<Pattern, Operands...>(
       {mnemonic, name, row_kind::fast, &fast_handler<Pattern, Function, Operands...>});
 }
 
 template <word_pattern Pattern, auto Function, class... Operands>
 consteval instruction_row fast_fp_row(std::string_view mnemonic, std::string_view name) {
+  static_assert(fast_path_takes<Pattern, decltype(Function), Operands...>,
+                "the operands are not those of the fast path");
   return row<Pattern, Operands...>(
       {mnemonic, name, row_kind::fast, &fast_fp_handler<Pattern, Function, Operands...>});
 }
 
 template <word_pattern Pattern, auto Function, class Result, class... Operands>
 consteval instruction_row bridge_row(std::string_view mnemonic, std::string_view name) {
+  static_assert(reference_takes<Pattern, decltype(Function), Operands...>,
+                "the operands are not those of the reference function");
   return row<Pattern, Result, Operands...>(
       {mnemonic, name, row_kind::bridge, &bridge_handler<Pattern, Function, Result, Operands...>});
 }
