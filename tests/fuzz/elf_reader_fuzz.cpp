@@ -15,7 +15,7 @@
 #include "host/loading/elf_reader.h"
 #include "host/loading/launch_error.h"
 #include "tests/conformance/random.h"
-#include "tests/loader/elf_file.h"
+#include "tests/host/loading/elf_file.h"
 
 namespace {
 

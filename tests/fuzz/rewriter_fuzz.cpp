@@ -8,7 +8,7 @@
 // where the block's map says: in its place or in its home.
 //
 // Which registers an instruction reads and writes is taken from the translator's own table, which
-// the disassembler checks elsewhere (tests/host/register_fields.py).
+// the disassembler checks elsewhere (tests/host/translation/register_fields.py).
 //
 // An input is the seed of the words, of the address, and of the way that a condition takes.
 #include <algorithm>

@@ -1,0 +1,89 @@
+// The call that stands for an instruction, and the counters behind it.
+#include "sve/client/emulate.h"
+
+#include "sve/client/counters.h"
+#include "sve/client/thread_state.h"
+#include "tests/sve/client/client_fixture.h"
+
+namespace {
+
+// What the handler finds and what it does, in place of an instruction.
+cpu_state seen;
+unsigned int seen_word;
+aarch64_decode_rc outcome;
+
+aarch64_decode_rc handler(cpu_state* state, unsigned int word) {
+  seen = *state;
+  seen_word = word;
+  for (unsigned n = 26; n <= 28; ++n) state->x[n] = 100 + n;
+  return outcome;
+}
+
+class EmulateTest : public ClientTest {
+ protected:
+  void SetUp() override {
+    ClientTest::SetUp();
+    icounts.clear();
+    start();
+    host_script.current = &thread_;
+    host_script.thread_init_event(&thread_);
+  }
+  void TearDown() override { host_script.thread_exit_event(&thread_); }
+
+  // Emulates `word` at code_[i]; what that prints.
+  std::string emulate(unsigned i, unsigned word, aarch64_decode_rc result) {
+    outcome = result;
+    testing::internal::CaptureStderr();
+    emulate_instruction(word, reinterpret_cast<unsigned char*>(&code_[i]), handler);
+    return testing::internal::GetCapturedStderr();
+  }
+
+  static std::string dumped_stats() {
+    testing::internal::CaptureStderr();
+    dump_sve_stats();
+    return testing::internal::GetCapturedStderr();
+  }
+
+  scripted_thread thread_;
+  std::uint32_t code_[2] = {0x04a20020, 0x04a20020};
+};
+
+TEST_F(EmulateTest, PassesX26ToX28ThroughTheSlots) {
+  for (const aarch64_decode_rc result : {aarch64_decode_ok, aarch64_decode_unimplemented}) {
+    for (unsigned k = 0; k < 3; ++k) thread_.slots[SPILL_SLOT_1 + k] = 26 + k;
+    emulate(0, 0x04a20020, result);
+    EXPECT_EQ(seen_word, 0x04a20020U);
+    EXPECT_EQ(seen.pc, &code_[0]);
+    for (unsigned k = 0; k < 3; ++k) {
+      EXPECT_EQ(seen.x[26 + k], 26 + k);
+      EXPECT_EQ(thread_.slots[SPILL_SLOT_1 + k], 126 + k);
+    }
+  }
+}
+
+TEST_F(EmulateTest, CountsSuccessesByAddress) {
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(emulate(0, 0x04a20020, aarch64_decode_ok), "");
+  emulate(1, 0x04a20020, aarch64_decode_ok);
+  emulate(1, 0x04a20021, aarch64_decode_ok);  // the entry keeps its first word
+  EXPECT_EQ(sve_instr_count, 5U);
+
+  char expected[100];
+  std::snprintf(expected, sizeof(expected), "%p: 0x04a20020 3\n%p: 0x04a20020 2\n",
+                static_cast<void*>(&code_[0]), static_cast<void*>(&code_[1]));
+  EXPECT_EQ(dumped_stats(), expected);
+}
+
+TEST_F(EmulateTest, ReportsFailuresWithTheWordInMemory) {
+  code_[0] = 0x12345678;  // changed since the block was translated
+  char expected[100];
+  std::snprintf(expected, sizeof(expected),
+                "Error: failed to emulate SVE instruction 0x12345678 at PC %p\n",
+                static_cast<void*>(&code_[0]));
+  EXPECT_EQ(emulate(0, 0x04a20020, aarch64_decode_unimplemented), expected);
+  EXPECT_EQ(seen_word, 0x04a20020U);
+  EXPECT_EQ(sve_instr_count, 0U);
+  EXPECT_TRUE(icounts.empty());
+  EXPECT_EQ(dumped_stats(), "");
+}
+
+}  // namespace

@@ -1,0 +1,129 @@
+// The predicate functions by table at 128 bits, where a predicate is readable as a string, and what
+// lies above the vector at any length.
+#include "sve/semantics/predicates.h"
+
+#include <algorithm>
+
+#include "tests/sve/semantics/context.h"
+
+namespace {
+
+// Lane 0 is the leftmost character; spaces are for the reader.
+PredV lanes(const std::string& text) {
+  PredV p{};
+  unsigned lane = 0;
+  for (const char c : text) {
+    if (c != ' ') p.set_lane(lane++, c == '1');
+  }
+  return p;
+}
+
+std::string text(const PredV& p, unsigned count) {
+  std::string result;
+  for (unsigned i = 0; i < count; ++i) result += p.lane(i) ? '1' : '0';
+  return result;
+}
+
+using OfTwo = sve::semantics::governed_of_two*;
+
+TEST(Predicates, FlagSetters) {
+  const std::string none = "0000 0000 0000 0000", some = "1000 0000 1000 0000";
+  const struct {
+    const char* what;
+    std::string g, r;
+    int w;
+    const char *nzcv, *nzc, *ncv, *nc;  // from NzcV
+  } rows[] = {
+      {"nothing active", none, some, 32, "nZCv", "nZCV", "nzCv", "NzcV"},
+      {"nothing true", some, none, 32, "nZCv", "nZCV", "nzCv", "nzCV"},
+      {"first true", some, "1000 0000 0000 0000", 32, "NzCv", "NzCV", "NzCv", "NzCV"},
+      {"last true", some, "0000 0000 1000 0000", 32, "nzcv", "nzcV", "nzcv", "nzcV"},
+      {"true where inactive", some, "0000 1000 0000 1000", 32, "nZCv", "nZCV", "nzCv", "nzCV"},
+      {"non-first lane of the first", some, "0010 0000 0000 0000", 32, "nzCv", "nzCV", "nzCv",
+       "nzCV"},
+      {"non-first lane of the last", some, "0000 0000 0001 0000", 32, "nzcv", "nzcV", "nzcv",
+       "nzcV"},
+      {"active by a non-first lane only", "0100 0000 0000 0001", some, 32, "nZCv", "nZCV", "nzCv",
+       "NzcV"},
+      {"the same lanes as bytes", "0100 0000 0000 0001", "0100 0000 0000 0000", 8, "NzCv", "NzCV",
+       "NzCv", "NzCV"},
+  };
+  for (const auto& row : rows) {
+    const auto after = [&row](auto setter) {
+      CpuContext ctx = context(2);
+      ctx.nzcv = sve::flag_n | sve::flag_v | 0x5a5a5a;
+      setter(lanes(row.g), lanes(row.r), row.w, &ctx);
+      EXPECT_EQ(ctx.nzcv & 0x0fffffff, 0x5a5a5aU);
+      return flags(ctx);
+    };
+    EXPECT_EQ(after(PredSetNZCV), row.nzcv) << row.what;
+    EXPECT_EQ(after(PredSetNZC), row.nzc) << row.what;
+    EXPECT_EQ(after(PredSetNCV), row.ncv) << row.what;
+    EXPECT_EQ(after(PredSetNC), row.nc) << row.what;
+  }
+}
+
+// What lies above the vector is neither an element nor a reason for a flag.
+TEST(Predicates, LanesAboveTheVectorDoNotCount) {
+  for (const unsigned vl : {2U, 8U, 30U}) {
+    CpuContext ctx = context(vl);
+    PredV above{};
+    for (unsigned i = vl * 8; i < 256; ++i) above.set_lane(i, true);
+    ctx.ffr = above;
+    EXPECT_EQ(FindFirstActive(above, 8, &ctx), -1);
+    EXPECT_EQ(FindLastActive(above, 64, &ctx), -1);
+    for (const OfTwo f : {VecPOrNFlgPPZ, VecPNandFlgPPZ, VecPNorFlgPPZ, VecPBreakPrevAFlgPZ}) {
+      EXPECT_EQ(text(f(above, above, above, &ctx), 256), std::string(256, '0'));
+      EXPECT_EQ(flags(ctx), "nZCv");
+    }
+    EXPECT_EQ(text(VecPReadFFSRP(&ctx), 256), std::string(256, '0'));
+    VecPClearFFSR(&ctx);
+    EXPECT_EQ(text(ctx.ffr, 256),
+              std::string(std::size_t{vl} * 8, '1') + std::string(256 - vl * 8, '0'));
+  }
+}
+
+TEST(Predicates, Patterns) {
+  EXPECT_EQ(VecTrueILength(29, 30), 28);
+  CpuContext ctx = context(2);
+  EXPECT_EQ(text(VecP32TrueI(3, &ctx), 16), "1000100010000000");
+  EXPECT_EQ(text(VecP64TrueFlgI(31, &ctx), 16), "1000000010000000");
+  EXPECT_EQ(flags(ctx), "Nzcv");
+  EXPECT_EQ(text(VecP16TrueFlgI(9, &ctx), 16), std::string(16, '0'));
+  EXPECT_EQ(flags(ctx), "nZCv");
+}
+
+// A loop predicate is a run of true elements from element 0 on; this is its length.
+template <class F, class Scalar>
+std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element_bytes) {
+  CpuContext ctx = context(vl);
+  const std::string result = text(f(op1, op2, &ctx), vl * 8);
+  const auto length = static_cast<std::size_t>(std::ranges::count(result, '1'));
+  for (std::size_t e = 0; e < length; ++e)
+    EXPECT_EQ(result.at(e * element_bytes), '1') << "not a run";
+  return std::to_string(length) + " " + flags(ctx);
+}
+
+TEST(Predicates, LoopPredicates) {
+  constexpr auto min32 = std::numeric_limits<S32>::min();
+  constexpr auto max32 = std::numeric_limits<S32>::max();
+  constexpr auto max64 = std::numeric_limits<S64>::max();
+  constexpr auto umax64 = std::numeric_limits<U64>::max();
+  EXPECT_EQ(run_of(VecS8While4LESS, -3, 3, 2, 1), "7 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LTSS, -3, 3, 2, 1), "6 NzCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, 4, 3, 2, 1), "0 nZCv");
+  EXPECT_EQ(run_of(VecS8While4LESS, min32, max32 - 1, 2, 1), "16 Nzcv");
+  EXPECT_EQ(run_of(VecS8While4LESS, max32, max32, 2, 1), "16 Nzcv") << "all, by definition";
+  EXPECT_EQ(run_of(VecS8While4LESS, max32 - 1, max32 - 1, 2, 1), "1 NzCv") << "no wrap";
+  EXPECT_EQ(run_of(VecS8While4LTSS, max32 - 1, max32, 2, 1), "1 NzCv") << "no shortcut";
+  EXPECT_EQ(run_of(VecS16While8LESS, max64, max64, 30, 2), "120 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{30}, 30, 8), "30 Nzcv");
+  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{29}, 30, 8), "29 NzCv");
+  EXPECT_EQ(run_of(VecU8While4LESS, 5U, 4U, 2, 1), "0 nZCv");
+  EXPECT_EQ(run_of(VecU32While4LESS, 0xffffffffU, 0xffffffffU, 32, 4), "64 Nzcv");
+  EXPECT_EQ(run_of(VecU32While4LTSS, 0xfffffffeU, 0xffffffffU, 32, 4), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64 - 1, 8, 8), "1 NzCv");
+  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64, 8, 8), "8 Nzcv");
+}
+
+}  // namespace
