@@ -6,13 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "tests/tools/options.h"
+
 namespace conformance {
 
 struct options {
   std::uint64_t seed = 0;  // random unless given
-  unsigned count = 500;
+  unsigned count = 0;
   std::vector<std::string> rows;  // name patterns; none means all rows
-  unsigned shard = 1, shards = 1;
+  test_options::part shard;
   std::optional<std::uint32_t> word;
   std::optional<std::uint64_t> state_seed;
   std::string output;  // file for the full list, or empty
@@ -20,7 +22,6 @@ struct options {
   bool self_check = false;
 };
 
-// Ends the program with the usage text for --help, with one line of explanation for anything wrong.
 options parse_options(int argc, char** argv);
 
 }  // namespace conformance

@@ -3,18 +3,16 @@
 // and this driver makes up for the rest: input number i follows from the seed and i. A child
 // process runs them, so that whatever ends it, the command that runs this input alone is printed.
 #include <atomic>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <random>
-#include <string_view>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
+
+#include "tests/tools/options.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -26,29 +24,21 @@ struct settings {
   std::uint64_t count = 100'000;
 } chosen;
 
-const char* program;
-[[noreturn]] void refuse(const char* what, const char* argument) {
-  std::fprintf(stderr, "%s %s; usage: %s [--seed N] [--first N] [--count N]\n", what, argument,
-               program);
-  std::exit(2);
-}
+constexpr argp_option described[] = {
+    {"seed", 's', "N", 0, "make the inputs from N (default: random, and printed)", 0},
+    {"first", 'f', "N", 0, "begin with input N", 0},
+    {"count", 'c', "N", 0, "run N inputs (default 100000)", 0},
+    {},
+};
 
-std::uint64_t* setting_of(std::string_view option) {
-  if (option == "--seed") return &chosen.seed;
-  if (option == "--first") return &chosen.first;
-  if (option == "--count") return &chosen.count;
-  return nullptr;
-}
-
-void read_options(int argc, char* argv[]) {
-  for (int i = 1; i < argc; i += 2) {
-    std::uint64_t* const setting = setting_of(argv[i]);
-    if (setting == nullptr) refuse("there is no option", argv[i]);
-    if (i + 1 == argc) refuse("a number is missing after", argv[i]);
-    const char* const end = argv[i + 1] + std::strlen(argv[i + 1]);
-    const auto [stop, error] = std::from_chars(argv[i + 1], end, *setting);
-    if (error != std::errc{} || stop != end) refuse("this is not a number:", argv[i + 1]);
+error_t apply(int key, char* text, argp_state* state) {
+  switch (key) {
+    case 's': chosen.seed = test_options::number(state, "--seed", text); break;
+    case 'f': chosen.first = test_options::number(state, "--first", text); break;
+    case 'c': chosen.count = test_options::number(state, "--count", text); break;
+    default: return ARGP_ERR_UNKNOWN;
   }
+  return 0;
 }
 
 void run_input(std::uint64_t number) {
@@ -65,8 +55,8 @@ void run_inputs(std::atomic<std::uint64_t>& current) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  program = argv[0];
-  read_options(argc, argv);
+  test_options::parse(argc, argv, described, apply, "Feeds a fuzz target with random inputs.",
+                      nullptr);
   std::printf("seed %lu\n", chosen.seed);
   std::fflush(stdout);
   void* const shared = mmap(nullptr, sizeof(std::atomic<std::uint64_t>), PROT_READ | PROT_WRITE,
@@ -80,7 +70,7 @@ int main(int argc, char* argv[]) {
   int status = 0;
   waitpid(child, &status, 0);
   if (status != 0) {
-    std::fprintf(stderr, "again with: %s --seed %lu --first %lu --count 1\n", program, chosen.seed,
+    std::fprintf(stderr, "again with: %s --seed %lu --first %lu --count 1\n", argv[0], chosen.seed,
                  current.load());
     return 1;
   }

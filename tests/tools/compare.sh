@@ -1,18 +1,27 @@
 #!/bin/bash
-# Runs a program on a processor with SVE and, under the launcher, on one without, each time in an
-# empty directory. Fails unless both succeed, print the same and write the same files, byte for byte,
-# and the launcher's last words are the two count lines.
+# compare.sh [--counts] REFERENCE... -- LAUNCHER... -- PROGRAM [ARGUMENTS]
 #
-# compare_processors.sh PROGRAM REFERENCE... -- LAUNCHER..., with absolute paths
+# Runs a program as the words of REFERENCE have it, and under the launcher, each time in an empty
+# directory. Exit status, standard output and the files that it writes must be the same, byte for
+# byte, and it must print something. With --counts it must also succeed, and the launcher's last
+# words must be the two count lines. All paths are absolute.
+#
+# Status 77: the program cannot be run here, and has said why.
 set -u
-program=$1
-shift
-reference=()
-while [ "$1" != -- ]; do
-  reference+=("$1")
+counts=
+if [ "$1" = --counts ]; then
+  counts=1
+  shift
+fi
+reference=() launcher=()
+for list in reference launcher; do
+  declare -n words=$list
+  while [ "$1" != -- ]; do
+    words+=("$1")
+    shift
+  done
   shift
 done
-shift
 
 out=$(mktemp -d) || exit 2
 trap 'rm -r "$out"' EXIT
@@ -26,12 +35,22 @@ fail() {
 run() {
   mkdir "$out/$1" && cd "$out/$1" || exit 2
   shift
-  "$@" "$program" >stdout 2>"$out/stderr"
+  "$@" >stdout 2>"$out/stderr"
+  status=$?
+  echo $status >status
 }
 
-run expected "${reference[@]}" || fail "ends with status $? on the reference"
-run emulated "$@" || fail "ends with status $? under the launcher"
-diff -r "$out/expected" "$out/emulated" || fail "gives something else under the launcher"
+program=$1
+run expected "${reference[@]}" "$@"
+if [ $status -eq 77 ]; then
+  cat "$out/stderr" >&2
+  exit 77
+fi
+[ -z "$counts" ] || [ $status -eq 0 ] || fail "ends with status $status on the reference"
+[ -s stdout ] || fail "prints nothing"
+run launched "${launcher[@]}" -- "$@"
+diff -r "$out/expected" "$out/launched" || fail "does something else under the launcher"
+[ -n "$counts" ] || exit 0
 
 name=${program##*/}
 tail -n 2 "$out/stderr" | tr '\n' ';' |

@@ -1,6 +1,7 @@
 // Random machine states and their comparison, for calling fast paths on them.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -59,20 +60,6 @@ class RandomMachine : public testing::Test {
 
   u64 number(u64 below) { return random_() % below; }
 
-  // Elements at the limits of every width, counts about the element's width, and noise.
-  u64 doubleword() {
-    switch (number(9)) {
-      case 0: return 0;
-      case 1: return ~u64{0};
-      case 2: return 0x8000000080008080 << (8 * number(4));
-      case 3: return 0x7fffffff7fff7f7f >> (8 * number(4));
-      case 4: return 0x0000000100010101 * number(70);
-      case 5: return number(300) << (16 * number(4));
-      case 6: return (u64{1} << (31 + 32 * number(2))) - number(3);
-      default: return random_();
-    }
-  }
-
   // A predicate byte, true `density` times in 64: not only 0 and 1, for bit 0 alone counts.
   byte predicate_byte(unsigned density) {
     constexpr std::array<byte, 4> odd{0xff, 0x01, 0x81, 0x01}, even{0x00, 0xfe, 0x00, 0x02};
@@ -80,15 +67,8 @@ class RandomMachine : public testing::Test {
   }
 
   void randomize(cpu_state& state) {
-    state = {};
-    const u64 loop_counter = doubleword();  // others are often close to it
-    for (u64& x : state.x) x = number(3) == 0 ? loop_counter + number(9) - 4 : doubleword();
-    state.sp = random_();
-    state.nzcv = random_();
-    state.instr = random_() & 0xffffffff;
-    for (auto& z : state.z) {
-      for (unsigned i = 0; i < sve::vector_words64; ++i) sve::set_element(z, i, doubleword());
-    }
+    auto* const bytes = reinterpret_cast<byte*>(&state);
+    std::generate_n(bytes, sizeof state, [this] { return static_cast<byte>(random_()); });
     constexpr std::array<unsigned, 5> densities{0, 1, 16, 48, 64};
     for (unsigned i = 0; i <= 16; ++i) {
       const unsigned density = densities[number(5)];

@@ -4,41 +4,43 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fnmatch.h>
-#include <map>
 #include <random>
-#include <stdexcept>
 
 #include "sve/fp/fpscr.h"
 #include "tests/sve/fp/values.h"
+#include "tests/tools/options.h"
 
 namespace fp_test {
 namespace {
 
-constexpr const char* usage_text =
-    R"(usage: fp_differential [OPTIONS]
+constexpr const char* purpose =
+    "Compares the floating-point library with the processor, results and flags, under every mode."
+    "\vExit status: 0 if nothing differs, 1 if something does, 2 if the test could not run.";
 
-Compares the floating-point library with the processor, results and flags, under every mode.
-
-  --function GLOB   only these functions; --list shows their names
-  --count N         N random operands for each function and mode, beside the special ones
-                    (default 1000); functions of one half get all halves instead
-  --seed N          make random operands from N (default: a random number, which is printed)
-  --mode WORD       only this mode, as in FPCR
-  --part K/N        only the K-th of N parts of the work
-  --all-half-pairs  all 2^32 pairs of each function of two halves, by default under mode 0
-  --self-check      falsify an answer of the library under each mode: all of them have to be found
-  --list            list the functions and run nothing
-
-Exit status: 0 if nothing differs, 1 if something does, 2 if the test could not run.
-)";
+constexpr argp_option described[] = {
+    {"function", 'f', "GLOB", 0, "only these functions; --list shows their names", 0},
+    {"count", 'c', "N", 0,
+     "N random operands for each function and mode, beside the special ones (default 1000); "
+     "functions of one half get all halves instead",
+     0},
+    {"seed", 's', "N", 0, "make random operands from N (default: random, and printed)", 0},
+    {"mode", 'm', "WORD", 0, "only this mode, as in FPCR", 0},
+    {"part", 'p', "K/N", 0, "only the K-th of N parts of the work", 0},
+    {"all-half-pairs", 'a', nullptr, 0,
+     "all 2^32 pairs of each function of two halves, by default under mode 0", 0},
+    {"self-check", 'k', nullptr, 0,
+     "falsify an answer of the library under each mode: all of them have to be found", 0},
+    {"list", 'l', nullptr, 0, "list the functions and run nothing", 0},
+    {},
+};
 
 struct options {
   std::string function = "*";
   std::uint64_t seed = std::random_device{}();
   std::uint64_t count = 1000;
   std::int64_t mode = -1;
-  std::uint64_t part = 1, parts = 1;
-  bool all_half_pairs = false, self_check = false, list = false, help = false;
+  test_options::part part;
+  bool all_half_pairs = false, self_check = false, list = false;
 } chosen;
 
 // Whatever is not compared, and why.
@@ -137,50 +139,26 @@ bool compare(const operation& of) {
 bool compare_all_pairs(const operation& of) {
   comparison result{of};
   std::vector<operands> batch(0x10000);
-  for (std::uint64_t a = chosen.part - 1; a < batch.size(); a += chosen.parts) {
+  for (std::uint64_t a = chosen.part.number - 1; a < batch.size(); a += chosen.part.count) {
     for (std::uint64_t b = 0; b < batch.size(); ++b) batch[b] = {a, b};
     result.run(static_cast<std::uint32_t>(std::max<std::int64_t>(chosen.mode, 0)), batch);
   }
   return result.conclude();
 }
 
-[[noreturn]] void refuse(const std::string& what) {
-  std::fprintf(stderr, "fp_differential: %s; --help shows the options\n", what.c_str());
-  std::exit(2);
-}
-
-std::uint64_t number(const std::string& text) {
-  std::size_t end = 0;
-  const std::uint64_t value = std::stoull(text, &end, 0);
-  return end == text.size() ? value : throw std::invalid_argument{text};
-}
-
-void set_part(const std::string& text) {
-  const std::size_t slash = std::min(text.find('/'), text.size() - 1);
-  chosen.part = number(text.substr(0, slash));
-  chosen.parts = number(text.substr(slash + 1));
-  if (chosen.part < 1 || chosen.part > chosen.parts) throw std::invalid_argument{text};
-}
-
-void parse_options(const std::vector<std::string>& arguments) {
-  const std::map<std::string, bool*> flags = {{"--all-half-pairs", &chosen.all_half_pairs},
-                                              {"--self-check", &chosen.self_check},
-                                              {"--list", &chosen.list},
-                                              {"--help", &chosen.help}};
-  const std::map<std::string, std::function<void(const std::string&)>> settings = {
-      {"--function", [](auto& text) { chosen.function = text; }},
-      {"--count", [](auto& text) { chosen.count = number(text); }},
-      {"--seed", [](auto& text) { chosen.seed = number(text); }},
-      {"--mode", [](auto& text) { chosen.mode = static_cast<std::uint32_t>(number(text)); }},
-      {"--part", set_part}};
-  for (std::size_t i = 0; i < arguments.size(); ++i) try {
-      if (flags.contains(arguments[i]))
-        *flags.at(arguments[i]) = true;
-      else
-        settings.at(arguments[i])(arguments.at(i + 1)), ++i;
-    } catch (const std::logic_error&) {
-      refuse("doesn't know " + arguments[i] + ", or not with that value");
-    }
+error_t apply(int key, char* text, argp_state* state) {
+  switch (key) {
+    case 'f': chosen.function = text; break;
+    case 'c': chosen.count = test_options::number(state, "--count", text); break;
+    case 's': chosen.seed = test_options::number(state, "--seed", text); break;
+    case 'm': chosen.mode = test_options::number(state, "--mode", text, 0, UINT32_MAX); break;
+    case 'p': chosen.part = test_options::part_of(state, "--part", text); break;
+    case 'a': chosen.all_half_pairs = true; break;
+    case 'k': chosen.self_check = true; break;
+    case 'l': chosen.list = true; break;
+    default: return ARGP_ERR_UNKNOWN;
+  }
+  return 0;
 }
 
 std::vector<operation> chosen_operations() {
@@ -188,12 +166,12 @@ std::vector<operation> chosen_operations() {
   std::size_t position = 0;
   for (const operation& of : operations()) {
     if (fnmatch(chosen.function.c_str(), of.name.c_str(), 0) != 0) continue;
-    if (chosen.all_half_pairs ? of.count == 2 && of.width == 16
-                              : position++ % chosen.parts == chosen.part - 1)
+    if (chosen.all_half_pairs ? of.count == 2 && of.width == 16 : chosen.part.has(position++))
       result.push_back(of);
   }
-  if (result.empty()) refuse("no function fits \"" + chosen.function + "\"");
-  return result;
+  if (!result.empty()) return result;
+  std::fprintf(stderr, "fp_differential: no function fits \"%s\"\n", chosen.function.c_str());
+  std::exit(2);
 }
 
 int run() {
@@ -212,8 +190,7 @@ int run() {
 }  // namespace fp_test
 
 int main(int argc, char** argv) {
-  fp_test::parse_options({argv + 1, argv + argc});
-  if (fp_test::chosen.help) return std::fputs(fp_test::usage_text, stdout) < 0 ? 1 : 0;
+  test_options::parse(argc, argv, fp_test::described, fp_test::apply, fp_test::purpose, nullptr);
   if (!fp_test::chosen.list) return fp_test::run();
   for (const auto& of : fp_test::chosen_operations()) std::puts(of.name.c_str());
 }
