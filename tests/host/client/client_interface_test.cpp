@@ -7,7 +7,6 @@
 #include "host/include/drmgr.h"
 #include "host/include/drreg.h"
 #include "host/threads/thread.h"
-#include "host/translation/context_offsets.h"
 
 namespace {
 
@@ -108,22 +107,6 @@ TEST_F(encodes_death, refuses_what_it_cannot_insert) {
               refused, "no slot 9");
   EXPECT_EXIT(dr_insert_call_velox(nullptr, list, nullptr, nullptr, nullptr, 1, reg(DR_REG_X0)),
               refused, "argument 0 is not an immediate");
-}
-
-TEST_F(inserts, slots_and_the_stolen_register) {
-  EXPECT_EQ(dr_get_stolen_reg(), DR_REG_X28);
-  dr_save_reg(nullptr, list, nullptr, DR_REG_X26, static_cast<dr_spill_slot_t>(1));
-  dr_restore_reg(nullptr, list, nullptr, DR_REG_X27, static_cast<dr_spill_slot_t>(3));
-  EXPECT_TRUE(dr_insert_get_stolen_reg_value(nullptr, list, nullptr, DR_REG_X27));
-  EXPECT_TRUE(dr_insert_set_stolen_reg_value(nullptr, list, nullptr, DR_REG_X27));
-  EXPECT_EQ(encoded(), (words{
-                           0xf900bb9a,  // str x26, [x28, #368]
-                           0xf940c39b,  // ldr x27, [x28, #384]
-                           0xf940739b,  // ldr x27, [x28, #224]
-                           0xf900739b,  // str x27, [x28, #224]
-                       }));
-  static_assert(CONTEXT_SLOTS == 360);
-  EXPECT_EQ(instrlist_first_app(list), nullptr);  // all are meta
 }
 
 TEST_F(inserts, a_call_with_its_arguments) {

@@ -27,6 +27,14 @@ static const ElfW(auxv_t) * auxiliary_vector(void) {
   return (const ElfW(auxv_t)*)(end + 1);
 }
 
+// As programs expect that write their own title over them.
+static int stand_side_by_side(char** strings) {
+  for (; strings[0] != NULL && strings[1] != NULL; ++strings) {
+    if (strings[1] != strings[0] + strlen(strings[0]) + 1) return 0;
+  }
+  return 1;
+}
+
 static void show_auxiliary_entry(const ElfW(auxv_t) * entry) {
   const unsigned long value = entry->a_un.a_val;
   printf("auxiliary %lu ", entry->a_type);
@@ -64,9 +72,11 @@ int main(int argc, char** argv, char** envp) {
   for (int i = 0; i < argc; ++i) printf("argument %s\n", argv[i]);
   show("argv ends in null", argv[argc] == NULL);
   for (char** variable = envp; *variable != NULL; ++variable) printf("environment %s\n", *variable);
-  for (const ElfW(auxv_t)* entry = auxiliary_vector(); entry->a_type != AT_NULL; ++entry) {
-    show_auxiliary_entry(entry);
-  }
+  show("strings side by side", stand_side_by_side(argv) && stand_side_by_side(envp));
+  show("environment behind them", envp[0] == argv[argc - 1] + strlen(argv[argc - 1]) + 1);
+  const ElfW(auxv_t)* entry = auxiliary_vector();
+  for (; entry->a_type != AT_NULL; ++entry) show_auxiliary_entry(entry);
+  show("AT_NULL without a value", entry->a_un.a_val == 0);
   show("argc at 16 byte boundary", ((unsigned long)argv - 8) % 16 == 0);
   show("zeros are zero", zeros[0] == 0 && memcmp(zeros, zeros + 1, sizeof zeros - 1) == 0);
   show("data is there", filled[0] == 1 && filled[4998] == 0 && filled[4999] == 2);

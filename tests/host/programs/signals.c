@@ -279,11 +279,12 @@ static void stacks(void) {
 
 // --- Faults ------------------------------------------------------------------------------------
 
-// Each faults at its label, with its own number plus 100 in all registers but SP and the operands.
+// Each faults at its label, with its own number plus 100 in all registers but SP and the operands,
+// and with the flags of 16 - 17.
 void fault_load(void), fault_store_pair(void), fault_undefined(void), fault_break(void),
     fault_literal(void);
 extern char at_load[], at_store_pair[], at_undefined[], at_break[], at_literal[];
-extern uint64_t registers_after[31];
+extern uint64_t registers_after[31];  // with the flags in place of X0
 
 static const char* expected_pc;
 static volatile int wrong_registers;
@@ -302,8 +303,9 @@ static void fix_up(int signal, siginfo_t* info, void* context) {
 static void fault_at(const char* where, void (*faulting)(void)) {
   expected_pc = where;
   faulting();
-  printf(", wrong registers %d; then x3 %d, x28 %d\n", wrong_registers, (int)registers_after[3],
-         (int)registers_after[28]);
+  printf(", wrong registers %d; then flags %lx", wrong_registers, registers_after[0]);
+  for (int i = 2; i < 30; ++i) printf(" %lu", registers_after[i]);
+  puts("");
 }
 
 static void return_to_caller(int signal, siginfo_t* info, void* context) {
@@ -330,7 +332,7 @@ static void faults(void) {
   munmap(page, 4096);
 }
 
-// --- Threads, timers ---------------------------------------------------------------------------
+// --- Threads -----------------------------------------------------------------------------------
 
 static volatile int taken_by_thread;
 static pthread_t thread;
@@ -346,12 +348,6 @@ static void* spin(void* unused) {
   return unused;
 }
 
-static void wait_on(clockid_t clock, int milliseconds) {
-  const struct timespec time = {.tv_nsec = milliseconds * 1000000L};
-  while (clock_nanosleep(clock, 0, &time, NULL) == EINTR) {
-  }
-}
-
 static void threads(void) {
   handle(SIGUSR1, note_thread, 0, NULL);
   pthread_create(&thread, NULL, spin, NULL);
@@ -365,43 +361,6 @@ static void threads(void) {
   pthread_join(thread, NULL);
   change_mask(SIG_UNBLOCK, SIGUSR1);
   printf("  taken by the thread %d\n", taken_by_thread);
-}
-
-static void timers(void) {
-  runs = 0;
-  handle(SIGRTMIN, count, 0, NULL);
-  struct sigevent event = {.sigev_notify = SIGEV_SIGNAL, .sigev_signo = SIGRTMIN};
-  timer_t timer;
-  timer_create(CLOCK_MONOTONIC, &event, &timer);
-  const struct itimerspec often = {{.tv_nsec = 2000000}, {.tv_nsec = 2000000}};
-  timer_settime(timer, 0, &often, NULL);
-  while (runs < 5) wait_on(CLOCK_MONOTONIC, 1);
-  timer_delete(timer);
-  printf("  a timer came five times\n");
-}
-
-// --- What a handler leaves of the interrupted code ---------------------------------------------
-
-// Counts down with known values in all registers, vectors and flags; returns how many it found
-// changed.
-uint64_t watch_registers(uint64_t rounds);
-void spoil_registers(void);
-
-static void spoil(int signal, siginfo_t* info, void* context) {
-  (void)signal, (void)info, (void)context;
-  ++runs;
-  spoil_registers();
-}
-
-static void state(void) {
-  runs = 0;
-  handle(SIGALRM, spoil, SA_RESTART, NULL);
-  const struct itimerval often = {{.tv_usec = 1000}, {.tv_usec = 1000}};
-  setitimer(ITIMER_REAL, &often, NULL);
-  uint64_t changed = 0;
-  while (runs < 200) changed += watch_registers(1000);
-  setitimer(ITIMER_REAL, &(struct itimerval){{0, 0}, {0, 0}}, NULL);
-  printf("  changed by handlers: %d\n", (int)changed);
 }
 
 static void errors(void) {
@@ -420,10 +379,9 @@ int main(int argc, char** argv) {
   static const struct {
     const char* name;
     void (*run)(void);
-  } parts[] = {
-      {"information", information}, {"nesting", nesting}, {"masks", masks},   {"waiting", waiting},
-      {"calls", system_calls},      {"stacks", stacks},   {"faults", faults}, {"threads", threads},
-      {"timers", timers},           {"state", state},     {"errors", errors}};
+  } parts[] = {{"information", information}, {"nesting", nesting},    {"masks", masks},
+               {"waiting", waiting},         {"calls", system_calls}, {"stacks", stacks},
+               {"faults", faults},           {"threads", threads},    {"errors", errors}};
   setvbuf(stdout, NULL, _IONBF, 0);
   for (size_t i = 0; i < sizeof parts / sizeof parts[0]; ++i) {
     if (argc > 1 && strcmp(argv[1], parts[i].name) != 0) continue;
