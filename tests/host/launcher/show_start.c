@@ -9,6 +9,7 @@
 extern char _start[];
 extern char** environ;
 
+static const char* first_argument;
 static char zeros[1 << 20];
 static char filled[5000] = {1, [4999] = 2};
 static const char* const pointers[] = {"relocated", "pointers"};
@@ -35,6 +36,13 @@ static int stand_side_by_side(char** strings) {
   return 1;
 }
 
+// Sixteen bytes that are no part of the strings behind them.
+static int are_random_bytes(unsigned long address) {
+  const unsigned long strings = (unsigned long)first_argument;
+  return *(const unsigned long*)pointer(address) != 0 &&
+         (address + 16 <= strings || address > strings);
+}
+
 static void show_auxiliary_entry(const ElfW(auxv_t) * entry) {
   const unsigned long value = entry->a_un.a_val;
   printf("auxiliary %lu ", entry->a_type);
@@ -44,7 +52,7 @@ static void show_auxiliary_entry(const ElfW(auxv_t) * entry) {
     case AT_BASE:
       show("is an ELF file or 0", value == 0 || memcmp(pointer(value), ELFMAG, 4) == 0);
       break;
-    case AT_RANDOM: show("random bytes", *(const unsigned long*)pointer(value) != 0); break;
+    case AT_RANDOM: show("random bytes", are_random_bytes(value)); break;
     case AT_SYSINFO_EHDR: show("is an ELF file", memcmp(pointer(value), ELFMAG, 4) == 0); break;
     case AT_EXECFN:
     case AT_PLATFORM: printf("%s\n", (const char*)pointer(value)); break;
@@ -60,6 +68,7 @@ static int descend(int levels) {
 }
 
 int main(int argc, char** argv, char** envp) {
+  first_argument = argv[0];
   if (argc > 1 && strcmp(argv[1], "--overflow-stack") == 0) return descend(1 << 20);
   if (argc > 1 && strcmp(argv[1], "--random") == 0) {
     for (const ElfW(auxv_t)* entry = auxiliary_vector(); entry->a_type != AT_NULL; ++entry) {
