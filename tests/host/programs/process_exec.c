@@ -15,6 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/host/programs/children.h"
+
 extern char** environ;
 static const char* self;  // a path that names this program
 static char directory[] = "/tmp/process_exec.XXXXXX";
@@ -90,28 +92,6 @@ static int report(int argc, char** argv) {
 }
 
 // --- In the old one ----------------------------------------------------------------------------
-
-static void await(const char* what, pid_t child) {
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (WIFEXITED(status)) {
-    printf("%s: exit %d\n", what, WEXITSTATUS(status));
-  } else {
-    printf("%s: signal %d\n", what, WTERMSIG(status));
-  }
-}
-
-// Runs the statement in a child, which must not come back from it.
-#define IN_CHILD(what, statement)  \
-  do {                             \
-    const pid_t child = fork();    \
-    if (child == 0) {              \
-      statement;                   \
-      printf("error %d\n", errno); \
-      _exit(1);                    \
-    }                              \
-    await(what, child);            \
-  } while (0)
 
 static void arguments_and_environment(void) {
   char* some[] = {"another name", "", "two words", "-c", "--", NULL};
@@ -235,17 +215,17 @@ static void spawns(void) {
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, 1, 20);
   const int error = posix_spawn(&child, self, &actions, NULL, arguments, environ);
-  await("spawned", child);
+  tell_end("spawned", child);
   printf("spawn %d\n", error);
   child = vfork();
   if (child == 0) {
     execl(self, "vforked", NULL);
     _exit(1);
   }
-  await("vforked", child);
+  tell_end("vforked", child);
   child = vfork();
   if (child == 0) _exit(33);
-  await("vforked alone", child);
+  tell_end("vforked alone", child);
 }
 
 static volatile int spinning = 1;

@@ -16,43 +16,21 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/host/programs/children.h"
+
 static int private_number = 1;
 static int* shared;  // visible to all processes
 static volatile sig_atomic_t handled;
 
 static void handle(int signal) { handled = signal; }
 
-// Prints how the child of this number ended.
-static void report(const char* what, pid_t child) {
-  int status = 0;
-  if (waitpid(child, &status, 0) != child) {
-    printf("%s: no child, error %d\n", what, errno);
-  } else if (WIFEXITED(status)) {
-    printf("%s: exit %d\n", what, WEXITSTATUS(status));
-  } else {
-    printf("%s: signal %d\n", what, WTERMSIG(status));
-  }
-}
-
 static void memory(void) {
-  const pid_t child = fork();
-  if (child == 0) {
-    private_number = 2;
-    *shared = 3;
-    exit(7);
-  }
-  report("memory", child);
+  IN_CHILD("memory", (private_number = 2, *shared = 3, exit(7)));
   printf("private %d shared %d\n", private_number, *shared);
 }
 
-static void numbers(void) {
-  const pid_t parent = getpid();
-  const pid_t child = fork();
-  if (child == 0) {
-    const int right = getpid() == gettid() && getpid() != parent && getppid() == parent;
-    _exit(right ? 0 : 1);
-  }
-  report("numbers", child);
+static int has_numbers_of_its_own(pid_t parent) {
+  return getpid() == gettid() && getpid() != parent && getppid() == parent;
 }
 
 // Each generation's status is one more than that of the next.
@@ -66,19 +44,13 @@ static int generations(int depth) {
 }
 
 static void ends(void) {
-  pid_t child = fork();
-  if (child == 0) abort();
-  report("abort", child);
-  child = fork();
+  IN_CHILD("abort", abort());
+  IN_CHILD("last thread", pthread_exit(NULL));
+  IN_CHILD("generations", _exit(generations(4)));
+  const pid_t child = fork();
   if (child == 0) pause();
   kill(child, SIGTERM);
-  report("term", child);
-  child = fork();
-  if (child == 0) pthread_exit(NULL);
-  report("last thread", child);
-  child = fork();
-  if (child == 0) _exit(generations(4));
-  report("generations", child);
+  tell_end("term", child);
 }
 
 static void signals(void) {
@@ -100,7 +72,7 @@ static void signals(void) {
     raise(SIGUSR1);
     _exit(inherited + 2 * clean + 4 * quiet + 8 * (handled == SIGUSR1));
   }
-  report("signals", child);
+  tell_end("signals", child);
   sigprocmask(SIG_UNBLOCK, &blocked, NULL);
   printf("handled %d\n", handled);
 }
@@ -114,7 +86,7 @@ static void raw_flags(void) {
     // The exit clears tids[1], since the memory is shared with the parent.
     syscall(SYS_exit, tids[1] == getpid() ? 0 : 1);
   }
-  report("raw flags", (pid_t)child);
+  tell_end("raw flags", (pid_t)child);
   printf("parent's %d child's own %d cleared %d\n", tids[0] == child, tids[2] == child,
          tids[1] == 0);
   printf("refused %ld", syscall(SYS_clone, CLONE_SIGHAND | SIGCHLD, 0, 0, 0, 0));
@@ -172,7 +144,8 @@ int main(void) {
   setbuf(stdout, NULL);
   shared = mmap(NULL, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   memory();
-  numbers();
+  const pid_t parent = getpid();
+  IN_CHILD("numbers", _exit(has_numbers_of_its_own(parent) ? 0 : 1));
   ends();
   signals();
   raw_flags();

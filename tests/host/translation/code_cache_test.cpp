@@ -60,29 +60,6 @@ constexpr std::uint32_t b_8 = 0x14000002;       // b .+8
 constexpr std::uint32_t br_x5 = 0xd61f00a0;     // br x5
 constexpr std::uint32_t svc = 0xd4000001;       // svc #0
 
-TEST_F(cache_test, leaves_by_a_direct_exit_until_it_is_linked) {
-  const fragment& first = install(0x1000, add_x3_1, b_8);
-  const fragment& second = install(0x100c, add_x3_1, svc);
-  const exit_record& exit = run(first);
-  EXPECT_EQ(exit.kind, exit_kind::direct);
-  EXPECT_EQ(exit.target, 0x100cu);
-  EXPECT_EQ(context().x[3], 1u);
-  code_cache::link(exit, second);
-  EXPECT_EQ(run(first).kind, exit_kind::supervisor_call);
-  EXPECT_EQ(context().x[3], 3u);
-}
-
-TEST_F(cache_test, looks_indirect_targets_up_without_leaving) {
-  const fragment& first = install(0x1000, add_x3_1, br_x5);
-  const fragment& second = install(0x2000, add_x3_1, svc);
-  context().x[5] = 0x2000;
-  EXPECT_EQ(run(first).kind, exit_kind::indirect);
-  EXPECT_EQ(context().pc, 0x2000u);
-  cache().admit(second, 5);
-  EXPECT_EQ(run(first).kind, exit_kind::supervisor_call);
-  EXPECT_EQ(context().x[3], 3u);
-}
-
 // Far more targets than the first table holds, many of them in one place of it.
 TEST_F(cache_test, finds_every_target_as_the_table_grows) {
   const fragment& start = install(0x1000, add_x3_1, br_x5);
@@ -192,8 +169,7 @@ TEST_F(dropping_test, drops_all_that_a_range_touches_and_no_more) {
   EXPECT_EQ(run_at(0x3000).kind, exit_kind::supervisor_call);
 }
 
-// Signals that take a thread out of cache code by leave_soon or recover, as the signal entry does.
-// SIGTRAP is for blocks that hold a BRK, which stands for the moment at which a signal arrives.
+// Faults that take a thread out of cache code by recover, as the signal entry does.
 class interrupted_test : public cache_test {
  protected:
   interrupted_test() {
@@ -225,13 +201,8 @@ class interrupted_test : public cache_test {
     }
   }
 
-  static void take(int signal, siginfo_t*, void* raw) {
+  static void take(int, siginfo_t*, void* raw) {
     mcontext_t& machine = static_cast<ucontext_t*>(raw)->uc_mcontext;
-    if (signal == SIGTRAP) {
-      machine.pc += 4;
-      test->cache().leave_soon(machine);
-      return;
-    }
     test->cache().recover(machine, test->context());
     test->context().exit = &recovered_record;
     machine.regs[28] = reinterpret_cast<std::uint64_t>(&test->context());
@@ -243,8 +214,6 @@ class interrupted_test : public cache_test {
   static inline interrupted_test* test = nullptr;
   std::vector<char> signal_stack;
 };
-
-constexpr std::uint32_t brk = 0xd4200000;  // brk #0
 
 TEST_F(interrupted_test, recovers_the_state_before_the_instruction_that_faults) {
   constexpr std::uint64_t pc = 0x2000'0000;
@@ -297,28 +266,7 @@ TEST_F(interrupted_test, recovers_what_another_register_held_for_x28) {
   EXPECT_EQ(context().x[28], 0x78u);
 }
 
-TEST_F(interrupted_test, leaves_a_linked_loop_at_the_end_of_its_block) {
-  const fragment& loop = install(0x1000, add_x3_1, 0x17ffffff);  // b .-4
-  const fragment& other = install(0x2000, brk, 0x17fffbff);      // b .-0x1004
-  code_cache::link(run(loop), loop);
-  code_cache::link(run(other), loop);
-  cache().leave_soon_at(reinterpret_cast<std::uint64_t>(loop.code));
-  EXPECT_EQ(run(loop).target, 0x1000u);
-  EXPECT_EQ(run(other).target, 0x1000u);  // interrupted in the block itself
-  EXPECT_EQ(context().x[3], 0x13u + 2);
-}
-
-TEST_F(interrupted_test, leaves_at_an_indirect_branch_and_finds_its_way_later) {
-  const fragment& first = install(0x1000, brk, br_x5);
-  const fragment& second = install(0x2000, add_x3_1, svc);
-  context().x[5] = 0x2000;
-  cache().admit(second, 5);
-  EXPECT_EQ(run(first).kind, exit_kind::indirect);
-  EXPECT_EQ(context().pc, 0x2000u);
-  cache().admit(second, 5);
-  const fragment& third = install(0x3000, add_x3_1, br_x5);
-  EXPECT_EQ(run(third).kind, exit_kind::supervisor_call);
-}
+constexpr std::uint32_t brk = 0xd4200000;  // brk #0: the moment at which a signal arrives
 
 // A loop that calls two functions in turn, whose addresses share a slot of the branch table:
 //
