@@ -66,22 +66,6 @@ bool all(std::uintptr_t start, std::uintptr_t end, std::byte value) {
   return std::all_of(at(start), at(end), [value](std::byte byte) { return byte == value; });
 }
 
-TEST_F(loader, maps_file_and_zeros) {
-  file.data().p_filesz = 0x345;
-  const loaded_program program = load(file);
-  const std::uintptr_t bias = program.main_module.start - 0x400000;
-  const std::uintptr_t data = bias + 0x411000;
-  EXPECT_EQ(bias % 0x10000, 0U);
-  EXPECT_EQ(program.main_module.end, bias + 0x414000);
-  EXPECT_EQ(program.start_pc, bias + 0x400800);
-  EXPECT_EQ(std::memcmp(at(program.main_module.start), ELFMAG, SELFMAG), 0);
-  EXPECT_EQ(permissions(bias + 0x400000), "r-xp");
-  EXPECT_EQ(permissions(data), "rw-p");
-  EXPECT_EQ(permissions(data + 0x2fff), "rw-p");
-  EXPECT_TRUE(all(data, data + 0x345, std::byte{0xaa}));
-  EXPECT_TRUE(all(data + 0x345, data + 0x3000, std::byte{0}));
-}
-
 // As the kernel has it: the rest of the last file page stays, the pages behind it are zeros.
 TEST_F(loader, leaves_the_end_of_a_page_that_may_not_be_written) {
   file.data().p_flags = PF_R | PF_X;

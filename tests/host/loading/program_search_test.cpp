@@ -130,36 +130,5 @@ TEST_F(program_search, tells_the_path_of_a_file_from_its_name) {
   EXPECT_EQ(program.arguments, (words{elf, "/dev/fd/3", "x"}));
 }
 
-// As execve has them.
-TEST_F(program_search, numbers_its_errors) {
-  const auto error_of = [](const std::string& path) {
-    try {
-      follow_scripts({path, path}, {"x"});
-      return 0;
-    } catch (const launch_error& error) {
-      return error.error_number();
-    }
-  };
-  put("plain", "x", 0644);
-  EXPECT_EQ(error_of(put("elf", "\177ELF...")), 0);
-  EXPECT_EQ(error_of(at("absent")), ENOENT);
-  EXPECT_EQ(error_of(at("plain")), EACCES);
-  EXPECT_EQ(error_of(at("plain/x")), ENOTDIR);
-  EXPECT_EQ(error_of(root_), EACCES);
-  EXPECT_EQ(error_of("/dev/null"), EACCES);
-  EXPECT_EQ(error_of(put("empty", "")), ENOEXEC);
-  EXPECT_EQ(error_of(put("bare", "#!\n")), ENOEXEC);
-  EXPECT_EQ(error_of(put("lost", "#!/does/not/exist\n")), ENOENT);
-  EXPECT_EQ(error_of(put("self", "#!" + at("self"))), ELOOP);
-}
-
-TEST_F(program_search, tells_what_is_wrong_with_an_interpreter) {
-  const std::string plain = put("plain", "x", 0644);
-  EXPECT_EQ(status_of({put("s1", "#!/does/not/exist\n")}, ""), exit_status::not_found);
-  EXPECT_EQ(status_of({put("s2", "#!" + plain)}, ""), exit_status::cannot_run);
-  EXPECT_EQ(status_of({put("s3", "#!" + root_.string())}, ""), exit_status::cannot_run);
-  EXPECT_EQ(status_of({put("s4", "")}, ""), exit_status::cannot_run);
-}
-
 }  // namespace
 }  // namespace host
