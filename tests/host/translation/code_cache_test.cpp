@@ -60,6 +60,15 @@ constexpr std::uint32_t b_8 = 0x14000002;       // b .+8
 constexpr std::uint32_t br_x5 = 0xd61f00a0;     // br x5
 constexpr std::uint32_t svc = 0xd4000001;       // svc #0
 
+// As a signal has it that finds the thread in the client's call from there.
+TEST_F(cache_test, leaves_a_linked_loop_at_the_end_of_its_block) {
+  const fragment& loop = install(0x1000, add_x3_1, 0x17ffffff);  // b .-4
+  code_cache::link(run(loop), loop);
+  cache().leave_soon_at(reinterpret_cast<std::uint64_t>(loop.code));
+  EXPECT_EQ(run(loop).target, 0x1000u);
+  EXPECT_EQ(context().x[3], 2u);
+}
+
 // Far more targets than the first table holds, many of them in one place of it.
 TEST_F(cache_test, finds_every_target_as_the_table_grows) {
   const fragment& start = install(0x1000, add_x3_1, br_x5);

@@ -1,6 +1,4 @@
 // First-fault and non-fault loads where real pages end, at every distance from the boundary.
-#include "sve/fast/first_fault.h"
-
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -10,97 +8,85 @@
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <vector>
 
 #include "guarded_memory.h"
+#include "sve/decode/sve_utils.h"
 #include "sve/semantics/memory_access.h"
-#include "sve/state/vector_length.h"
 
 namespace {
 
 using sve::vector_bytes;
 
-constexpr aarch64_z_reg zt{30, 0, 0, 0};
-constexpr aarch64_p_reg pg{3, sve::zeroing, 0, 0};
+constexpr unsigned zt = 30, pg = 3;
 
-// What a name says after the 1: s where the sign is extended, the memory element, and the register
-// element where it is wider.
-struct Shape {
-  explicit constexpr Shape(std::string_view name) {
-    std::size_t at = name.find('1') + 1;
-    sign = name[at] == 's';
-    if (sign) ++at;
-    memory_bytes = bytes_of(name[at++]);
-    element_bytes = at < name.size() ? bytes_of(name[at + 1]) : memory_bytes;
-  }
-  static constexpr std::size_t bytes_of(char letter) {
-    return letter == 'b' ? 1 : letter == 'h' ? 2 : letter == 'd' ? 8 : 4;
-  }
+// A row of the instruction table, with what its name says: VecS64CLoadFF2LSSZ has elements of 64
+// bits, of 2 bytes in memory, sign-extended.
+struct Form {
+  explicit Form(const sve::instruction_row& row)
+      : row(&row),
+        name(row.name),
+        element_bytes(std::stoul(name.substr(4)) / 8),
+        memory_bytes(static_cast<std::size_t>(name[name.find("CLoad") + 7] - '0')),
+        sign(name[3] == 'S') {}
   std::size_t elements() const { return vector_bytes / element_bytes; }
 
-  std::size_t memory_bytes, element_bytes;
+  const sve::instruction_row* row;
+  std::string name;
+  std::size_t element_bytes, memory_bytes;
   bool sign;
 };
 
-template <class Function>
-struct Form : Shape {
-  constexpr Form(const char* form_name, Function* load)
-      : Shape(form_name), name(form_name), function(load) {}
+// The fast paths whose names have this in them.
+std::vector<Form> forms(std::string_view part) {
+  std::vector<Form> result;
+  for (const sve::instruction_row& row : sve::instruction_rows()) {
+    const bool chosen = row.name.find(part) != std::string_view::npos;
+    if (chosen && row.kind == sve::row_kind::fast) result.emplace_back(row);
+  }
+  return result;
+}
 
-  const char* name;
-  Function* function;
-};
-
-#define FIRST_FAULT(name) Form(#name, sve_##name##_scaled_zprr)
-const Form<sve::contiguous_scaled_zprr> first_fault_loads[] = {
-    FIRST_FAULT(ldff1b), FIRST_FAULT(ldff1b_h), FIRST_FAULT(ldff1b_s), FIRST_FAULT(ldff1b_d),
-    FIRST_FAULT(ldff1w), FIRST_FAULT(ldff1w_d), FIRST_FAULT(ldff1d)};
-
-#define NON_FAULT(name) Form(#name, sve_##name##_zpri)
-const Form<sve::contiguous_zpri> non_fault_loads[] = {
-    NON_FAULT(ldnf1b),    NON_FAULT(ldnf1b_h),  NON_FAULT(ldnf1b_s),  NON_FAULT(ldnf1b_d),
-    NON_FAULT(ldnf1sb_h), NON_FAULT(ldnf1sb_s), NON_FAULT(ldnf1sb_d), NON_FAULT(ldnf1h),
-    NON_FAULT(ldnf1h_s),  NON_FAULT(ldnf1h_d),  NON_FAULT(ldnf1sh_s), NON_FAULT(ldnf1sh_d),
-    NON_FAULT(ldnf1w),    NON_FAULT(ldnf1w_d),  NON_FAULT(ldnf1sw_d), NON_FAULT(ldnf1d)};
+const std::vector<Form> first_fault_loads = forms("CLoadFF"), non_fault_loads = forms("CLoadNF");
 
 class FirstFault : public testing::Test {
  protected:
   // Random bytes everywhere: predicate bytes are true by bit 0 alone, with the other bits set too.
   FirstFault() {
     SVEInitialize();
+    EXPECT_FALSE(first_fault_loads.empty() || non_fault_loads.empty());
     auto* bytes = reinterpret_cast<unsigned char*>(state.get());
     std::generate_n(bytes, sizeof(cpu_state), [this] { return byte(); });
     std::generate_n(memory.data(), memory.size(), [this] { return byte(); });
   }
 
-  void call(const Form<sve::contiguous_scaled_zprr>& form, std::uint64_t address) {
-    state->x[30] = random() % 100;
-    state->sp = address - state->x[30] * form.memory_bytes;
+  // With SP as the base, and an index in X30 for a first-fault load or an immediate for others.
+  void call(const Form& form, std::uint64_t address) {
+    const bool is_first_fault = form.name.find("FF") != std::string::npos;
+    const unsigned operand = static_cast<unsigned>(random() % 16);
+    const auto index = is_first_fault ? std::int64_t{operand} : std::int64_t{operand ^ 8U} - 8;
+    const std::size_t unit = form.memory_bytes * (is_first_fault ? 1 : form.elements());
+    state->x[30] = static_cast<std::uint64_t>(index);
+    state->sp = address - static_cast<std::uint64_t>(index) * unit;
     std::memset(state->ffr, 1, vector_bytes);
     std::memcpy(before.get(), state.get(), sizeof(cpu_state));
-    form.function(state.get(), zt, pg, {31, sve::D}, {30, sve::D, 4, 4});
+    const unsigned last = is_first_fault ? 30 : operand;
+    const unsigned word = form.row->fixed_bits() | last << 16 | pg << 10 | 31U << 5 | zt;
+    before->instr = word;
+    form.row->handler(state.get(), word);
   }
 
-  void call(const Form<sve::contiguous_zpri>& form, std::uint64_t address) {
-    const int imm = static_cast<int>(random() % 16) - 8;
-    const std::int64_t offset =
-        std::int64_t{imm} * static_cast<int>(form.elements() * form.memory_bytes);
-    state->x[7] = address - static_cast<std::uint64_t>(offset);
-    std::memset(state->ffr, 1, vector_bytes);
-    std::memcpy(before.get(), state.get(), sizeof(cpu_state));
-    form.function(state.get(), zt, pg, {7, sve::D}, imm);
-  }
-
-  void expect_element(const Shape& form, std::uint64_t address, std::size_t e) {
+  void expect_element(const Form& form, std::uint64_t address, std::size_t e) {
     const std::int64_t value = active(form, e) ? loaded(form, address + e * form.memory_bytes) : 0;
-    std::memcpy(before->z[zt.num] + e * form.element_bytes, &value, form.element_bytes);
+    std::memcpy(before->z[zt] + e * form.element_bytes, &value, form.element_bytes);
   }
-  void expect_cleared(const Shape& form, std::size_t e) {
+  void expect_cleared(const Form& form, std::size_t e) {
     std::memset(before->ffr + e * form.element_bytes, 0, form.element_bytes);
   }
 
   // How many elements a first-fault load handles `room` bytes before an unreadable page: whole
   // register elements, or else up to the first active one; nothing if that one faults.
-  std::optional<std::size_t> handled(const Shape& form, std::size_t room) const {
+  std::optional<std::size_t> handled(const Form& form, std::size_t room) const {
     if (room >= form.element_bytes) return std::min(form.elements(), room / form.element_bytes);
     for (std::size_t e = 0; e < form.elements(); ++e) {
       if (!active(form, e)) continue;
@@ -112,22 +98,22 @@ class FirstFault : public testing::Test {
 
   unsigned char byte() { return static_cast<unsigned char>(random()); }
 
-  bool active(const Shape& form, std::size_t e) const {
-    return (state->p[pg.num][e * form.element_bytes] & 1) != 0;
+  bool active(const Form& form, std::size_t e) const {
+    return (state->p[pg][e * form.element_bytes] & 1) != 0;
   }
 
   // Governing predicates: all, none, one element, and random ones with many and few gaps.
-  void choose_predicate(const Shape& form, unsigned choice) {
+  void choose_predicate(const Form& form, unsigned choice) {
     const std::size_t lone = random() % form.elements();
     for (std::size_t e = 0; e < form.elements(); ++e) {
       const bool truths[] = {true, false, e == lone, random() % 2 != 0, random() % 8 == 0};
-      unsigned char& first = state->p[pg.num][e * form.element_bytes];
+      unsigned char& first = state->p[pg][e * form.element_bytes];
       first = static_cast<unsigned char>((byte() & 0xfe) | (truths[choice] ? 1 : 0));
     }
   }
 
   // The element as it arrives in a register: extended to 8 bytes.
-  std::int64_t loaded(const Shape& form, std::uint64_t address) const {
+  std::int64_t loaded(const Form& form, std::uint64_t address) const {
     std::int64_t value = 0;
     std::memcpy(&value, memory.data() + (address - memory.begin()), form.memory_bytes);
     const int shift = 64 - 8 * static_cast<int>(form.memory_bytes);
@@ -137,7 +123,7 @@ class FirstFault : public testing::Test {
   }
 
   // The state after the call is the one from before with the changes that the test made to it.
-  void expect_state_as_before(const char* what, unsigned choice) {
+  void expect_state_as_before(const std::string& what, unsigned choice) {
     const auto* expected = reinterpret_cast<const unsigned char*>(before.get());
     const auto* got = reinterpret_cast<const unsigned char*>(state.get());
     const auto differs = std::mismatch(got, got + sizeof(cpu_state), expected).first - got;
@@ -153,7 +139,7 @@ class FirstFault : public testing::Test {
 };
 
 TEST_F(FirstFault, HandlesTheElementsBeforeAnUnreadablePage) {
-  for (const auto& form : first_fault_loads) {
+  for (const Form& form : first_fault_loads) {
     for (std::size_t room = 1; room <= vector_bytes + 2; ++room) {
       for (unsigned choice = 0; choice < 5; ++choice) {
         choose_predicate(form, choice);
@@ -165,33 +151,25 @@ TEST_F(FirstFault, HandlesTheElementsBeforeAnUnreadablePage) {
           if (e < *count) expect_element(form, address, e);
           if (e >= *count) expect_cleared(form, e);
         }
-        expect_state_as_before((form.name + (" " + std::to_string(room))).c_str(), choice);
+        expect_state_as_before(form.name + " " + std::to_string(room), choice);
       }
     }
   }
 }
 
-TEST_F(FirstFault, IsAPlainLoadWhereThePagesAreReadable) {
-  const std::uint64_t boundary = memory.begin() + GuardedMemory::page_size();
-  for (const auto& form : first_fault_loads) {
-    for (unsigned choice = 0; choice < 40; ++choice) {
-      choose_predicate(form, choice % 5);
-      const std::uint64_t address = boundary - random() % (vector_bytes + 8);
-      call(form, address);
-      for (std::size_t e = 0; e < form.elements(); ++e) expect_element(form, address, e);
-      expect_state_as_before(form.name, choice);
-    }
+TEST_F(FirstFault, ReadsNothingWithoutAnActiveElement) {
+  for (const Form& form : first_fault_loads) {
     choose_predicate(form, 1);
     call(form, memory.end() + 8);
     for (std::size_t e = 0; e < form.elements(); ++e) expect_element(form, 0, e);
-    expect_state_as_before(form.name, 40);
+    expect_state_as_before(form.name, 1);
   }
 }
 
 TEST_F(FirstFault, NonFaultLoadsReadWhatCanBeRead) {
   const std::uint64_t boundaries[] = {memory.begin(), memory.begin() + GuardedMemory::page_size(),
                                       memory.end()};
-  for (const auto& form : non_fault_loads) {
+  for (const Form& form : non_fault_loads) {
     for (const std::uint64_t boundary : boundaries) {
       for (std::uint64_t before_it = 0; before_it <= vector_bytes + 2; ++before_it) {
         const unsigned choice = static_cast<unsigned>(before_it + form.element_bytes) % 5;
@@ -207,7 +185,7 @@ TEST_F(FirstFault, NonFaultLoadsReadWhatCanBeRead) {
             expect_cleared(form, e);
           }
         }
-        expect_state_as_before((form.name + (" " + std::to_string(before_it))).c_str(), choice);
+        expect_state_as_before(form.name + " " + std::to_string(before_it), choice);
       }
     }
   }
@@ -219,21 +197,19 @@ using FirstFaultDeathTest = FirstFault;
 TEST_F(FirstFaultDeathTest, FaultsWithoutProgress) {
   const rlimit no_core_file{0, 0};
   setrlimit(RLIMIT_CORE, &no_core_file);
-  const auto& byte = first_fault_loads[0];
-  const auto& byte_to_doubleword = first_fault_loads[3];
-  const auto& word = first_fault_loads[4];
   const struct {
-    const Form<sve::contiguous_scaled_zprr>& form;
+    const char* name;
     std::size_t first_active;
     std::uint64_t address;
-  } faults[] = {{byte, 0, memory.end() + 8},
-                {byte, 100 % vector_bytes, memory.end() + 8},
-                {word, 0, memory.end() - 3},
-                {word, 1, memory.end() - 3},
-                {byte_to_doubleword, 1, memory.end() - 1}};
-  for (const auto& [form, first_active, address] : faults) {
+  } faults[] = {{"VecU8CLoadFF1LSSZ", 0, memory.end() + 8},
+                {"VecU8CLoadFF1LSSZ", 100 % vector_bytes, memory.end() + 8},
+                {"VecU32CLoadFF4LSSZ", 0, memory.end() - 3},
+                {"VecU32CLoadFF4LSSZ", 1, memory.end() - 3},
+                {"VecU64CLoadFF1LSSZ", 1, memory.end() - 1}};
+  for (const auto& [name, first_active, address] : faults) {
+    const Form form = forms(name).at(0);
     choose_predicate(form, 1);
-    state->p[pg.num][first_active * form.element_bytes] = 1;
+    state->p[pg][first_active * form.element_bytes] = 1;
     EXPECT_EXIT(call(form, address), testing::KilledBySignal(SIGSEGV), "caught signal SIGSEGV")
         << form.name;
   }

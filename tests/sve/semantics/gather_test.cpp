@@ -1,5 +1,4 @@
-// Gathering and contiguous first-fault loads with real unreadable pages, ordinary gathers, and the
-// replicated quadword, at every vector length.
+// Gathering and contiguous first-fault loads with real unreadable pages, at every vector length.
 #include <functional>
 #include <random>
 #include <vector>
@@ -164,23 +163,6 @@ TEST_P(Gather, ContiguousFirstFaultLoadsStopThere) {
       unsigned stop = room / form.memory;
       while (stop < n && !g.lane(stop * form.element)) ++stop;
       expect(form, g, at, stop);
-    }
-  }
-}
-
-TEST_P(Gather, ReplicatedQuadwordsReadWhatTheFirstSixteenLanesGovern) {
-  const U64 quadword = memory.end() - 16;
-  PredV g = any_predicate();
-  for (const U64 address : {quadword, memory.end()}) {
-    if (address == memory.end()) g.words[0] &= ~U64{0xffff};  // nothing is read there
-    CpuContext ctx = context(GetParam());
-    const VecV bytes = VecU8LoadDup1QSIZ(g, address + 32, -2, &ctx);
-    const VecV words = VecU32LoadDup4QSSZ(g, address - 12, 3, &ctx);
-    for (unsigned lane = 0; lane < GetParam() * 8; ++lane) {
-      const unsigned k = lane % 16;
-      const unsigned char byte = address == quadword ? memory.data()[memory.size() - 16 + k] : 0;
-      EXPECT_EQ(bytes.bytes[lane], g.lane(k) ? byte : 0) << lane;
-      EXPECT_EQ(words.bytes[lane], g.lane(k / 4 * 4) ? byte : 0) << lane;
     }
   }
 }
