@@ -2,8 +2,6 @@
 // lies above the vector at any length.
 #include "sve/semantics/predicates.h"
 
-#include <algorithm>
-
 #include "tests/sve/semantics/context.h"
 
 namespace {
@@ -91,39 +89,6 @@ TEST(Predicates, Patterns) {
   EXPECT_EQ(flags(ctx), "Nzcv");
   EXPECT_EQ(text(VecP16TrueFlgI(9, &ctx), 16), std::string(16, '0'));
   EXPECT_EQ(flags(ctx), "nZCv");
-}
-
-// A loop predicate is a run of true elements from element 0 on; this is its length.
-template <class F, class Scalar>
-std::string run_of(F f, Scalar op1, Scalar op2, unsigned vl, std::size_t element_bytes) {
-  CpuContext ctx = context(vl);
-  const std::string result = text(f(op1, op2, &ctx), vl * 8);
-  const auto length = static_cast<std::size_t>(std::ranges::count(result, '1'));
-  for (std::size_t e = 0; e < length; ++e)
-    EXPECT_EQ(result.at(e * element_bytes), '1') << "not a run";
-  return std::to_string(length) + " " + flags(ctx);
-}
-
-TEST(Predicates, LoopPredicates) {
-  constexpr auto min32 = std::numeric_limits<S32>::min();
-  constexpr auto max32 = std::numeric_limits<S32>::max();
-  constexpr auto max64 = std::numeric_limits<S64>::max();
-  constexpr auto umax64 = std::numeric_limits<U64>::max();
-  EXPECT_EQ(run_of(VecS8While4LESS, -3, 3, 2, 1), "7 NzCv");
-  EXPECT_EQ(run_of(VecS8While4LTSS, -3, 3, 2, 1), "6 NzCv");
-  EXPECT_EQ(run_of(VecS8While4LESS, 4, 3, 2, 1), "0 nZCv");
-  EXPECT_EQ(run_of(VecS8While4LESS, min32, max32 - 1, 2, 1), "16 Nzcv");
-  EXPECT_EQ(run_of(VecS8While4LESS, max32, max32, 2, 1), "16 Nzcv") << "all, by definition";
-  EXPECT_EQ(run_of(VecS8While4LESS, max32 - 1, max32 - 1, 2, 1), "1 NzCv") << "no wrap";
-  EXPECT_EQ(run_of(VecS8While4LTSS, max32 - 1, max32, 2, 1), "1 NzCv") << "no shortcut";
-  EXPECT_EQ(run_of(VecS16While8LESS, max64, max64, 30, 2), "120 Nzcv");
-  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{30}, 30, 8), "30 Nzcv");
-  EXPECT_EQ(run_of(VecS64While8LTSS, S64{0}, S64{29}, 30, 8), "29 NzCv");
-  EXPECT_EQ(run_of(VecU8While4LESS, 5U, 4U, 2, 1), "0 nZCv");
-  EXPECT_EQ(run_of(VecU32While4LESS, 0xffffffffU, 0xffffffffU, 32, 4), "64 Nzcv");
-  EXPECT_EQ(run_of(VecU32While4LTSS, 0xfffffffeU, 0xffffffffU, 32, 4), "1 NzCv");
-  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64 - 1, 8, 8), "1 NzCv");
-  EXPECT_EQ(run_of(VecU64While8LESS, umax64 - 1, umax64, 8, 8), "8 Nzcv");
 }
 
 }  // namespace
