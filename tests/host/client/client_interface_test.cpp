@@ -138,12 +138,15 @@ TEST_F(inserts, in_order_around_application_instructions) {
   instr_t* first = nullptr;
   instr_t* last = nullptr;
   instrlist_insert_mov_immed_ptrsz(nullptr, 0x10002, reg(DR_REG_X27), list, ret, &first, &last);
-  dr_save_reg(nullptr, list, nop, DR_REG_X26, SPILL_SLOT_1);
+  for (instr_t* const where : {nop, ret}) {
+    dr_save_reg(nullptr, list, where, DR_REG_X26, SPILL_SLOT_1);
+  }
   EXPECT_EQ(encoded(), (words{
                            0xf900b79a,  // str  x26, [x28, #360]
                            0xd503201f,  // nop
                            0xd280005b,  // mov  x27, #2
                            0xf2a0003b,  // movk x27, #1, lsl #16
+                           0xf900b79a,  // str  x26, [x28, #360]
                            0xd65f03c0,  // ret
                        }));
   EXPECT_EQ(instrlist_first_app(list), nop);
@@ -155,7 +158,7 @@ TEST_F(inserts, in_order_around_application_instructions) {
   EXPECT_EQ(instr_get_raw_bits(first), nullptr);
   instrlist_remove(list, ret);
   instr_destroy(nullptr, ret);
-  EXPECT_EQ(instrlist_last(list), last);
+  EXPECT_EQ(instr_get_prev(instrlist_last(list)), last);
   EXPECT_EQ(instr_get_app_pc(instr_set_translation(first, pc)), pc);
 }
 

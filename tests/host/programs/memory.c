@@ -36,18 +36,6 @@ static int call(void* code) {
   return f();
 }
 
-static int rewritten_in_place(void) {
-  uint32_t* code =
-      mmap(NULL, 4096, PROT_READ | PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  int sum = 0;
-  for (int i = 0; i < 50; i++) {
-    write_function(code, i);
-    __builtin___clear_cache((char*)code, (char*)(code + 2));
-    sum += call(code);
-  }
-  return sum;
-}
-
 static int mapped_anew(void) {
   int sum = 0;
   for (int i = 0; i < 50; i++) {
@@ -71,18 +59,9 @@ static int moved(void) {
   return sum + call(code);
 }
 
-static void print_own_name(void) {
-  char path[4096] = "";
-  const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
-  const char* slash = length > 0 ? strrchr(path, '/') : NULL;
-  printf("name %s\n", slash != NULL ? slash + 1 : "?");
-}
-
 int main(void) {
   move_break();
-  printf("rewritten %d\n", rewritten_in_place());
   printf("mapped anew %d\n", mapped_anew());
   printf("moved %d\n", moved());
-  print_own_name();
   return 0;
 }
