@@ -1,11 +1,9 @@
-// What the comparison with a processor's scalar instructions leaves open: the tables that are
-// generated, and the functions, rounding modes and arguments that no instruction reaches.
+// What the comparison with a processor's instructions leaves open: the functions, rounding modes and
+// arguments that no instruction reaches.
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-#include "sve/fp/estimate_table.h"
-#include "sve/fp/exponential_table.h"
 #include "sve/fp/fp.h"
 
 namespace {
@@ -17,27 +15,6 @@ using dword = unsigned long;
 constexpr int inexact = FPSCR::IXC;
 constexpr int underflow = FPSCR::UFC | FPSCR::IXC;
 constexpr int overflow = FPSCR::OFC | FPSCR::IXC;
-
-TEST(Tables, ReciprocalSquareRoot) {
-  const auto& table = sve::recip_sqrt_estimate;
-  EXPECT_EQ(std::vector<int>(table.begin(), table.begin() + 4),
-            (std::vector<int>{255, 253, 251, 249}));
-  EXPECT_EQ(table[128], 105);
-  EXPECT_EQ(std::vector<int>(table.end() - 3, table.end()), (std::vector<int>{1, 1, 0}));
-}
-
-template <class T>
-std::vector<dword> ends_and_middle() {
-  const auto& table = sve::exponential_table<T>;
-  return {table.size(), table[0], table[1], table[table.size() / 2], table.back()};
-}
-
-TEST(Tables, Exponential) {
-  EXPECT_EQ(ends_and_middle<half>(), (std::vector<dword>{32, 0, 0x16, 0x1a8, 0x3d4}));
-  EXPECT_EQ(ends_and_middle<single>(), (std::vector<dword>{64, 0, 0x164d2, 0x3504f3, 0x7d3e0c}));
-  EXPECT_EQ(ends_and_middle<dword>(),
-            (std::vector<dword>{64, 0, 0x2c9a3e778061, 0x6a09e667f3bcd, 0xfa7c1819e90d8}));
-}
 
 // A result and the flags that came with it.
 struct Outcome {
