@@ -31,8 +31,7 @@ std::vector<const sve::instruction_row*> choose_rows(const options& chosen) {
   std::vector<const sve::instruction_row*> rows;
   unsigned position = 0;
   for (const sve::instruction_row& row : sve::instruction_rows())
-    if (is_chosen(chosen, row) && chosen.shard.has(position++))
-      rows.push_back(&row);
+    if (is_chosen(chosen, row) && chosen.shard.has(position++)) rows.push_back(&row);
   return rows;
 }
 

@@ -1,5 +1,5 @@
-// What the comparison with a processor's instructions leaves open: the functions, rounding modes and
-// arguments that no instruction reaches.
+// What the comparison with a processor's instructions leaves open: the functions, rounding modes
+// and arguments that no instruction reaches.
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
