@@ -151,7 +151,10 @@ error_t apply(int key, char* text, argp_state* state) {
     case 'f': chosen.function = text; break;
     case 'c': chosen.count = test_options::number(state, "--count", text); break;
     case 's': chosen.seed = test_options::number(state, "--seed", text); break;
-    case 'm': chosen.mode = test_options::number(state, "--mode", text, 0, UINT32_MAX); break;
+    case 'm':
+      chosen.mode =
+          static_cast<std::uint32_t>(test_options::number(state, "--mode", text, 0, UINT32_MAX));
+      break;
     case 'p': chosen.part = test_options::part_of(state, "--part", text); break;
     case 'a': chosen.all_half_pairs = true; break;
     case 'k': chosen.self_check = true; break;

@@ -146,7 +146,7 @@ bool addr_is_readable(volatile T*);
 namespace {
 
 constexpr unsigned int add_s = 0x04a20020;  // add z0.s, z1.s, z2.s
-constexpr aarch64_decode_rc ok{0}, unimplemented{2};
+constexpr aarch64_decode_rc ok{0};
 
 aarch64_z_reg z(unsigned num) { return {num, 2, 5, 5}; }
 aarch64_p_reg p(unsigned num) { return {num, 0, 7, 7}; }
