@@ -56,6 +56,8 @@ find_missing_for_all() {
   need qemu-system-aarch64 qemu-system-arm
   need cpio cpio
   need /usr/sbin/debootstrap debootstrap
+  need mmdebstrap mmdebstrap
+  need newuidmap uidmap
 }
 
 find_missing_for_bench() {
