@@ -163,12 +163,12 @@ TEST_F(BlockTest, KeepsOtherInstructionsInOrder) {
 }
 
 TEST_F(BlockTest, LeavesABlockWithoutSveUnchanged) {
-  constexpr std::uint32_t udf = 0x00000000;     // udf #0
-  constexpr std::uint32_t saddlb = 0x45420020;  // saddlb z0.h, z1.b, z2.b: of SVE2, without a row
+  constexpr std::uint32_t udf = 0x00000000;          // udf #0
+  constexpr std::uint32_t unallocated = 0x252c9001;  // setffr with a bit that must be 0
   start();
-  application_block block({mov_x0, udf, saddlb, ret});
+  application_block block({mov_x0, udf, unallocated, ret});
   block.rewrite(0x10000);
-  EXPECT_EQ(block.encoded(), (words{mov_x0, udf, saddlb, ret}));
+  EXPECT_EQ(block.encoded(), (words{mov_x0, udf, unallocated, ret}));
   application_block empty({});
   empty.rewrite(0x10000);
   EXPECT_TRUE(empty.encoded().empty());
