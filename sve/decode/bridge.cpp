@@ -1,5 +1,5 @@
-// What every bridge does before and after its semantic function, whatever the operation needs of
-// it: the flags come back zero-extended, and the FFR comes back with each byte 0 or 1.
+// What every bridge does before and after its semantic function, even if the operation needs none
+// of it. The flags come back zero-extended, and the FFR comes back with each byte 0 or 1.
 #include "sve/decode/bridge.h"
 
 #include <cstring>

@@ -1,8 +1,8 @@
 // The bridge between registers and the values of the reference semantics.
 //
-// A bridge converts what the row's descriptors name into values, calls the semantic function of the
-// row's own name, and writes result, flags and FFR back. It is the slow path and meant to be
-// simple: it knows nothing of the instruction but its operands.
+// A bridge reads the operands that the row's descriptors name, calls the semantic function that has
+// the row's name, and writes back the result, the flags and the FFR. It is the slow path and is
+// meant to be simple: all that it knows of the instruction is its operands.
 #pragma once
 
 #include <cstddef>
@@ -14,19 +14,19 @@
 
 namespace sve {
 
-// A predicate in: bit k of the value is bit 0 of byte k; the lanes above the vector are 0.
+// Reads a predicate: bit k of the value is bit 0 of byte k. The lanes above the vector are 0.
 PredV pack(const predicate_register& predicate);
 
-// A predicate out: every byte becomes 0 or 1.
+// Writes a predicate: every byte becomes 0 or 1.
 void unpack(const PredV& value, predicate_register& predicate);
 
-// The machine as the semantic function sees it, and back.
+// Makes the context that a semantic function sees, and writes it back to the machine state.
 CpuContext context_in(const cpu_state& state);
 void context_out(const CpuContext& context, cpu_state& state);
 
-// Operand records as values. A W register gives its low 32 bits, a SIMD&FP scalar the low 64 bits
-// of its register. A vector register is a VecV where it lies, so that the call, which takes it by
-// value, makes the only copy; nobody reads what the VecV has beyond the register.
+// The value of an operand. A W register gives its low 32 bits, and a SIMD&FP scalar gives the low
+// 64 bits of its register. A vector register is read in place as a VecV: the call takes it by value
+// and makes the only copy. Nobody reads the bytes of the VecV beyond the register.
 static_assert(offsetof(cpu_state, z) + 31 * sizeof(vector_register) + sizeof(VecV) <=
                   sizeof(cpu_state),
               "a VecV that begins at the last vector register must end inside the state");
@@ -44,8 +44,8 @@ inline bool value_of(const cpu_state*, aarch64_sve_fp_arith_imm immediate) {
   return immediate.select != 0;
 }
 
-// Results, by the record of the destination. A W register's upper half and the rest of a SIMD&FP
-// scalar's register become 0.
+// Writes a result to the register of the record. The upper half of a W register becomes 0, and so
+// does the rest of a SIMD&FP scalar's register.
 void write_result(cpu_state* state, aarch64_z_reg reg, const VecV& value);
 void write_result(cpu_state* state, aarch64_p_reg reg, const PredV& value);
 void write_result(cpu_state* state, aarch64_i_reg reg, std::uint64_t value);
@@ -58,8 +58,8 @@ struct no_result {
   static constexpr operand_text text{nullptr, place::unwritten};
 };
 
-// Evaluates to the handler of a row: the function's arguments are `Operands` in order, then the
-// context; its result goes to `Result`.
+// The handler of a row. The function's arguments are the `Operands` in order, then the context. Its
+// result goes to `Result`.
 template <word_pattern Pattern, auto Function, class Result, class... Operands>
 aarch64_decode_rc bridge_handler(cpu_state* state, unsigned word) {
   CpuContext context = context_in(*state);

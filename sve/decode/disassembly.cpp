@@ -1,4 +1,4 @@
-// Rows and words as text: the table's lines for people.
+// Rows and words as text that people read.
 #include <algorithm>
 #include <array>
 #include <cctype>

@@ -1,10 +1,10 @@
 // Decode handlers: the three ways in which an instruction form is carried out.
 //
 // A handler is an instance of a template over its row's pattern, the function that it calls and
-// the row's operand descriptors; there is no handler code besides. A fast handler stores the word
-// and calls a fast path with operand records, and if that raises floating-point flags, it takes
-// them from the FPSR into the state; a bridge (sve/decode/bridge.h) goes to the reference
-// semantics; a no-op serves the prefetches, which have no architectural effect.
+// the row's operand descriptors; no handler is written by hand. A fast handler stores the word and
+// calls a fast path with operand records. If the fast path raises floating-point flags, the handler
+// copies them from the FPSR into the state. A bridge (sve/decode/bridge.h) calls the reference
+// semantics. A no-op serves the prefetches, which have no architectural effect.
 #pragma once
 
 #include "scalar_unit.h"
@@ -19,8 +19,8 @@ aarch64_decode_rc fast_handler(cpu_state* state, unsigned word) {
   return Function(state, Operands::template take<Pattern>(word)...);
 }
 
-// The transfer code behind the call restores the FPSR from the state, so it must know the flags
-// that the fast path has raised.
+// The transfer code after the call restores the FPSR from the state, so the state must have the
+// flags that the fast path raised.
 template <word_pattern Pattern, auto Function, class... Operands>
 aarch64_decode_rc fast_fp_handler(cpu_state* state, unsigned word) {
   const aarch64_decode_rc result = fast_handler<Pattern, Function, Operands...>(state, word);

@@ -1,8 +1,8 @@
 // The rows of the decode maps, made from the instruction table.
 //
-// A row takes its map and its key from its pattern, and its handler from what the line says serves
-// it. All checks on the table as a whole happen here at compile time: that each pattern belongs to
-// a map, that each line reads all its operand fields, that no map is empty.
+// A row gets its map and its key from its pattern, and its handler from the kind of its line. All
+// checks of the whole table happen here, at compile time: each pattern belongs to a map, each line
+// reads all its operand fields, and no map is empty.
 #include <algorithm>
 #include <functional>
 
@@ -22,7 +22,7 @@ inline constexpr word_pattern stored_pattern = Pattern;
 template <class... Operands>
 constexpr std::array<operand_text, sizeof...(Operands)> operand_texts{Operands::text...};
 
-// What a row has beside its pattern.
+// What a row has besides its pattern.
 struct line {
   std::string_view mnemonic, name;
   row_kind kind;
@@ -82,7 +82,7 @@ consteval instruction_row no_op_row(std::string_view mnemonic, std::string_view 
   return row<Pattern, Operands...>({mnemonic, name, row_kind::no_op, &no_op_handler<Pattern>});
 }
 
-// How a line of the table becomes a row. BRIDGE takes the function from the row's own name.
+// How a line of the table becomes a row. BRIDGE calls the function that has the row's name.
 #define FAST(pattern, mnemonic, name, ...) fast_row<pattern, __VA_ARGS__>(#mnemonic, #name),
 #define FAST_FP(pattern, mnemonic, name, ...) fast_fp_row<pattern, __VA_ARGS__>(#mnemonic, #name),
 #define BRIDGE(pattern, mnemonic, name, ...) \
@@ -98,13 +98,13 @@ consteval bool every_map_has_a_row() {
   for (const instruction_row& row : table) has_row[row.map] = true;
   return std::ranges::all_of(has_row, std::identity{});
 }
-static_assert(every_map_has_a_row(), "a map that no pattern fits is searched in vain");
+static_assert(every_map_has_a_row(), "no map may be empty: searching it would be a waste");
 
 consteval bool every_row_is_an_sve_encoding() {
   return std::ranges::all_of(
       table, [](const instruction_row& row) { return row.pattern.substr(3, 4) == "0010"; });
 }
-static_assert(every_row_is_an_sve_encoding(), "is_sve looks at bits 28 to 25 first");
+static_assert(every_row_is_an_sve_encoding(), "is_sve finds only words of the SVE group");
 
 }  // namespace
 

@@ -1,8 +1,8 @@
-// The decode maps: the bits of the instruction word that make up the key of each.
+// The decode maps, and the bits of the instruction word that make up the key of each map.
 //
-// A row stands in the map whose ranges are exactly the bits that its pattern fixes. No two rows
-// match one word, so the order of probing cannot be observed; the maps are probed from the widest
-// key to the narrowest. A pattern that fits none needs a map of its own: a line below.
+// A row is in the map whose ranges are exactly the bits that its pattern fixes. No word matches two
+// rows, so the order of probing makes no difference to the result. The maps are probed from the
+// widest key to the narrowest. A pattern that fits no map needs a new one: add a line below.
 #pragma once
 
 #include <array>
@@ -77,7 +77,7 @@ inline constexpr map_description decode_maps[] = {
 inline constexpr std::size_t map_count = std::size(decode_maps);
 inline constexpr std::size_t no_map = map_count;
 
-// Index of the map whose key is made of exactly the bits of `mask`, or no_map.
+// The index of the map whose key consists of exactly the bits of `mask`, or no_map.
 constexpr std::size_t map_with_key_mask(std::uint32_t mask) {
   std::size_t i = 0;
   while (i < map_count && decode_maps[i].key_mask != mask) ++i;

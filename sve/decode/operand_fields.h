@@ -1,13 +1,14 @@
 // Operand descriptors: what a row of the instruction table says about one operand.
 //
 // A descriptor names the letter of the field that holds the operand, the role that the operand
-// plays and, for registers, its size code: Zdn<S> is the vector register in field d, both source
-// and destination, of word elements. It turns an instruction word into the operand record or the
-// decoded immediate that a fast path takes; a bridge turns the same record into a value. The role
-// settles which fields of the record hold the code and which the none-code.
+// plays and, for registers, its size code: Zdn<S> is the vector register in field d, which is both
+// source and destination and has word elements. A descriptor turns an instruction word into the
+// operand record or the decoded immediate that a fast path takes; a bridge turns the same record
+// into a value. The role decides which fields of the record hold the size code and which hold the
+// none-code.
 //
-// Its `text` says how the assembler writes the operand (sve/decode/operand_text.h). Operands that
-// are taken alike and written in different ways have descriptors that differ in this alone.
+// The `text` of a descriptor says how the assembler writes the operand
+// (sve/decode/operand_text.h). Some descriptors differ only in this.
 #pragma once
 
 #include <cstdint>
@@ -21,15 +22,15 @@
 
 namespace sve {
 
-// The fields that a descriptor reads, so that a row can be checked to leave none unread.
+// The fields that a descriptor reads. They let the table check that a row leaves no field unread.
 template <char... Letters>
 struct reads {
   template <word_pattern Pattern>
   static constexpr std::uint32_t field_mask = (Pattern.mask_of(Letters) | ...);
 };
 
-// A register that is only read or only written, and one that is both source and destination, as a
-// record of the given type, whose none-code is None.
+// The record of a register that is only read or only written, and the record of one that is both
+// source and destination. None is the none-code of the record's type.
 template <class Record, unsigned None, char Letter, unsigned Code>
 struct one_way : reads<Letter> {
   template <word_pattern Pattern>
@@ -46,14 +47,14 @@ struct destructive : reads<Letter> {
   }
 };
 
-// Where an operand stands that the assembler writes once, by the letter of its field.
+// The place of an operand that the assembler writes once. It follows from the letter of the field.
 constexpr place usual_place(char letter) {
   if (letter == 'd' || letter == 't') return place::destination;
   return letter == 'g' ? place::predicate : place::in_order;
 }
 
-// A vector register. What a destructive one says beside its size is where the assembler writes it a
-// second time, and how the encoding pages call it.
+// A vector register. A destructive one also says where the assembler writes it a second time, and
+// what the encoding pages call it.
 template <char Letter, element_size Size>
 struct z_operand : one_way<aarch64_z_reg, z_none, Letter, Size> {
   static constexpr operand_text text{
@@ -90,15 +91,15 @@ struct Zda : z_destructive<Size> {
   static constexpr operand_text text = Zda::written_as(place::unwritten, "da");
 };
 
-// An operand that the function takes and the assembler does not write: what the destination keeps
-// in inactive elements.
+// An operand that the function takes but the assembler does not write: the values that the
+// destination keeps in inactive elements.
 template <element_size Size>
 struct Merge : z_destructive<Size> {
   static constexpr operand_text text{nullptr, place::unwritten};
 };
 
-// Vector registers that are written in a way of their own: without a size, as a list in braces,
-// with the constant 0 that they are compared with.
+// Vector registers that are written in a special way: without a size, as a list in braces, or with
+// the constant 0 that they are compared with.
 template <element_size Size>
 struct ZdBare : z_operand<'d', Size> {
   static constexpr operand_text text{
@@ -120,7 +121,8 @@ struct ZnAndZero : z_operand<'n', Size> {
       [](const word_fields& f) { return written::vector(f, 'n', Size) + ", #0.0"; }};
 };
 
-// What a load or store moves: a register, the first one of a list, or a register as a whole.
+// The register that a load or store moves, or the first one of a list. LDR and STR move the whole
+// register, and the assembler writes it without a size.
 template <element_size Size, int Registers = 1>
 struct Zt : z_operand<'t', Size> {
   static constexpr operand_text text{
@@ -133,7 +135,7 @@ struct ZtBare : z_operand<'t', Size> {
       [](const word_fields& f) { return written::vector(f, 't', z_none); }, place::destination};
 };
 
-// A predicate with its element size or, for a governing one, its qualifier.
+// A predicate with its element size, or a governing predicate with its qualifier.
 template <char Letter, unsigned Code, unsigned WrittenCode = Code>
 struct p_operand : one_way<aarch64_p_reg, p_none, Letter, Code> {
   static constexpr operand_text text{
@@ -170,7 +172,7 @@ struct Pdm : p_destructive<Size> {
   static constexpr operand_text text = Pdm::written_as(place::last, "dm");
 };
 
-// A general register of which number 31 is the zero register; S is a W register, D an X register.
+// A general register; number 31 is the zero register. S makes it a W register, and D an X register.
 template <char Letter, element_size Size>
 struct r_operand : one_way<aarch64_i_reg, i_none, Letter, Size> {
   static constexpr operand_text text{
@@ -200,7 +202,7 @@ struct RdnOnce : r_destructive<Size> {
   static constexpr operand_text text = RdnOnce::written_as(place::unwritten);
 };
 
-// A general register of which number 31 is the stack pointer.
+// A general register; number 31 is the stack pointer.
 template <char Letter, element_size Size, place Stands = usual_place(Letter)>
 struct rsp_operand : reads<Letter> {
   template <word_pattern Pattern>
@@ -216,8 +218,8 @@ using RdSP = rsp_operand<'d', Size>;
 template <element_size Size>
 using RnSP = rsp_operand<'n', Size>;
 
-// Addresses: a base and an offset, [x4, z5.s, sxtw #1]. What an offset register is extended or
-// shifted by is part of its descriptor.
+// Addresses: a base and an offset, [x4, z5.s, sxtw #1]. The descriptor of an offset register says
+// how the register is extended and shifted.
 using Base = rsp_operand<'n', D, place::base>;
 
 template <element_size Size>
@@ -226,7 +228,7 @@ struct ZnBase : z_operand<'n', Size> {
       [](const word_fields& f) { return written::vector(f, 'n', Size); }, place::base};
 };
 
-// A register that counts elements of a size.
+// An offset register that counts in elements of the given size.
 template <element_size Element>
 struct RmOffset : r_operand<'m', D> {
   static constexpr operand_text text{
@@ -240,7 +242,7 @@ struct ZmOffset : z_operand<'m', Size> {
       place::offset};
 };
 
-// A SIMD&FP scalar register. A fast path takes its number, a bridge its value.
+// A SIMD&FP scalar register. A fast path takes its number, and a bridge takes its value.
 struct simd_register {
   unsigned num;
   constexpr operator unsigned() const { return num; }
@@ -268,7 +270,7 @@ struct Vdn : v_operand<'d', Size> {
                                      place::after_predicate, "dn"};
 };
 
-// The field of a letter as it stands, and sign-extended.
+// An immediate: the value of the field, unsigned or sign-extended.
 constexpr const char* immediate_name(char letter) {
   if (letter == 'n') return "#<imm1>";
   return letter == 'm' ? "#<imm2>" : "#<imm>";
@@ -298,16 +300,17 @@ struct signed_immediate : reads<Letter> {
 
 using UImm = unsigned_immediate<'i'>;
 using SImm = signed_immediate<'i'>;
-using Start = signed_immediate<'n'>;  // INDEX: the first immediate stands where Rn does
-using Step = signed_immediate<'m'>;   // and the second where Rm does
+using Start = signed_immediate<'n'>;  // INDEX: the first immediate is in the place of Rn
+using Step = signed_immediate<'m'>;   // and the second in that of Rm
 
-// The number of an element, behind its register: z3.h[2].
+// The number of an element, written after its register: z3.h[2].
 struct ElementIndex : unsigned_immediate<'i'> {
   static constexpr operand_text text{written::element_number};
 };
 
-// Offsets of an address, taken as encoded. The assembler writes them in bytes, or in multiples of
-// the vector length; a structure's in multiples of its registers'. It leaves out 0.
+// Offsets of an address. The functions take them as encoded. The assembler writes them in bytes or
+// in vector lengths, and multiplies the offset of a structure by the number of its registers. It
+// leaves out an offset of 0.
 template <int Bytes>
 struct UImmBytes : unsigned_immediate<'i'> {
   static constexpr operand_text text{
@@ -326,7 +329,7 @@ struct SImmMulVL : signed_immediate<'i'> {
       place::offset};
 };
 
-// A rotation: FCADD turns by 90 or 270 degrees, FCMLA by a multiple of 90.
+// A rotation. FCADD rotates by 90 or 270 degrees, and FCMLA by a multiple of 90.
 struct OddRotation : unsigned_immediate<'r'> {
   static constexpr operand_text text{[](const word_fields& f) {
                                        return written::immediate(f, "<const>",
@@ -340,8 +343,8 @@ struct Rotation : unsigned_immediate<'r'> {
       place::last};
 };
 
-// A predicate pattern, left out where it is ALL and nothing multiplies it, and the multiplier minus
-// 1, as encoded.
+// A predicate pattern, and the multiplier minus 1, both as encoded. The assembler leaves out the
+// pattern ALL if there is no multiplier.
 struct Pattern5 : unsigned_immediate<'p'> {
   static constexpr operand_text text{written::predicate_pattern};
 };
@@ -382,9 +385,9 @@ struct SImmShifted : reads<'i', 'h'> {
       [](const word_fields& f) { return written::shifted(f, f.signed_value('i')); }};
 };
 
-// Shift amounts. The combined field tszh:tszl:imm3 is the element's bits plus the amount for a left
-// shift and twice the element's bits minus the amount for a right shift; the row fixes its leading
-// 1, so that field i holds what lies below it.
+// Shift amounts. For elements of `esize` bits, the combined field tszh:tszl:imm3 is esize + amount
+// for a left shift and 2 * esize - amount for a right shift. The row fixes the leading 1 of that
+// field, and field i holds the bits below it.
 struct LeftShift : unsigned_immediate<'i'> {
   static constexpr operand_text text{
       [](const word_fields& f) { return written::immediate(f, "#<const>", f.value('i')); }};
@@ -400,8 +403,7 @@ struct RightShift : reads<'i'> {
   }};
 };
 
-// Which of its two constants a floating-point instruction with a one-bit immediate takes; in
-// halves.
+// A one-bit immediate that chooses one of two floating-point constants, which are given in halves.
 template <unsigned IfClear, unsigned IfSet>
 struct FPArithImm : reads<'i'> {
   template <word_pattern Pattern>
@@ -416,7 +418,7 @@ using HalfOrOne = FPArithImm<1, 2>;
 using HalfOrTwo = FPArithImm<1, 4>;
 using ZeroOrOne = FPArithImm<0, 2>;
 
-// A floating-point immediate in all formats, and in that of an element size.
+// A floating-point immediate: in all formats, and in the format of one element size.
 struct FPDupImm : reads<'i'> {
   template <word_pattern Pattern>
   static constexpr aarch64_sve_fp_dup_imm take(unsigned word) {

@@ -52,8 +52,8 @@ namespace {
 
 using placed_text = std::pair<place, std::string>;
 
-// A line has one destination. Where its function takes the register's old value as an argument of
-// its own, a later descriptor stands for that.
+// A line has one destination. If its function takes the register's old value as a separate
+// argument, a later descriptor of the same register stands for that argument.
 class arrangement {
  public:
   explicit arrangement(const word_fields& fields) : fields_(fields) {}
@@ -107,7 +107,7 @@ std::string with_size(std::string_view reg, unsigned size) {
 
 std::string number(int value) { return joined({"#", std::to_string(value)}); }
 
-// The fewest digits that tell the value, with one behind the point at least.
+// The fewest digits that identify the value, with at least one after the point.
 std::string floating(double value) {
   std::array<char, 32> digits;
   const auto end = std::to_chars(digits.begin(), digits.end(), value, std::chars_format::fixed).ptr;
@@ -123,7 +123,7 @@ std::string extended(extension how, unsigned shift) {
   return joined({", ", names[how], amount});
 }
 
-// The size of the smallest element of which a logical immediate is made up: at least a byte.
+// The size of the smallest element that a logical immediate repeats, at least a byte.
 element_size size_of_mask(std::uint64_t mask) {
   element_size size = D;
   for (int bits = 32; bits >= 8 && std::rotl(mask, bits) == mask; bits /= 2)
@@ -147,7 +147,7 @@ std::string vector(const word_fields& fields, char letter, unsigned size) {
   return with_size(fields.reg("Z", letter), size);
 }
 
-// {Z1.B, Z2.B}; of more than two, {Z1.B-Z3.B} unless the numbers wrap round to 0.
+// {Z1.B, Z2.B}. More than two are {Z1.B-Z3.B} unless the numbers wrap round to 0.
 std::string vectors(const word_fields& fields, char letter, unsigned size, int count) {
   const auto one = [&](int i) {
     if (!fields.have_values()) {
@@ -192,7 +192,7 @@ std::string immediate(const word_fields& fields, const char* name, int value) {
   return fields.have_values() ? number(value) : name;
 }
 
-// 0 is written with its shift, as nothing else tells of it.
+// 0 is written with its shift, because the value alone does not show the shift.
 std::string shifted(const word_fields& fields, int value) {
   if (!fields.have_values()) return "#<imm>{, <shift>}";
   const bool shift = fields.value('h') != 0;
@@ -220,7 +220,8 @@ std::string multiplier(const word_fields& fields) {
   return encoded == 0 ? "" : joined({"MUL ", number(encoded + 1)});
 }
 
-// A load or store, the cache, and whether to keep it there; a number where there is no such cache.
+// Load or store, the level of the cache, and whether to keep the data there. An operation on a
+// level that does not exist is written as a number.
 std::string prefetch_operation(const word_fields& fields) {
   if (!fields.have_values()) return "<prfop>";
   const int operation = fields.value('o');

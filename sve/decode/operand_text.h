@@ -1,8 +1,9 @@
-// How the assembler writes an operand: with the numbers of a word, z5.b, or by name as on the
-// architecture's encoding pages, <Zdn>.B.
+// How the assembler writes an operand: with the numbers of a word (z5.b), or with the names that
+// the architecture's encoding pages use (<Zdn>.B).
 //
-// One function of an operand does both: the fields that it gets have the numbers or the names. Text
-// is made in capitals, as on those pages; a disassembly turns to small letters at the end.
+// One function for each operand does both: the fields that it is given have either numbers or
+// names. It writes capitals, as those pages do. The disassembly is turned to small letters at the
+// end.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@
 
 namespace sve {
 
-// The operand fields of a row: with the values of a word, or without a word.
+// The operand fields of a row, either with the values of a word or without values.
 class word_fields {
  public:
   word_fields(std::string_view pattern, const char* destination, std::optional<std::uint32_t> word)
@@ -23,12 +24,12 @@ class word_fields {
 
   [[nodiscard]] bool have_values() const { return word_.has_value(); }
 
-  // The value of a field, 0 where the row has none of this letter.
+  // The value of a field; 0 if the row has no field of this letter.
   [[nodiscard]] int value(char letter) const;
   [[nodiscard]] int signed_value(char letter) const;
   [[nodiscard]] int width(char letter) const;
 
-  // A register: Z5, or <Zdn> where there are no values.
+  // A register: Z5, or <Zdn> if there are no values.
   [[nodiscard]] std::string reg(const char* kind, char letter) const;
 
  private:
@@ -39,40 +40,40 @@ class word_fields {
   std::optional<std::uint32_t> word_;
 };
 
-// Where the assembler has an operand among the others, in its order. A line of the table has them
-// in the order in which its function takes them.
+// The place of an operand, in the order in which the assembler writes them. A line of the table has
+// them in the order in which its function takes them.
 enum class place : std::uint8_t {
-  destination,      // what is written or, by a load or store, moved
-  predicate,        // that governs
-  after_predicate,  // the destination again, of a form that is destructive
-  in_order,         // all others, as they come
-  last,             // behind these
-  base,             // of an address; it and its offset stand in brackets, at the end
+  destination,      // what is written, or what a load or store moves
+  predicate,        // the governing predicate
+  after_predicate,  // the destination again, if the form is destructive
+  in_order,         // all others, in the order of the line
+  last,             // after those
+  base,             // of an address; brackets enclose it and its offset, at the end
   offset,
   unwritten,
 };
 
-// An operand that begins with one of these joins the one before without a comma: z1.h[2].
+// An operand that begins with one of these follows the one before it without a comma: z1.h[2].
 constexpr bool joins_the_operand_before(std::string_view text) {
   return text.starts_with('[') || text.starts_with("{,");
 }
 
-// How a descriptor is written.
+// How the operand of a descriptor is written.
 struct operand_text {
   std::string (*write)(const word_fields&);  // empty: the assembler leaves it out
   place stands = place::in_order;
   place again = place::unwritten;     // where a destination is repeated
-  const char* destination = nullptr;  // dn: how pages call a destination that is read as well
+  const char* destination = nullptr;  // dn: the pages' name for a destination that is also read
 };
 
 // All operands of a row, in the assembler's order.
 std::string write_operands(std::string_view pattern, std::span<const operand_text> operands,
                            std::optional<std::uint32_t> word);
 
-// What is done to an offset register that is part of an address.
+// How an address extends or shifts its offset register.
 enum extension : std::uint8_t { LSL, UXTW, SXTW };
 
-// What descriptors are written with. Sizes are the codes of sve/state/operands.h.
+// The functions that write the operands. Sizes are the codes of sve/state/operands.h.
 namespace written {
 
 std::string vector(const word_fields& fields, char letter, unsigned size);

@@ -1,9 +1,9 @@
-// Instruction patterns: what the encoding page of an instruction says, as 32 characters.
+// Instruction patterns: the encoding page of an instruction as 32 characters, bit 31 first.
 //
-// '0' and '1' are fixed bits, a letter is a bit of the operand field of that letter; bit 31 stands
-// first. A field may lie in pieces ("tszh" and "tszl:imm3" of the shifts): its pieces join in the
-// order of the word, the highest first. Everything else about a row follows from its pattern at
-// compile time: the map that holds it, its key there, and where its operands lie.
+// '0' and '1' are fixed bits, and a letter is a bit of the operand field of that letter. A field
+// may be in pieces ("tszh" and "tszl:imm3" of the shifts); its pieces are joined in the order of
+// the word, the highest first. The pattern determines at compile time which map holds the row, what
+// its key is there, and where its operands are.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace sve {
 
-// The bits of `word` under `mask`, moved together at the low end in their order.
+// The bits of `word` that `mask` selects, moved together at the low end in their order.
 constexpr std::uint32_t gather_bits(std::uint32_t word, std::uint32_t mask) {
   std::uint32_t result = 0;
   int position = 0;
@@ -29,7 +29,7 @@ constexpr std::uint32_t gather_bits(std::uint32_t word, std::uint32_t mask) {
   return result;
 }
 
-// A pattern as a template argument. Anything but 32 characters out of 0, 1 and a to z does not
+// A pattern as a template argument. Anything but 32 characters from 0, 1 and a to z does not
 // compile.
 struct word_pattern {
   char text[33]{};
@@ -42,7 +42,7 @@ struct word_pattern {
     }
   }
 
-  // Mask of the bits for which the pattern has `c`.
+  // The mask of the bits for which the pattern has `c`.
   constexpr std::uint32_t mask_of(char c) const {
     std::uint32_t mask = 0;
     for (std::size_t i = 0; i < 32; ++i) mask |= std::uint32_t{text[i] == c} << (31 - i);
@@ -53,8 +53,8 @@ struct word_pattern {
   constexpr std::uint32_t fixed_mask() const { return mask_of('1') | mask_of('0'); }
 };
 
-// The value of the field `Letter` in `word`, and its width in bits. A letter that the pattern does
-// not have does not compile.
+// The value of the field `Letter` in `word`, and its width in bits. A letter that is not in the
+// pattern does not compile.
 template <word_pattern Pattern, char Letter>
 constexpr unsigned field(unsigned word) {
   static_assert(Pattern.mask_of(Letter) != 0, "the pattern has no field of this letter");

@@ -1,7 +1,7 @@
 // The decode maps, made from the instruction table when the library is loaded.
 //
 // Nothing changes them after that, so all threads read them without a lock. Look-ups happen when a
-// block is translated, not when it runs: the handler's address travels in the rewritten code.
+// block is translated, not when it runs: the rewritten code contains the handler's address.
 #include "sve/decode/sve_utils.h"
 
 #include <map>
@@ -26,8 +26,9 @@ struct decode_tables {
 
 const decode_tables tables;
 
-// Bits 28 to 25 of the architecture's top-level encoding table: the SVE group, in which all rows
-// lie. It spares ordinary instructions, nearly all of a program, the search of the maps.
+// Whether bits 28 to 25 are those of the SVE group in the architecture's top-level encoding table.
+// All rows are in that group, and nearly all instructions of a program are not: this check spares
+// them the search of the maps.
 constexpr bool is_in_sve_group(std::uint32_t word) { return ((word >> 25) & 0xf) == 0b0010; }
 
 }  // namespace

@@ -1,10 +1,10 @@
 // The decode maps: which handler, if any, serves an instruction word.
 //
-// They are the single definition of what this system regards as an SVE instruction: a word that no
-// map knows stays in the application's code untouched. Maps, listing and tests all come from the
-// one table in sve/decode/instructions.inc.
+// They alone define what this system regards as an SVE instruction: a word that no map has stays in
+// the application's code untouched. The maps, the listing and the tests all come from one table,
+// sve/decode/instructions.inc.
 //
-// As everywhere, exported names stand at global scope, the library's own in namespace sve.
+// As everywhere, exported names are at global scope, and the library's own are in namespace sve.
 #pragma once
 
 #include <cstdint>
@@ -19,17 +19,18 @@
 using decode_handler = aarch64_decode_rc (*)(cpu_state*, unsigned int);
 
 // The handler for `word` as a pointer-sized value, or null if no map has it. Reads only the maps;
-// any number of threads may call it at a time.
+// any number of threads may call it at once.
 decode_handler is_sve(unsigned int word);
 
-// Decodes and runs the instruction at `pc` of the state. On success counts it, advances `pc` by 4
-// and returns aarch64_decode_ok. Returns aarch64_decode_unimplemented, with the state as it was,
-// if no map has the word; passes on any other failure of the handler with `pc` unchanged.
+// Decodes and runs the instruction at `pc` of the state. On success, it counts the instruction,
+// advances `pc` by 4 and returns aarch64_decode_ok. If no map has the word, it leaves the state as
+// it was and returns aarch64_decode_unimplemented. It passes on any other failure of the handler
+// and leaves `pc` unchanged.
 aarch64_decode_rc execute_sve_instruction(cpu_state* state);
 
 namespace sve {
 
-// What carries an instruction form out.
+// What carries out an instruction form.
 enum class row_kind : char {
   fast = 'F',    // a fast path on the machine state
   bridge = 'B',  // the reference semantics, through a bridge
@@ -65,23 +66,23 @@ std::span<const std::string_view> decode_map_names();
 const instruction_row* find_row(std::uint32_t word);
 
 // The word as the assembler writes it, without aliases: smin z3.s, p5/m, z3.s, z9.s. A word that no
-// row serves is .inst and the word.
+// row serves is written as .inst and the word.
 std::string disassemble(std::uint32_t word);
 
 }  // namespace sve
 
-// What the launcher looks up by name in the client that it has loaded. Like the client's entry
-// point, and unlike all else, these have the linkage of C: their symbols are the plain names.
+// The launcher looks these up by name in the client that it has loaded. They have C linkage, like
+// the client's entry point and unlike all other code, so their symbols are the plain names.
 extern "C" {
 
-// Prints the table, one line a row: pattern, kind, name, syntax.
+// Prints the table, one line for each row: pattern, kind, name, syntax.
 void list_sve_instructions(std::FILE* out);
 
-// Prints one line: the word, its text, the name of its row and what serves it; or that no row has
-// it.
+// Prints one line: the word, its text, the name of its row and what serves it. If no row has the
+// word, the line says so.
 void print_sve_disassembly(std::FILE* out, unsigned word);
 
-// The vector length of this build, in bytes, for a host that tells programs of it.
+// The vector length of this build, in bytes, for a host that reports it to programs.
 unsigned sve_vector_bytes();
 
 }  // extern "C"
