@@ -1,4 +1,5 @@
-// Block rewriting: which blocks, which instructions, and the sequence word for word.
+// Block rewriting: which blocks and instructions are rewritten, and the sequence that replaces an
+// instruction, word for word.
 #include <utility>
 
 #include "host/translation/assembler.h"
@@ -18,7 +19,7 @@ constexpr std::uint32_t ret = 0xd65f03c0;        // ret
 
 using BlockTest = ClientTest;
 
-// A block of application code, in the test's own memory, and what becomes of it.
+// A block of application code in the test's own memory, and the client's rewriting of it.
 class application_block {
  public:
   explicit application_block(std::vector<std::uint32_t> code) : code_(std::move(code)) {
@@ -68,14 +69,14 @@ void append_pairs(words& code, std::uint32_t load_bit) {
 
 // str qn, [x27, #z[n]] for all n, or ldr.
 void append_vectors(words& code, std::uint32_t load_bit) {
-  constexpr std::uint32_t z_units = 288 / 16;                 // where z begins, in Q registers
-  constexpr std::uint32_t z_stride = sve::vector_bytes / 16;  // and how far apart its vectors are
+  constexpr std::uint32_t z_units = 288 / 16;                 // the start of z, in Q registers
+  constexpr std::uint32_t z_stride = sve::vector_bytes / 16;  // the distance of its vectors
   for (std::uint32_t n = 0; n < 32; ++n) {
     code.push_back(load_bit | 0x3d800360 | (z_units + z_stride * n) << 10 | n);
   }
 }
 
-// The sequence, for a state at 0x0000aaaa12345670. Markers stand for what the host inserts.
+// The sequence for a state at 0x0000aaaa12345670. Marker words stand for the host's own code.
 words expected_sequence() {
   words code = {
       0x0000101a,  // save x26 to slot 1

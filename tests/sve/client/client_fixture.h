@@ -21,7 +21,7 @@ class ClientTest : public testing::Test {
     return testing::internal::GetCapturedStderr();
   }
 
-  // A failed assertion's, as a regular expression.
+  // The message of a failed assertion, as a regular expression.
   static std::string assertion_message(const std::string& condition) {
     return "ASSERT FAILURE: sve/client/sve_client:[1-9][0-9]*: " + condition + " \\(\\)\n$";
   }

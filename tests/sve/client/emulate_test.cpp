@@ -1,4 +1,4 @@
-// The call that stands for an instruction, and the counters behind it.
+// The call that replaces an instruction, and the counters that it updates.
 #include "sve/client/emulate.h"
 
 #include "sve/client/counters.h"
@@ -7,7 +7,7 @@
 
 namespace {
 
-// What the handler finds and what it does, in place of an instruction.
+// The state and the word that the test's handler was given, and the result that it returns.
 cpu_state seen;
 unsigned int seen_word;
 aarch64_decode_rc outcome;
@@ -29,7 +29,7 @@ class EmulateTest : public ClientTest {
   }
   void TearDown() override { host_script.thread_exit_event(&thread_); }
 
-  // Emulates `word` at code_[i]; what that prints.
+  // Emulates `word` at code_[i] and returns what that prints.
   std::string emulate(unsigned i, unsigned word, aarch64_decode_rc result) {
     outcome = result;
     testing::internal::CaptureStderr();

@@ -1,10 +1,10 @@
 #!/usr/bin/env -S python3 -B
-"""floating_point_code.py OBJDUMP LIBRARY: checks in the client's machine code who raises flags.
+"""floating_point_code.py OBJDUMP LIBRARY: checks which of the client's machine code raises flags.
 
-An instruction that raises flags in the FPSR may run in a floating-point fast path alone, and must be
-the one that the emulated instruction stands for. Its handler reads the FPSR behind the call, with
-nothing in between, and nobody else reads or writes FPSR and FPCR. In a fast path there is no call,
-as none of a library's functions promises to leave the flags alone.
+Only a floating-point fast path may raise flags in the FPSR, and only with the instruction that
+corresponds to the emulated one. Its handler reads the FPSR directly after the call. Nothing else
+reads or writes FPSR and FPCR. A fast path makes no call, because no library function promises to
+leave the flags alone.
 """
 
 import collections
@@ -15,7 +15,7 @@ import sys
 
 Function = collections.namedtuple("Function", "name instructions")
 
-# What each fast path may raise flags with.
+# The instruction with which each fast path may raise flags.
 INSTRUCTION = {
     "fadd": "fadd", "fsub": "fsub", "fsubr": "fsub", "fmul": "fmul", "fdiv": "fdiv",
     "fdivr": "fdiv", "fmax": "fmax", "fmaxnm": "fmaxnm", "fminnm": "fminnm", "fnmla": "fnmadd",
@@ -24,16 +24,16 @@ INSTRUCTION = {
     "fcmle": "fcmpe", "fcmlt": "fcmpe", "scvtf": "scvtf", "ucvtf": "ucvtf",
     "fmaxnmv": "fmaxnm", "fminnmv": "fminnm",
 }
-# Of the instructions that begin with f, these leave the FPSR alone. All others of the processor's
-# that raise flags are conversions from integers.
+# These instructions begin with f and leave the FPSR alone. Of the instructions that do not begin
+# with f, only the conversions from integers raise flags.
 SILENT = {"fmov", "fneg", "fabs", "fcsel"}
 
-# These compute with numbers of the compiler's, and no handler calls them.
+# These compute with constants that the compiler knows, and no handler calls them.
 UNREACHED = r"_Z\d+recip_(sqrt_)?estimated"
 
 SOURCES = pathlib.Path(__file__).resolve().parents[3] / "sve"
 TABLE = SOURCES / "decode" / "instructions"
-# These have the names of fast paths, but only report that there is none.
+# These have the names of fast paths, but they only report that there is no fast path.
 STUBS = set(re.findall(r"^STUB\((\w+)", (SOURCES / "fast" / "stub_entries.inc").read_text(), re.M))
 
 
@@ -59,7 +59,7 @@ def is_call(instruction):
 
 
 def leaves(instruction, function):
-    """Whether it is a call by a branch, at the end of a function."""
+    """Whether the instruction is a tail call."""
     mnemonic, operands = instruction
     target = re.search(r"<([^+>]+)", operands)
     return mnemonic == "br" or (mnemonic == "b" and target[1] != function.name)
@@ -84,7 +84,7 @@ def faults_of_handler(function):
     if len(accesses) != 1 or not re.search(r"x\d+, fpsr", instructions[accesses[0]][1]):
         yield "does not read the FPSR once"
     elif not is_call(instructions[accesses[0] - 1]):
-        yield "does not read the FPSR right behind the call of the fast path"
+        yield "does not read the FPSR directly after the call of the fast path"
     if raising(function):
         yield f"raises flags with {raising(function)}"
 

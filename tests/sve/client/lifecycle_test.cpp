@@ -1,4 +1,5 @@
-// The client's life in the process: start, threads, end, and each way in which it ends early.
+// The client's life in the process: its start, its threads, its end, and each failure that ends it
+// early.
 #include <algorithm>
 #include <array>
 
@@ -83,7 +84,7 @@ TEST_F(ClientTest, FailedAssertionsSayWhereAndAbort) {
     host_script.thread_exit_event(&thread);
   };
   struct {
-    const char* failing;    // the host function that reports failure, or what is wrong
+    const char* failing;    // the host function that fails, or what is wrong
     const char* condition;  // as the message has it
     void (*act)();
   } const cases[] = {

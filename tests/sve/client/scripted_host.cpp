@@ -89,7 +89,7 @@ void* dr_get_current_drcontext() { return host_script.current; }
 void* dr_thread_alloc(void* /*drcontext*/, std::size_t size) {
   ++host_script.thread_records;
   void* memory = std::aligned_alloc(16, size);
-  std::memset(memory, 0xa5, size);  // as memory that somebody has used
+  std::memset(memory, 0xa5, size);  // like memory that has been in use
   return memory;
 }
 

@@ -1,6 +1,6 @@
-// A host that a test scripts: it records what the client asks of it, in order, fails where it is
-// told to, and calls the client's events when the test wants it. Instruction lists are those of the
-// real host; what the real host would insert stands in them as marker words.
+// A host that a test scripts. It records the client's calls in order, fails when the test says so,
+// and calls the client's events when the test asks for it. Its instruction lists are those of the
+// real host, but have marker words in place of the code that the real host would insert.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,16 @@
 
 DR_EXPORT void dr_client_main(client_id_t id, int argc, const char* argv[]);
 
-// With which dr_abort ends the process: an emulator adds nothing to the messages of an exit.
+// The exit status of the scripted dr_abort. It exits because an emulator would add to the messages
+// if a signal ended the process.
 constexpr int aborted_status = 99;
 
-// A pointer that nobody follows.
+// A pointer that nobody dereferences.
 inline void* pointer_to(std::uintptr_t address) {
   return reinterpret_cast<void*>(address);  // NOLINT(performance-no-int-to-ptr): made up
 }
 
-// A thread's context: what a drcontext points at.
+// The context of a thread: drcontext points to it.
 struct scripted_thread {
   void* field = nullptr;
   reg_t slots[SPILL_SLOT_MAX + 1] = {};
@@ -32,7 +33,7 @@ struct scripted_module {
   const char* path;
 };
 
-// What dr_insert_call_velox was given.
+// The arguments of dr_insert_call_velox.
 struct scripted_call {
   app_pc pc;
   void* callee;
@@ -49,7 +50,7 @@ struct scripted_host {
   scripted_thread* current = nullptr;
 
   // The record.
-  std::vector<std::string> calls;  // those of the client's life cycle
+  std::vector<std::string> calls;  // only those of the client's life cycle
   std::vector<scripted_call> inserted_calls;
   int module_records = 0;  // handed out and not freed
   int thread_records = 0;
@@ -63,7 +64,8 @@ struct scripted_host {
 
 extern scripted_host host_script;
 
-// Marker words, of the permanently undefined encodings: register in bits 7 to 0, slot in 11 to 8.
+// Marker words are permanently undefined encodings: the register is in bits 7 to 0, the slot in 11
+// to 8.
 namespace marker {
 constexpr std::uint32_t save = 0x1000;
 constexpr std::uint32_t restore = 0x2000;

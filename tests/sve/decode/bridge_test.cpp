@@ -1,4 +1,4 @@
-// The bridge: what crosses it, in both directions, beside the operation itself.
+// The bridge: what it carries in both directions, apart from the operation itself.
 #include "sve/decode/bridge.h"
 
 #include <cstring>
@@ -43,8 +43,8 @@ std::uint64_t sum_of_arguments(std::uint64_t scalar, std::uint64_t base, CpuCont
   return scalar + base;
 }
 
-// SIMD&FP scalars come in as the low 64 bits of their register and go out over a cleared one; a
-// base register numbered 31 is SP; a W destination clears the upper half.
+// A SIMD&FP scalar is read from the low 64 bits of its register, and writing it clears the rest. A
+// base register with number 31 is SP. Writing a W register clears its upper half.
 TEST(Bridge, ConvertsScalarsOfBothKinds) {
   cpu_state state{};
   std::memset(state.z[3], 0xee, vector_bytes);

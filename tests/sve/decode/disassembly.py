@@ -1,10 +1,10 @@
 #!/usr/bin/env -S python3 -B
-"""Compares the disassembly with binutils', over random words of every row.
+"""Compares the disassembly with that of binutils, for random words of every row.
 
     disassembly.py OBJDUMP SEED COMMAND...
 
-COMMAND runs disassembly_words; SEED may be "random". Encodings that binutils calls reserved are left
-out; every row has at least one word that is compared.
+COMMAND runs disassembly_words. SEED may be "random". Encodings that binutils calls reserved are left
+out. At least one word of every row must be compared.
 """
 
 import random
@@ -17,7 +17,7 @@ import tempfile
 WORDS_PER_ROW = 32
 MAX_SHOWN = 20
 
-# What binutils writes differently: its text, how that becomes ours, and what the difference is.
+# Where binutils writes something else: its text, how to make ours from it, and the difference.
 DIFFERENCES = (
     (r"#(-?\d\.\d+e[+-]\d+)", lambda match: "#" + repr(float(match[1])),
      "FDUP and FCPY: binutils writes 19 digits and an exponent"),

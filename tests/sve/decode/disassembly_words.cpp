@@ -1,4 +1,5 @@
-// Words of every row with random operand fields, one a line: the row's name, the word, its text.
+// Prints words of every row with random operand fields, one on each line: the name of the row, the
+// word, its text.
 //
 // disassembly_words SEED COUNT: COUNT words for each row.
 #include <cstdio>

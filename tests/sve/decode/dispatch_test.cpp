@@ -1,5 +1,5 @@
-// The two walkers: what they find, what they leave alone, and what running a word does to `pc` and
-// the counts.
+// is_sve and execute_sve_instruction: which words they find, which they leave alone, and what
+// running a word does to `pc` and to the counts.
 #include <gtest/gtest.h>
 
 #include "sve/client/counters.h"
@@ -18,7 +18,7 @@ TEST(IsSve, KnowsTheRowsAndNothingElse) {
       {0x04a20020, "VecU32AddVVX"},      // add z0.s, z1.s, z2.s
       {0x25a02000, "VecU32CTermEQ"},     // ctermeq w0, w0
       {0x252c9000, "VecPClearFFSR"},     // setffr
-      {0x252c9001, nullptr},             // a bit beside it
+      {0x252c9001, nullptr},             // setffr with one bit changed
       {0xc4a1e000, "VecU64LoadFF2VIZ"},  // ldff1h {z0.d}, p0/z, [z0.d, #2]: bit 31 set
       {0x00000000, nullptr},             // udf
       {0xd503201f, nullptr},             // nop

@@ -1,6 +1,6 @@
-// What the lines of the table hand to a fast path: register records in the order num, size,
-// dst_size, src_size, and immediates as decoded. The table is expanded here a second time, into
-// functions that print the operands of a word, so that each case below tests a line as it stands.
+// The operands that the lines of the table pass to a fast path: register records in the order num,
+// size, dst_size, src_size, and immediates as decoded. The table is expanded a second time here,
+// into functions that print the operands of a word, so that each case below tests the actual line.
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <ostream>
@@ -34,7 +34,7 @@ void print(std::ostream& out, aarch64_sve_fp_dup_imm imm) {
   print(out, imm.dbl);
 }
 
-// An instance a row: whatever is not in it is compiled once.
+// There is one instance for each row. Code outside of it is compiled only once.
 template <word_pattern Pattern, class... Operands>
 void print_operands([[maybe_unused]] std::ostream& out, [[maybe_unused]] unsigned word) {
   (print(out, Operands::template take<Pattern>(word)), ...);
@@ -55,7 +55,7 @@ constexpr printer printers[] = {
 #include "sve/decode/instructions.inc"
 };
 
-// The operands of a word as the row of that name has them, with a space behind each.
+// The operands that the row of that name takes from a word, with a space after each.
 std::string operands_of(std::string_view row, unsigned word) {
   std::ostringstream out;
   std::ranges::find(printers, row, &printer::row)->print(out, word);
@@ -154,7 +154,7 @@ TEST(Operands, ReachTheFastPathOrTheReferenceFunction) {
       {0x04309041, "VecS16ShrVIX", "{1 1 5 5} {2 1 5 5} 16"},  // asr z1.h, z2.h, #16
       {0x043f9c41, "VecU16ShlVIX", "{1 1 5 5} {2 1 5 5} 15"},  // lsl z1.h, z2.h, #15
       {0x046f9041, "VecS32ShrVIX", "{1 2 5 5} {2 2 5 5} 17"},  // asr z1.s, z2.s, #17
-      // Counting: pattern, and the multiplier as 1 to 16 for a fast path, as encoded for a bridge.
+      // Counting: the pattern, then the multiplier: 1 to 16 for a fast path, encoded for a bridge.
       {0x043fe0e3, "VecU8IncrVLSI", "{3 4 3 3} 7 16"},    // incb x3, vl7, mul #16
       {0x0420ffa3, "VecU8QDecrVL4SI", "{3 4 2 2} 29 1"},  // uqdecb w3, mul4
       {0x042fe005, "VecU8CountVLSI", "0 15"},             // cntb x5, pow2, mul #16

@@ -1,5 +1,5 @@
-// The instruction table as a whole: it holds exactly the forms that it should, and no word could
-// mean two of them.
+// The whole instruction table: it has exactly the forms that it should have, and no word matches
+// two of them.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -33,7 +33,7 @@ std::vector<std::string> listing() {
   return lines_of(printed);
 }
 
-// Whatever changes in a line of the table, a pattern or what serves it, changes one here as well.
+// Any change to a line of the table, whether to its pattern or to what serves it, changes the list.
 TEST(Table, IsTheOneInTheDocumentation) {
   std::ifstream file(INSTRUCTION_LIST);
   const std::vector<std::string> documented = lines_of(file), rows = listing();
@@ -45,7 +45,7 @@ TEST(Table, IsTheOneInTheDocumentation) {
       if (!known.contains(line) && shown++ < max_lines_shown) ADD_FAILURE() << sign << line;
   }
   EXPECT_TRUE(documented == rows)
-      << "docs/instructions.txt (-) is not the table (+). If the table is right, renew the file:\n"
+      << "docs/instructions.txt (-) is not the table (+). If the table is right, update the file:\n"
          "  ./run --list-instructions > docs/instructions.txt";
 }
 
@@ -55,7 +55,7 @@ TEST(Table, HasOneRowForEachName) {
     EXPECT_TRUE(names.insert(row.name).second) << row.name;
 }
 
-// A handler is known by its address, which must tell the row.
+// The address of a handler identifies its row.
 TEST(Table, HasOneHandlerForEachRow) {
   std::set<decode_handler> handlers;
   for (const instruction_row& row : instruction_rows())

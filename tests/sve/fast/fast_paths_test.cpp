@@ -1,6 +1,7 @@
-// What no processor and no reference function shows of the fast paths: predicates whose bytes are
-// not only 0 and 1, where a fast path looks at whole bytes, and other vector lengths. All else is
-// compared with the processor by the conformance test and with the references by agreement_test.
+// What a comparison with a processor or with the reference functions cannot show: how fast paths
+// that look at whole bytes treat predicate bytes other than 0 and 1, and other vector lengths. The
+// conformance test compares everything else with the processor, and agreement_test compares it with
+// the reference functions.
 #include <algorithm>
 #include <functional>
 #include <type_traits>
@@ -20,8 +21,8 @@ class FastPaths : public RandomMachine {
   cpu_state odd_, plain_;
 };
 
-// Operands count as true unless zero, but governing predicates, and the breaks' last operand, by
-// their lowest bits.
+// A predicate byte of an operand is true unless it is zero. In governing predicates and in the last
+// operand of the breaks, only the lowest bit counts.
 TEST_F(FastPaths, LookAtWholePredicateBytes) {
   constexpr aarch64_p_reg d = predicate(0, 0), g = predicate(1, sve::zeroing), n = predicate(2, 0),
                           m = predicate(3, 0);
@@ -81,7 +82,7 @@ TEST_F(FastPaths, DupOfAnElementBeyondTheVectorGivesZeros) {
   }
 }
 
-// Shifts of z0 by a count that only callers of their own pass.
+// Shifts of z0 by counts that no instruction has; only direct callers pass them.
 template <auto* Shift>
 void shift_zzi(cpu_state* s, unsigned code, unsigned count) {
   Shift(s, {0, code, 5, 5}, {0, code, 5, 5}, count);
@@ -103,7 +104,8 @@ constexpr struct {
     {"lsl_zpi", shift_zpi<sve_lsl_zpi>, false},
 };
 
-// A right shift clamps the count; a left shift looks at no more bits of it than the element has.
+// A right shift clamps the count. A left shift uses only the low bits of the count, as many as the
+// element has.
 template <class T>
 T shifted(T x, unsigned shift, bool right) {
   constexpr unsigned width = 8 * sizeof(T);
@@ -136,7 +138,7 @@ TEST_F(FastPaths, ShiftByImmediatesBeyondTheElement) {
   expect_shifts<std::int64_t>(plain_, sve::D);
 }
 
-// Only callers of their own pass such codes.
+// No instruction has such codes; only direct callers pass them.
 TEST_F(FastPaths, TakeUnexpectedSizeCodesAsBytes) {
   const auto z = [](unsigned num, unsigned code) { return aarch64_z_reg{num, code, 5, 5}; };
   const auto zzz = [z](sve::form::zzz* path) {

@@ -1,4 +1,4 @@
-// Random machine states and their comparison, for calling fast paths on them.
+// Random machine states for calling fast paths, and their comparison.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +21,7 @@ using byte = unsigned char;
 // The record of a predicate that is only read or only written.
 constexpr aarch64_p_reg predicate(unsigned num, unsigned size) { return {num, size, 7, 7}; }
 
-// Where two states differ, or nothing.
+// Describes where two states differ; empty if they are equal.
 inline std::string difference(const cpu_state& expected, const cpu_state& actual) {
   std::ostringstream out;
   const auto compare = [&out](const std::string& name, const byte* e, const byte* a) {
@@ -49,7 +49,7 @@ inline std::string difference(const cpu_state& expected, const cpu_state& actual
   return out.str();
 }
 
-// Random states and numbers. Every case says how to have the same numbers again.
+// Random states and numbers. Every case says how to get the same numbers again.
 class RandomMachine : public testing::Test {
  protected:
   RandomMachine() : seed_(chosen_seed()), random_(seed_) {
@@ -60,7 +60,7 @@ class RandomMachine : public testing::Test {
 
   u64 number(u64 below) { return random_() % below; }
 
-  // A predicate byte, true `density` times in 64: not only 0 and 1, for bit 0 alone counts.
+  // A predicate byte that is true `density` times in 64. Only bit 0 counts, and the others vary.
   byte predicate_byte(unsigned density) {
     constexpr std::array<byte, 4> odd{0xff, 0x01, 0x81, 0x01}, even{0x00, 0xfe, 0x00, 0x02};
     return number(64) < density ? odd[number(4)] : even[number(4)];

@@ -1,5 +1,5 @@
-// The entries of the operations without a fast path: all answer for themselves. No row of the
-// instruction table can name one, since the table does not know their header.
+// The entries of the operations without a fast path: each reports its own name. No row of the
+// instruction table can name one, because the table does not include their header.
 #include "sve/fast/stub_entries.h"
 
 #include <gtest/gtest.h>

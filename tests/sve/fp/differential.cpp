@@ -1,6 +1,6 @@
-// The differential test of the floating-point library: each function against the processor's own
-// instruction, results and flags bit for bit, under every mode. It runs on a processor with half
-// precision and SVE. `fp_differential --help` tells the options.
+// The differential test of the floating-point library. It compares each function with the
+// processor's own instruction, results and flags bit for bit, under every mode. It runs on a
+// processor with half precision and SVE. `fp_differential --help` lists the options.
 #include <cstdio>
 #include <cstdlib>
 #include <fnmatch.h>
@@ -20,7 +20,7 @@ constexpr const char* purpose =
 constexpr argp_option described[] = {
     {"function", 'f', "GLOB", 0, "only these functions; --list shows their names", 0},
     {"count", 'c', "N", 0,
-     "N random operands for each function and mode, beside the special ones (default 1000); "
+     "N random operands for each function and mode, besides the special ones (default 1000); "
      "functions of one half get all halves instead",
      0},
     {"seed", 's', "N", 0, "make random operands from N (default: random, and printed)", 0},
@@ -29,7 +29,7 @@ constexpr argp_option described[] = {
     {"all-half-pairs", 'a', nullptr, 0,
      "all 2^32 pairs of each function of two halves, by default under mode 0", 0},
     {"self-check", 'k', nullptr, 0,
-     "falsify an answer of the library under each mode: all of them have to be found", 0},
+     "falsify an answer of the library under each mode: the test must find all of them", 0},
     {"list", 'l', nullptr, 0, "list the functions and run nothing", 0},
     {},
 };
@@ -43,7 +43,7 @@ struct options {
   bool all_half_pairs = false, self_check = false, list = false;
 } chosen;
 
-// Whatever is not compared, and why.
+// What is not compared, and why.
 bool is_excepted(const operation& of, std::uint32_t mode) {
   // SCVTF and UCVTF of a fixed-point number flush a half result under FZ16, and fplibFixedToFP does
   // not. No SVE instruction has fraction bits, and without them no result is denormal.
@@ -71,7 +71,7 @@ class comparison {
   }
 
  private:
-  // By turns the result and the flags.
+  // Changes the result and the flags in turn.
   void falsify(answer& wrong) { (++falsified_ % 2 == 0 ? wrong.value : wrong.flags) ^= FPSCR::IXC; }
 
   void report(std::uint32_t mode, const operands& in, const answer& got, const answer& expected) {
@@ -92,14 +92,14 @@ std::vector<std::uint32_t> modes_of(const operation& of) {
   std::vector<std::uint32_t> result{0};
   for (const std::uint32_t control : {1U << FPSCR::RMode_shift, 2U << FPSCR::RMode_shift, FPSCR::FZ,
                                       FPSCR::DN, FPSCR::FZ16, FPSCR::AHP}) {
-    if (control == FPSCR::AHP && !of.name.starts_with("fcvt.")) continue;  // nothing else knows it
+    if (control == FPSCR::AHP && !of.name.starts_with("fcvt.")) continue;  // nothing else uses it
     for (std::size_t i = result.size(); i > 0; --i) result.push_back(result[i - 1] | control);
   }
   std::erase_if(result, [&](std::uint32_t mode) { return is_excepted(of, mode); });
   return result;
 }
 
-// All pairs; of three operands, all pairs with two thirds each.
+// All pairs of special values. For three operands, each pair comes with two values of the third.
 std::vector<operands> special_operands(const operation& of, operand_source& source) {
   std::vector<operands> result;
   const std::vector<std::uint64_t> first = source.special_values(0);
@@ -116,7 +116,7 @@ std::vector<operands> special_operands(const operation& of, operand_source& sour
   return result;
 }
 
-// The same operands under each mode.
+// Compares the same operands under each mode.
 bool compare(const operation& of) {
   comparison result{of};
   operand_source source{of, conformance::derive_seed(chosen.seed, of.name, 0)};
@@ -135,7 +135,7 @@ bool compare(const operation& of) {
   return result.conclude();
 }
 
-// Under one mode.
+// Compares all pairs of halves under one mode.
 bool compare_all_pairs(const operation& of) {
   comparison result{of};
   std::vector<operands> batch(0x10000);

@@ -1,13 +1,14 @@
-// Instructions of the processor as lambdas from operands to the answer, with FPSR cleared before
-// and read after. The assembler needs its text as one literal, hence the macros: they put the
-// mnemonic and the letter of the format ("h", "s", "d") into it, and do nothing else.
+// Instructions of the processor as lambdas from operands to the answer. They clear FPSR before the
+// instruction and read it after. The assembler needs its text as one literal, so these are macros:
+// they put the mnemonic and the letter of the format ("h", "s", "d") into it, and do nothing else.
 #pragma once
 
 #include "tests/sve/fp/operations.h"
 
 // clang-format off
-// %0 is the result and %2 to %4 are the operands, %h2 the first as a half. %1 and registers 30 and
-// 31 are free. The elements of an SVE register above those that a scalar instruction writes are 0.
+// %0 is the result, %2 to %4 are the operands, and %h2 is the first operand as a half. %1 and
+// registers 30 and 31 are free. A scalar instruction sets the higher elements of an SVE register
+// to 0.
 #define INSTRUCTION(text)                                                                        \
   [](const operands& in) {                                                                       \
     answer out;                                                                                  \
@@ -18,7 +19,7 @@
     return out;                                                                                  \
   }
 
-// The instruction of the format T, by TEXT(letter, ...).
+// The instruction for the format T, made from TEXT(letter, ...).
 #define FORMS(TEXT, ...)                                                                         \
   []<class T>(const operands& in) {                                                              \
     if constexpr (sizeof(T) == 2) return INSTRUCTION(TEXT("h", __VA_ARGS__))(in);                \

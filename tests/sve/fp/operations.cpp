@@ -28,7 +28,7 @@ auto call(L function, const operands& in, FPSCR& s) {
 template <class T, class L>
 using result_of = decltype(call<T>(std::declval<L>(), operands{}, std::declval<FPSCR&>()));
 
-// All that the function changes in the word counts as flags, so a lost control shows too.
+// Every change that the function makes to the word counts as a flag, so a lost control shows too.
 template <class T, class L>
 computation library_computation(L function) {
   return [=](std::uint32_t mode, const auto& batch, auto& answers) {
@@ -56,7 +56,7 @@ enum class last_operand { floating, integer };
 
 std::vector<operation> table;
 
-// A function of operands of type T, and an instruction.
+// Compares a function of operands of type T with an instruction.
 template <class T, last_operand Last = last_operand::floating, class I, class L>
 void one(const std::string& name, I instruction, L library) {
   table.push_back({name, 8 * sizeof(T), operand_count<L, T>, Last == last_operand::integer,
@@ -134,7 +134,7 @@ void comparisons() {
   all("fminnm", FORMS(TWO, "fminnm"), [](auto a, auto b, FPSCR& s) { return FPMinNum(a, b, s); });
 }
 
-// FCVT doesn't look at FZ16, FPConvert does: whoever calls it for FCVT clears the control.
+// FCVT doesn't look at FZ16, but FPConvert does: a caller that emulates FCVT clears the control.
 template <class T>
 constexpr auto convert = [](auto op, FPSCR& s) {
   FPSCR local{s.word & ~FPSCR::FZ16};
@@ -154,7 +154,7 @@ void conversions() {
              [](dword a, FPSCR& s) { return FPConvert<dword, single>(a, FPRounding_ODD, s); });
 }
 
-// To integers of T's width.
+// Conversions to integers of T's width.
 template <class T, class I>
 void to_width(const std::string& name, FPRounding rounding, bool u, int fbits, I instruction) {
   const auto library = [=](auto a, FPSCR& s) {
@@ -173,7 +173,7 @@ void to_integer(const std::string& name, FPRounding rounding, bool u, int fbits,
   to_width<dword>(name + ".x", rounding, u, fbits, x);
 }
 
-// From integers of F's width to each T.
+// Conversions from integers of F's width to each T.
 template <class F, class... T, class I>
 void from_width(const std::string& name, bool u, int fbits, I instruction) {
   const auto widened = [=](F a) { return u ? dword{a} : dword(std::make_signed_t<F>(a)); };

@@ -1,4 +1,4 @@
-// What is compared: functions of the library with instructions, a line for each in operations.cpp.
+// The comparisons of library functions with instructions: operations.cpp has a line for each.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace fp_test {
 
-// Right-aligned, zeros above; unused ones are 0.
+// Each is right-aligned with zeros above. Unused ones are 0.
 using operands = std::array<std::uint64_t, 3>;
 
 struct answer {
@@ -19,7 +19,7 @@ struct answer {
   bool operator==(const answer&) const = default;
 };
 
-// Answers a batch of operands under a mode, a word with the controls of FPCR.
+// Answers a batch of operands under a mode. A mode is a word with the controls of FPCR.
 using computation = std::function<void(std::uint32_t mode, const std::vector<operands>& batch,
                                        std::vector<answer>& answers)>;
 
@@ -27,7 +27,7 @@ struct operation {
   std::string name;      // such as "fadd.h"
   int width;             // of an operand in bits
   int count;             // of operands
-  bool last_is_integer;  // the last operand is no floating-point number
+  bool last_is_integer;  // the last operand is not a floating-point number
   computation library, processor;
 };
 

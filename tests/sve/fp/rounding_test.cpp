@@ -1,5 +1,5 @@
-// What the comparison with a processor's instructions leaves open: the functions, rounding modes
-// and arguments that no instruction reaches.
+// What the comparison with a processor's instructions cannot test: functions, rounding modes and
+// arguments that no instruction reaches.
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -27,7 +27,7 @@ void PrintTo(const Outcome& outcome, std::ostream* os) {
   *os << std::hex << outcome.bits << " with flags " << outcome.flags;
 }
 
-// Runs operation under the controls; everything else in the word must stay as it is.
+// Runs the operation under the controls. Everything else in the word must stay as it is.
 template <class Operation>
 Outcome under(std::uint32_t controls, Operation operation) {
   FPSCR fpscr{controls};

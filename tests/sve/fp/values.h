@@ -1,5 +1,5 @@
 // The operands of the differential test: special values of each format, made by formula, and random
-// ones that meet where rounding is hard.
+// values that are hard to round.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,8 @@ class operand_source {
   operand_source(const operation& of, std::uint64_t seed)
       : width_(of.width), count_(of.count), last_is_integer_(of.last_is_integer), random_(seed) {}
 
-  // For each operand. For a function of one operand also where conversions round and saturate, or
-  // all halves.
+  // The special values for an operand. A function of one operand also gets the values at which
+  // conversions round and saturate. If that operand is a half, it gets all halves instead.
   std::vector<std::uint64_t> special_values(int index) const {
     std::vector<std::uint64_t> result;
     if (last_is_integer_ && index == count_ - 1) return special_integers();
@@ -26,8 +26,8 @@ class operand_source {
     return result;
   }
 
-  // Each operand has an exponent that those before make hard: equal, apart by the precision, with
-  // a product or quotient at an end of the range.
+  // Each operand has an exponent that is hard in view of the operands before it: equal, apart by
+  // the precision, or such that the product or quotient is at an end of the range.
   operands random() {
     operands result{};
     std::array<std::int64_t, 3> exponents{};
@@ -45,8 +45,8 @@ class operand_source {
            (fraction & ((one << precision_) - 1));
   }
 
-  // Zeros, denormals, the neighbourhoods of 1, of the precision and of the ends of the range,
-  // infinities and NaNs of both kinds: fractions at the ends and in the middle.
+  // Zeros, denormals, infinities, NaNs of both kinds, and numbers near 1, near the precision and
+  // near the ends of the range. Their fractions are at the ends and in the middle.
   void add_numbers(std::vector<std::uint64_t>& result) const {
     const std::uint64_t quiet = one << (precision_ - 1);
     for (const std::uint64_t sign : {0, 1}) {
@@ -103,8 +103,8 @@ class operand_source {
     switch (random_.below(4)) {
       case 0: return near(before[0], 1, 1);
       case 1: return near(before[0], precision_ + 4, precision_ + 4);
-      case 2: return end + bias_ - before[0];   // at an end, the product
-      default: return before[0] + bias_ - end;  // and the quotient
+      case 2: return end + bias_ - before[0];   // puts the product at an end
+      default: return before[0] + bias_ - end;  // or the quotient
     }
   }
 

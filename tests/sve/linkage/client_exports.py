@@ -1,5 +1,6 @@
 #!/usr/bin/env -S python3 -B
-"""Checks that the client exports all that an object takes from the library, and no file's own name.
+"""Checks that the client exports all names that an object takes from the library, and no name that
+is private to a file.
 
     client_exports.py NM OBJECT LIBRARY CLIENT
 """

@@ -1,6 +1,6 @@
-// An outside caller: no header of the library, but the names, types and record layouts that the
-// library exports, declared by hand in plain C++. That it links shows the names and the argument
-// types; one result for each kind shows that both sides lay out the records alike.
+// An outside caller. It includes no header of the library, but declares in plain C++ the names,
+// types and record layouts that the library exports. If it links, the names and the argument types
+// are right. One result of each kind shows that both sides lay out the records alike.
 #include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -80,7 +80,7 @@ void PredSetNZCV(PredV, PredV, int w, CpuContext*);
 int FindLastActive(PredV, int w, CpuContext*);
 int VecTrueILength(unsigned long pattern, int n);
 
-// Integers. A saturating function gives its value and its flag in two words.
+// Integers. A saturating function returns its value and its flag in two words.
 
 struct BigInt {
   unsigned long words[4];
@@ -257,7 +257,7 @@ TEST_F(OutsideCaller, Memory) {
   EXPECT_TRUE(addr_is_readable<char>(&byte));
 }
 
-// These are only to be linked: the tests of the library have their results.
+// These only have to link: the library's own tests check their results.
 [[gnu::used]] const auto linked = std::make_tuple(
     sve_brkn, sve_ptest<signed char>, sve_zip1, sve_abs_zpz, VecF32AddVVX, VecPAndFlgPPZ,
     PredSetNZCV, VecTrueILength, UInt, SInt, bits, ones, AbsInt, NegInt, AddInt, SubInt,

@@ -1,10 +1,10 @@
-// One instruction, two definitions: for every row of the instruction table that has both a fast
-// path and a reference function, the two run from the same random states and must leave the same
-// state. And of predicates whose bytes are not only 0 and 1, which no processor has, every row must
-// make the same as of their lowest bits. In the native build both run under the sanitizers.
+// One instruction, two definitions. If a row of the instruction table has both a fast path and a
+// reference function, both run from the same random states and must leave the same state. A second
+// test uses predicate bytes other than 0 and 1, which no processor has: every row must treat them
+// like their lowest bits. In the native build both run under the sanitizers.
 //
-// The rows come from the table itself; which of them have a reference function is found out by
-// naming it with the values of the row's operands.
+// The rows come from the table itself. The test finds out whether a row has a reference function by
+// naming that function with the values of the row's operands.
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
@@ -66,10 +66,10 @@ auto call_with_second(Function function, CpuContext* ctx, First first, Rest... r
   }
 }
 
-// Calls the reference function with the operands without the destination, or with all of them: the
-// destination's old value or the data of a store first, second or last. Second is the order of
-// CLASTB; last that of INCP, whose predicate comes first, of PNEXT and BRKN, whose governing
-// predicate does, and of stores.
+// Calls the reference function with the operands without the destination, or with all of them. In
+// the second case, the destination's old value or the data of a store is first, second or last. It
+// is second in CLASTB. It is last in INCP, whose predicate comes first, in PNEXT and BRKN, whose
+// governing predicate comes first, and in stores.
 template <bool DestinationLast, class Function, class First, class... Rest>
 auto call(Function function, CpuContext* ctx, First first, Rest... rest) {
   if constexpr (requires { function(rest..., ctx); }) {
@@ -83,7 +83,7 @@ auto call(Function function, CpuContext* ctx, First first, Rest... rest) {
   }
 }
 
-// Runs the reference function of a row as a bridge would. Returns false where there is none.
+// Runs the reference function of a row as a bridge would. Returns false if there is none.
 template <word_pattern Pattern, class Function, class Destination, class... Operands>
 bool run_reference(cpu_state* state, unsigned word) {
   CpuContext ctx = context_in(*state);
@@ -106,7 +106,7 @@ bool run_reference(cpu_state* state, unsigned word) {
   return true;
 }
 
-// SETFFR alone has no operand.
+// Only SETFFR has no operand.
 template <word_pattern Pattern, class Function>
 bool run_reference(cpu_state* state, unsigned /*word*/) {
   CpuContext ctx = context_in(*state);
@@ -136,7 +136,7 @@ class Agreement : public RandomMachine {
  protected:
   static void SetUpTestSuite() { conformance::map_arena(); }
 
-  // Predicates as the system keeps them.
+  // The state with each predicate byte 0 or 1, as the system keeps them.
   static cpu_state canonical(cpu_state state) {
     for (auto& predicate : state.p) {
       for (byte& lane : predicate) lane &= 1;
@@ -149,8 +149,8 @@ class Agreement : public RandomMachine {
     return static_cast<unsigned>(number(1ULL << 32) & ~row.fixed_mask) | row.fixed_bits;
   }
 
-  // A state for the word, with odd predicate bytes. The memory operands of a row that has any lie
-  // in the arena.
+  // A state for the word, with odd predicate bytes. Memory operands, if the row has any, are in the
+  // arena.
   cpu_state make_state(const conformance::row_shape& shape, unsigned word) {
     cpu_state state;
     conformance::make_state(shape, word, number(~u64{0}), made_);
@@ -167,7 +167,7 @@ class Agreement : public RandomMachine {
     is_sve(word)(state, word);
   }
 
-  // The memory that `run` leaves, from what the last state was made with.
+  // The memory that `run` leaves if it starts from the memory of the last state.
   template <class Run>
   conformance::arena_content memory_after(Run run) {
     conformance::arena() = made_.memory;
@@ -175,7 +175,7 @@ class Agreement : public RandomMachine {
     return conformance::arena();
   }
 
-  // Up to the first difference. False where the row has no reference function, or nothing else.
+  // Compares up to the first difference. Returns false only if the row has no reference function.
   bool compare_with_reference(const Row& row) {
     if (row.reference == nullptr) return false;
     const conformance::row_shape shape = conformance::describe(*find_row(row.fixed_bits));
@@ -219,9 +219,9 @@ class Agreement : public RandomMachine {
     return ~u64{0} >> (64 - 8 * shape.element_bytes);
   }
 
-  // Where the reference function says more than the element: it extends the sign of a signed
-  // minimum or maximum to 64 bits, and CLASTB without an active element leaves all of its old W
-  // register.
+  // Cuts results of the reference function that are wider than the element. It extends the sign of
+  // a signed minimum or maximum to 64 bits, and CLASTB without an active element keeps the whole
+  // old W register.
   void cut_to_element(const conformance::row_shape& shape, unsigned word) {
     const std::string_view name = shape.row->name;
     const unsigned d = shape.value('d', word);
@@ -236,8 +236,8 @@ class Agreement : public RandomMachine {
   conformance::test_case made_{};
 };
 
-// A reference function is found through its argument of type CpuContext, so that a name without one
-// is no error.
+// The compiler finds a reference function through its argument of type CpuContext, so a name
+// without such a function is not an error.
 #define FAST(pattern, mnemonic, name, fast_path, ...) \
   row<pattern __VA_OPT__(, ) __VA_ARGS__>(            \
       #name, [](auto... all) requires requires { name(all...); } { return name(all...); }),
@@ -258,7 +258,7 @@ TEST_F(Agreement, OfFastPathAndReferenceFunction) {
 }
 
 TEST_F(Agreement, OfPredicateBytesAndTheirLowestBits) {
-  // These look at whole bytes; fast_paths_test has them.
+  // These look at whole bytes; fast_paths_test tests them.
   constexpr std::string_view by_bytes[] = {
       "VecPAndPPZ",       "VecPOrPPZ",           "VecPXorPPZ",      "VecPNorPPZ",
       "VecPBreakPrevBPZ", "VecPBreakPrevBFlgPZ", "VecPBreakNextPZ", "VecPBreakNextFlgPZ"};

@@ -1,4 +1,4 @@
-// What the tests of the reference functions share: contexts of any length, and their flags.
+// Shared by the tests of the reference functions: contexts of any length, and their flags.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ inline CpuContext context(unsigned vl) {
   return ctx;
 }
 
-// "nZCv": a capital is a flag that is set.
+// The flags as text, such as "nZCv": a capital means that the flag is set.
 inline std::string flags(const CpuContext& ctx) {
   std::string result = "nzcv";
   for (unsigned i = 0; i < 4; ++i) {

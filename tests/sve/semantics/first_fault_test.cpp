@@ -1,4 +1,4 @@
-// First-fault and non-fault loads where real pages end, at every distance from the boundary.
+// First-fault and non-fault loads at the ends of real pages, at every distance from the boundary.
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -20,8 +20,8 @@ using sve::vector_bytes;
 
 constexpr unsigned zt = 30, pg = 3;
 
-// A row of the instruction table, with what its name says: VecS64CLoadFF2LSSZ has elements of 64
-// bits, of 2 bytes in memory, sign-extended.
+// A row of the instruction table, and what its name says. VecS64CLoadFF2LSSZ has elements of 64
+// bits, which are sign-extended from 2 bytes in memory.
 struct Form {
   explicit Form(const sve::instruction_row& row)
       : row(&row),
@@ -37,7 +37,7 @@ struct Form {
   bool sign;
 };
 
-// The fast paths whose names have this in them.
+// The rows with a fast path whose names contain `part`.
 std::vector<Form> forms(std::string_view part) {
   std::vector<Form> result;
   for (const sve::instruction_row& row : sve::instruction_rows()) {
@@ -51,7 +51,7 @@ const std::vector<Form> first_fault_loads = forms("CLoadFF"), non_fault_loads = 
 
 class FirstFault : public testing::Test {
  protected:
-  // Random bytes everywhere: predicate bytes are true by bit 0 alone, with the other bits set too.
+  // Random bytes everywhere. Predicate bytes are true by bit 0 alone, and have other bits set too.
   FirstFault() {
     SVEInitialize();
     EXPECT_FALSE(first_fault_loads.empty() || non_fault_loads.empty());
@@ -60,7 +60,8 @@ class FirstFault : public testing::Test {
     std::generate_n(memory.data(), memory.size(), [this] { return byte(); });
   }
 
-  // With SP as the base, and an index in X30 for a first-fault load or an immediate for others.
+  // Calls the load with SP as the base. A first-fault load has an index in X30, and a non-fault
+  // load has an immediate.
   void call(const Form& form, std::uint64_t address) {
     const bool is_first_fault = form.name.find("FF") != std::string::npos;
     const unsigned operand = static_cast<unsigned>(random() % 16);
@@ -84,8 +85,9 @@ class FirstFault : public testing::Test {
     std::memset(before->ffr + e * form.element_bytes, 0, form.element_bytes);
   }
 
-  // How many elements a first-fault load handles `room` bytes before an unreadable page: whole
-  // register elements, or else up to the first active one; nothing if that one faults.
+  // How many elements a first-fault load handles when an unreadable page begins after `room` bytes:
+  // as many register elements as fit, or, if none fits, all up to the first active one. Nothing if
+  // that one faults.
   std::optional<std::size_t> handled(const Form& form, std::size_t room) const {
     if (room >= form.element_bytes) return std::min(form.elements(), room / form.element_bytes);
     for (std::size_t e = 0; e < form.elements(); ++e) {
@@ -112,7 +114,7 @@ class FirstFault : public testing::Test {
     }
   }
 
-  // The element as it arrives in a register: extended to 8 bytes.
+  // The element as it arrives in a register, extended to 8 bytes.
   std::int64_t loaded(const Form& form, std::uint64_t address) const {
     std::int64_t value = 0;
     std::memcpy(&value, memory.data() + (address - memory.begin()), form.memory_bytes);
@@ -122,7 +124,7 @@ class FirstFault : public testing::Test {
                : value;
   }
 
-  // The state after the call is the one from before with the changes that the test made to it.
+  // Expects the state from before the call, with the changes that the test made to that copy.
   void expect_state_as_before(const std::string& what, unsigned choice) {
     const auto* expected = reinterpret_cast<const unsigned char*>(before.get());
     const auto* got = reinterpret_cast<const unsigned char*>(state.get());
@@ -193,7 +195,7 @@ TEST_F(FirstFault, NonFaultLoadsReadWhatCanBeRead) {
 
 using FirstFaultDeathTest = FirstFault;
 
-// A first active element that can't be read takes its fault if nothing before it can be loaded.
+// If the first active element can't be read and nothing before it can be loaded, the load faults.
 TEST_F(FirstFaultDeathTest, FaultsWithoutProgress) {
   const rlimit no_core_file{0, 0};
   setrlimit(RLIMIT_CORE, &no_core_file);

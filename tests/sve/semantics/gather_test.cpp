@@ -12,7 +12,8 @@ namespace {
 
 using Addresses = std::vector<U64>;
 
-// A load of elements T from memory elements M at given addresses, as its form can express them.
+// A load of register elements from memory elements at given addresses, which `load` converts to the
+// operands of the form.
 struct Form {
   const char* name;
   unsigned element, memory;
@@ -20,7 +21,7 @@ struct Form {
   std::function<VecV(const PredV&, const Addresses&, CpuContext*)> load;
 };
 
-// The offsets of the addresses from a base, in units, as elements with garbage in `unused` bits.
+// A vector of the distances of the addresses from a base, in units, with garbage in `unused` bits.
 template <class T>
 VecV vector_of(const Addresses& addresses, U64 base, unsigned unit, U64 unused) {
   VecV v;
@@ -74,7 +75,8 @@ class Gather : public testing::TestWithParam<unsigned> {
     return form.sign ? static_cast<U64>(static_cast<S64>(value << shift) >> shift) : value;
   }
 
-  // Multiples of the memory element from the memory's beginning; inactive elements anywhere.
+  // Chooses multiples of the memory element from the memory's beginning. Inactive elements get one
+  // far address.
   Addresses choose_addresses(const Form& form, const PredV& g, unsigned n) {
     Addresses result;
     for (unsigned e = 0; e < n; ++e) {
@@ -91,7 +93,8 @@ class Gather : public testing::TestWithParam<unsigned> {
     return p;
   }
 
-  // Compares with the elements before `stop` loaded, and all others 0 and missing in the FFR.
+  // Expects that the elements before `stop` are loaded, and that all others are 0 and cleared in
+  // the FFR.
   void expect(const Form& form, const PredV& g, const Addresses& at, unsigned stop) {
     CpuContext ctx = context(GetParam());
     const PredV ffr = ctx.ffr = any_predicate();
@@ -129,7 +132,8 @@ class Gather : public testing::TestWithParam<unsigned> {
 
 INSTANTIATE_TEST_SUITE_P(AtLength, Gather, testing::ValuesIn(lengths));
 
-// At every second stop the element begins in the readable page and runs over into the other.
+// At every second stop, the element begins in the readable page and runs over into the unreadable
+// one.
 TEST_P(Gather, FirstFaultLoadsStopAtTheElementThatFaults) {
   for (const Form& form : first_fault) {
     const unsigned n = GetParam() * 8 / form.element;

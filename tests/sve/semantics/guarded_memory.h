@@ -1,4 +1,4 @@
-// Pages that can be accessed, between two that can't.
+// Accessible pages between two pages that can't be accessed.
 #pragma once
 
 #include <cstddef>

@@ -186,8 +186,8 @@ TEST(IntegerHelpers, BigIntegers) {
   });
 }
 
-// An estimate is the reciprocal at the middle of the argument's step, to 8 bits: it can be off by
-// the width of half a step and half a unit.
+// An estimate is the reciprocal at the middle of the argument's step, rounded to 8 bits. Its error
+// is at most half a step plus half a unit.
 TEST(IntegerHelpers, EstimatesStayWithinTheirError) {
   for (int step = 256; step < 512; ++step) {
     const double a = step / 512.0;

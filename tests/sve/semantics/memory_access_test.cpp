@@ -1,5 +1,5 @@
-// Guarded reads at the end of what is mapped, and what becomes of every fault outside of one: a
-// child process must die of the signal itself, after the message.
+// Guarded reads at the end of mapped memory, and faults outside of guarded reads: a child process
+// must print the message and then die of the signal itself.
 #include "sve/semantics/memory_access.h"
 
 #include <atomic>
@@ -41,7 +41,7 @@ class MemoryAccess : public testing::Test {
     return value;
   }
 
-  // A page of a file beyond the file's end: mapped, but an access is a bus error.
+  // A page beyond the end of a file. It is mapped, but an access is a bus error.
   static std::uint64_t page_without_memory() {
     void* page = mmap(nullptr, GuardedMemory::page_size(), PROT_READ | PROT_WRITE, MAP_SHARED,
                       fileno(std::tmpfile()), 0);
@@ -83,7 +83,7 @@ TEST_F(MemoryAccess, GuardedReadsOfWildAddressesAndBusErrors) {
   }
 }
 
-// The jump out of the handler restores the mask, and a thousand faults leave nothing behind.
+// The jump out of the handler restores the mask. A thousand faults leave nothing behind.
 TEST_F(MemoryAccess, GuardedFaultsLeaveTheSignalMaskAlone) {
   sigset_t mask, after;
   sigemptyset(&mask);
@@ -123,8 +123,8 @@ bool probe(std::uint64_t address) {
   return addr_is_readable<char>(sve::guest_pointer<volatile char>(address));
 }
 
-// Faults of many threads at once, guarded and probed: a thread that reads only what is mapped never
-// sees a fault of one that doesn't.
+// Many threads fault at once, in guarded reads and in probes. A thread that reads only mapped
+// memory never sees the fault of another thread.
 TEST_F(MemoryAccess, ThreadsFaultAtOnce) {
   std::atomic<int> wrong = 0;
   const auto reader = [&](std::uint64_t address, bool mapped) {
@@ -190,7 +190,7 @@ TEST_F(MemoryAccess, InitialisesOnce) {
   sigaction(SIGBUS, &restored, nullptr);
 }
 
-// What kills the process: each in a child of its own, after the message.
+// Each of these faults kills the process after the message, so each has a child process of its own.
 class UnguardedFaultDeathTest : public MemoryAccess {};
 
 TEST_F(UnguardedFaultDeathTest, EndsTheProcess) {

@@ -1,5 +1,5 @@
-// The predicate functions by table at 128 bits, where a predicate is readable as a string, and what
-// lies above the vector at any length.
+// The predicate functions, by table at 128 bits, where a predicate is readable as a string. At any
+// length, the lanes above the vector must not count.
 #include "sve/semantics/predicates.h"
 
 #include "tests/sve/semantics/context.h"
@@ -30,7 +30,7 @@ TEST(Predicates, FlagSetters) {
     const char* what;
     std::string g, r;
     int w;
-    const char *nzcv, *nzc, *ncv, *nc;  // from NzcV
+    const char *nzcv, *nzc, *ncv, *nc;  // all start from NzcV
   } rows[] = {
       {"nothing active", none, some, 32, "nZCv", "nZCV", "nzCv", "NzcV"},
       {"nothing true", some, none, 32, "nZCv", "nZCV", "nzCv", "nzCV"},
@@ -61,7 +61,7 @@ TEST(Predicates, FlagSetters) {
   }
 }
 
-// What lies above the vector is neither an element nor a reason for a flag.
+// Lanes above the vector are not elements, and they set no flag.
 TEST(Predicates, LanesAboveTheVectorDoNotCount) {
   for (const unsigned vl : {2U, 8U, 30U}) {
     CpuContext ctx = context(vl);

@@ -1,5 +1,5 @@
-// 201 SVE instructions executed, and 7 others in its three blocks: each block is entered by a jump
-// or by falling through behind one, so that none is a part of another.
+// Executes 201 SVE instructions, and has 7 others in its three blocks. Each block is entered by a
+// jump or directly after one, so that no block is part of another.
         .arch   armv8.2-a+sve
         .globl  _start
 _start:

@@ -1,6 +1,6 @@
-// The floating-point environment is one and the same for an application's own instructions, for SVE
-// instructions that fast paths carry out and for those that the reference semantics do: each sees
-// the controls that the application has set, and each adds to its flags.
+// An application's own instructions, SVE instructions with a fast path and SVE instructions that
+// use the reference semantics all share one floating-point environment. Each sees the controls that
+// the application has set, and each adds to the application's flags.
 #include <arm_sve.h>
 #include <fenv.h>
 #include <stdint.h>
@@ -21,7 +21,7 @@ static uint64_t fpsr(void) {
   return value;
 }
 
-// One operation each by the processor itself, by a fast path and by the reference semantics.
+// One operation by the processor itself, one by a fast path and one by the reference semantics.
 // volatile and noinline keep the compiler from computing or moving them.
 static __attribute__((noinline)) float divide(volatile float a, volatile float b) { return a / b; }
 
@@ -96,7 +96,7 @@ static void flushing_is_seen(void) {
   const uint64_t own = fpcr();
   for (int i = 0; i < 4; ++i) {
     set_fpcr(own | controls[i].bits);
-    set_fpsr(0);  // with the flag of flushed operands, for which C has no name
+    set_fpsr(0);  // also clears the flag of flushed operands, which has no name in C
     puts(controls[i].name);
     report("  2^-140 + 0, fast path", add_single(0x1p-140F, 0));
     report("  2^-140 x 2 + 0, fused", fused_single(0, 0x1p-140F, 2));

@@ -1,4 +1,4 @@
-// A shared library with an SVE instruction, which is not emulated there.
+// A shared library with an SVE instruction. The client does not emulate it there.
 __asm__(".arch_extension sve");
 
 unsigned long vector_bytes(void);

@@ -1,4 +1,4 @@
-// Runs an SVE instruction of its own, and then one of a shared library.
+// Runs an SVE instruction of its own, and then one in a shared library.
 #include <stdio.h>
 
 __asm__(".arch_extension sve");

@@ -1,5 +1,5 @@
-// Runs one instruction word, given in hexadecimal, from generated code, that is from code outside
-// of any module, and goes on.
+// Runs one instruction word, given in hexadecimal, and continues. The word is in generated code,
+// which is outside of any module.
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
