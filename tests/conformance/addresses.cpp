@@ -26,7 +26,7 @@ struct placement {
   const packed_predicate& governing() const { return image.p[field('g')]; }
 };
 
-// Bytes of a run, relative to its start, that active elements occupy.
+// The bytes of a run that active elements occupy, relative to its start.
 struct extent {
   std::int64_t begin, end;
 };
@@ -44,8 +44,8 @@ std::optional<extent> active_elements(const placement& at, unsigned count) {
   return active;
 }
 
-// What of the run has to be readable. A first-fault or non-fault load looks at whole pages, a
-// vector's span ahead.
+// The part of the run that must be readable. A first-fault or non-fault load checks whole pages for
+// the length of a vector.
 std::optional<extent> required_extent(const placement& at) {
   const unsigned count = sve::vector_bytes / at.form.container;
   switch (at.form.access) {
@@ -61,8 +61,8 @@ std::optional<extent> required_extent(const placement& at) {
   return active_elements(at, count);
 }
 
-// An address for the start of a run: anywhere, across the page boundary, or flush with an end of
-// the arena.
+// The start address of a run. The run can be anywhere, cross the page boundary, or be flush with an
+// end of the arena.
 std::uint64_t choose_start(const placement& at, const std::optional<extent>& needed) {
   if (!needed) return at.random();
   const std::uint64_t first = arena_begin - static_cast<std::uint64_t>(needed->begin);
@@ -77,8 +77,8 @@ std::uint64_t choose_start(const placement& at, const std::optional<extent>& nee
   return std::clamp(start, first, last);
 }
 
-// SP as a base has to stay a multiple of 16, so the start moves with it: towards the middle of the
-// arena, where there is always room.
+// SP as a base must be a multiple of 16, so the start moves with it. It moves towards the middle of
+// the arena, where there is always room.
 void set_base(const placement& at, std::uint64_t start, std::uint64_t displacement) {
   std::uint64_t base = start - displacement;
   if (at.based_on_sp()) base = (start < arena_boundary ? base + 15 : base) & ~std::uint64_t{15};
@@ -97,7 +97,7 @@ std::uint64_t choose_index(const placement& at) {
   return static_cast<std::uint64_t>(at.random.between(-300, 300));
 }
 
-// Base and index in one register r: the start is r * (1 + scale), so r is the quotient. The
+// Base and index are one register r. The start is r * (1 + scale), so r is the quotient. The
 // remainder is less than 9 bytes, and the start moves by it towards the middle.
 void set_common_register(const placement& at, std::uint64_t start) {
   const std::uint64_t divisor = 1 + at.form.memory;
@@ -121,12 +121,12 @@ void place_run(const placement& at) {
   }
 }
 
-// Reads and writes vector elements at the container's width.
+// Writes a vector element at the container's width.
 void set_element(const placement& at, vector_register& vector, unsigned e, std::uint64_t value) {
   std::memcpy(&vector[static_cast<std::size_t>(e) * at.form.container], &value, at.form.container);
 }
 
-// Where elements may point: all of the arena, a few bytes of it, so that elements meet, or one end.
+// Where elements may point: the whole arena, a few bytes, so that elements overlap, or one end.
 struct target_range {
   std::uint64_t first, count;
 };
@@ -140,7 +140,7 @@ target_range choose_targets(const placement& at) {
   }
 }
 
-// Vector of addresses: Zn[e] + immediate.
+// The base is a vector of addresses: Zn[e] + immediate.
 void place_vector_base(const placement& at) {
   const target_range targets = choose_targets(at);
   const std::uint64_t displacement = std::uint64_t{at.field('i')} * at.form.memory;
@@ -150,8 +150,8 @@ void place_vector_base(const placement& at) {
                   targets.first + at.random.below(targets.count) - displacement);
 }
 
-// The lowest offset in use, such that `span` more still fit the offset's type. Both ends of the
-// type are among the choices, with the base as far away as that takes it.
+// The lowest offset in use. The offset's type has room for `span` more above it. The choices
+// include both ends of the type, which can put the base far away.
 std::uint64_t lowest_offset(const placement& at, std::uint64_t span) {
   const auto back = static_cast<std::int64_t>(span);
   std::int64_t low = 0, high = 0x100000000 - back - 1;
@@ -168,14 +168,15 @@ std::uint64_t lowest_offset(const placement& at, std::uint64_t span) {
       at.random.pick<std::int64_t, 4>({low, high, around_zero, anywhere}));
 }
 
-// The bits of an offset element that don't count: above the low word, or shifted out by the scale.
+// Random bits in the part of an offset element that doesn't count: above the low word, or shifted
+// out by the scale.
 std::uint64_t meaningless_bits(const placement& at) {
   if (at.form.word_offset) return at.random() << 32;
   return at.form.offset_scale == 1 ? 0
                                    : at.random() << (64 - std::countr_zero(at.form.offset_scale));
 }
 
-// Scalar base, vector of offsets: Rn + Zm[e] * scale.
+// The base is scalar and the offsets are a vector: Rn + Zm[e] * scale.
 void place_vector_offsets(const placement& at) {
   const target_range targets = choose_targets(at);
   const std::uint64_t scale = at.form.offset_scale;

@@ -9,8 +9,8 @@
 
 namespace conformance {
 
-// The row has to be a memory form. Inactive elements keep whatever address they have: they must
-// not be touched, so their addresses may be wild. With no active element, all addresses may be.
+// The row must be a memory form. Inactive elements keep their addresses, which may be wild because
+// the instruction must not access them. If no element is active, all addresses may be wild.
 void place_accesses(const row_shape& shape, std::uint32_t word, machine_image& image,
                     random_source& random);
 

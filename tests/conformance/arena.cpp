@@ -9,7 +9,7 @@
 namespace conformance {
 namespace {
 
-// Pages may be larger than half the arena; the guards then stand further away.
+// Pages may be larger than half the arena. The guards are then further away.
 std::uint64_t half_mapping() {
   return std::max<std::uint64_t>(arena_bytes / 2,
                                  static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)));

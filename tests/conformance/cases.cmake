@@ -1,5 +1,5 @@
-# How instruction words and machine states are made: for the conformance test, for the comparison of
-# fast paths with reference functions, and for the fuzzer.
+# This library makes instruction words and machine states for the conformance test, for the
+# comparison of fast paths with reference functions, and for the fuzzer.
 add_library(conformance_cases STATIC)
 foreach(source addresses arena machine_image row_shape states values words)
   target_sources(conformance_cases PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${source}.cpp)

@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned max_reports_per_row = 2;
 constexpr unsigned max_failures_per_row = 20;
 
-// Too large for a stack, and there is one thread.
+// These are too large for a stack, and there is only one thread.
 test_case tested;
 machine_image native;
 cpu_state emulated;
@@ -28,7 +28,7 @@ class row_test {
     result.row = shape.row;
   }
 
-  // At most max_prepared cases. Stops once `wanted` are compared.
+  // Runs at most max_prepared cases. Stops once `wanted` are compared.
   void run(const std::vector<instruction_case>& cases, unsigned wanted) {
     std::vector<std::uint32_t> words;
     words.reserve(cases.size());
@@ -80,10 +80,10 @@ class row_test {
     result.status = row_status::failing;
   }
 
-  // The state was made such that this can't happen.
+  // The state is made so that this can't happen.
   [[noreturn]] void stop_at_native_fault(const run_outcome& outcome) const {
     std::fprintf(stderr,
-                 "conformance: fault of this test itself: %s, word 0x%08x, state seed 0x%016llx, "
+                 "conformance: error in this test itself: %s, word 0x%08x, state seed 0x%016llx, "
                  "raised signal %d on the processor at address 0x%llx\n",
                  std::string{shape_.row->name}.c_str(), tested.word,
                  static_cast<unsigned long long>(tested.state_seed), outcome.signal,

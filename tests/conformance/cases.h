@@ -1,4 +1,4 @@
-// Runs cases of a row, both ways, and keeps count.
+// Runs cases of a row both ways and counts the results.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ struct row_result {
   row_status status = row_status::passing;
   unsigned compared = 0;
   unsigned failed = 0;
-  unsigned reserved = 0;  // words that the processor refuses: SIGILL
+  unsigned reserved = 0;  // words that the processor refuses with SIGILL
 };
 
 struct instruction_case {
@@ -24,11 +24,11 @@ struct instruction_case {
   std::uint64_t state_seed;
 };
 
-// What is told of a case that fails: tested, difference by difference.
+// Reports a case that failed, with each of its differences.
 using failure_report = void (*)(const test_case& tested, const std::vector<difference>& found);
 
-// Makes words and states from `seed` until `count` cases are compared, or until it is plain that
-// the processor refuses most of them. A row of which nothing could be compared is failing. Reports
+// Makes words and states from `seed` until `count` cases are compared, or until it is clear that
+// the processor refuses most of them. A row fails if none of its cases could be compared. Reports
 // the first failing cases of the row.
 row_result test_row(const row_shape& shape, std::uint64_t seed, unsigned count,
                     failure_report report);

@@ -29,7 +29,7 @@ class differences {
       found.push_back({place, hex(before, bytes), hex(native, bytes), hex(emulated, bytes)});
   }
 
-  // Arrays of bytes as elements of 1, 2, 4 or 8 bytes.
+  // Compares arrays of bytes as elements of 1, 2, 4 or 8 bytes.
   void check_elements(const std::string& place, unsigned element_bytes, std::size_t size,
                       const unsigned char* before, const unsigned char* native,
                       const unsigned char* emulated) {
@@ -96,7 +96,8 @@ void compare_predicates(const machine_image& before, const machine_image& native
       compare_predicate(i, before, native, emulated, to);
 }
 
-// Bit 0 has been compared; the other bits of a predicate byte have to be 0. The FFR follows P15.
+// Checks that bits 1 to 7 of each predicate byte are 0. Bit 0 has been compared already. The FFR
+// follows P15.
 void check_predicate_bytes(const cpu_state& state, differences& to) {
   const unsigned char* bytes = &state.p[0][0];
   const std::size_t size = sizeof state.p + sizeof state.ffr;

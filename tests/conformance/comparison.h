@@ -1,4 +1,4 @@
-// Compares what the processor and what the emulation left behind.
+// Compares the outcome on the processor with the outcome of the emulation.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +11,13 @@
 
 namespace conformance {
 
-// One thing that differs: what it is, and its value before and after, native and emulated.
+// One difference: what differs, its value before, and its native and emulated values after.
 struct difference {
   std::string place;
   std::string before, native, emulated;
 };
 
-// Both outcomes of one case.
+// Both outcomes of a case.
 struct both_runs {
   const machine_image* native;
   const arena_content* native_memory;
@@ -26,8 +26,8 @@ struct both_runs {
   emulated_outcome outcome;
 };
 
-// Everything that differs: general registers and SP, all vector bytes, predicates and FFR, NZCV,
-// FPSR, FPCR, memory, and how the emulation ended. Predicate bytes have to be 0 or 1.
+// All differences: in general registers and SP, all vector bytes, predicates and FFR, NZCV, FPSR,
+// FPCR, memory, and the way the emulation ended. Predicate bytes must be 0 or 1.
 std::vector<difference> compare(const test_case& tested, const both_runs& runs);
 
 }  // namespace conformance

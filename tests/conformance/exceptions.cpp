@@ -11,22 +11,22 @@
 namespace conformance {
 namespace {
 
-// LDFF1 (scalar plus scalar) to LD1. LD1 has no form without an index; scalar plus immediate 0 does
-// the same.
+// Changes LDFF1 (scalar plus scalar) to LD1. LD1 has no form without an index, but scalar plus
+// immediate 0 does the same.
 std::uint32_t plain_for_first_fault(std::uint32_t word) {
   const bool no_index = ((word >> 16) & 31) == 31;
   if (!no_index) return word & ~0x2000U;
   return (word & ~0x001fe000U) | 0xa000U;
 }
 
-// LDFF1 (gather) to LD1.
+// Changes LDFF1 (gather) to LD1.
 std::uint32_t plain_for_first_fault_gather(std::uint32_t word) { return word & ~0x2000U; }
 
-// LDNF1 (scalar plus immediate) to LD1.
+// Changes LDNF1 (scalar plus immediate) to LD1.
 std::uint32_t plain_for_non_fault(std::uint32_t word) { return word & ~0x00100000U; }
 
-// Elements of Pn, then of Pm, every second from 0 (UZP1) or 1 (UZP2); an element moves with all its
-// bits.
+// Takes every second element of Pn and then of Pm, from element 0 (UZP1) or 1 (UZP2). An element
+// keeps all its bits.
 void unzip_predicates(const row_shape& shape, std::uint32_t word, const machine_image& before,
                       machine_image& after) {
   const unsigned element_bytes = shape.element_bytes;
@@ -67,27 +67,27 @@ void keep_old_simd_scalar(const row_shape& shape, std::uint32_t word, const mach
 constexpr std::array exceptions{
     exception{
         "VecP*Uzp[12]PP",
-        "QEMU 7.2: at lengths that are no power of two, UZP1 and UZP2 of predicates lose bits; "
-        "a model of the architecture's definition takes its place",
+        "QEMU 7.2: at lengths other than powers of two, UZP1 and UZP2 of predicates lose bits; "
+        "a model of the architecture's definition replaces it",
         nullptr, unzip_predicates},
     exception{"Vec*CLoadFF*LSSZ",
               "QEMU 7.2: a contiguous LDFF1 misreads the predicate when the first active element "
-              "lies beyond vector byte 7, and gives up at a page boundary though the next page is "
-              "readable; with all memory mapped the right outcome is that of LD1",
+              "is beyond vector byte 7, and stops at a page boundary although the next page is "
+              "readable; with all memory mapped, LD1 has the right outcome",
               plain_for_first_fault, nullptr},
-    exception{"Vec*CLoadNF*SIZ", "QEMU 7.2: LDNF1, as the contiguous LDFF1", plain_for_non_fault,
-              nullptr},
+    exception{"Vec*CLoadNF*SIZ", "QEMU 7.2: LDNF1 has the same faults as LDFF1",
+              plain_for_non_fault, nullptr},
     exception{"Vec[US][36][24]LoadFF*V*Z",
-              "QEMU 7.2: a gathering LDFF1 gives up at an element that lies in two pages, though "
+              "QEMU 7.2: a gathering LDFF1 stops at an element that is in two pages, although "
               "both are readable",
               plain_for_first_fault_gather, nullptr},
     exception{"Vec[US]*CondXASV",
-              "meant: CLASTA to a general register without an active element keeps the old "
-              "register's W part whole; the architecture cuts it to the element",
+              "intended: CLASTA to a general register without an active element keeps the old "
+              "register's whole W part; the architecture cuts it to the element",
               nullptr, keep_old_w_register},
     exception{"Vec[BHF]*CondX[AB]SV",
-              "meant: CLASTA and CLASTB to a SIMD&FP scalar without an active element keep the old "
-              "low 64 bits; the architecture cuts them to the element",
+              "intended: CLASTA and CLASTB to a SIMD&FP scalar without an active element keep the "
+              "old low 64 bits; the architecture cuts them to the element",
               nullptr, keep_old_simd_scalar},
 };
 

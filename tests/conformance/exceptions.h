@@ -1,5 +1,6 @@
-// Where the outcome on the processor is not what is compared: faults of QEMU 7.2, and differences
-// from the architecture that are meant. This list has all of them, each with its reason.
+// The rows for which the test does not compare with the processor's own outcome, because QEMU 7.2
+// is wrong or because a difference from the architecture is intended. This list has all of them,
+// each with its reason.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +12,13 @@
 namespace conformance {
 
 struct exception {
-  const char* rows;  // names, with * ? [] as a shell has them
+  const char* rows;  // name pattern with * ? [] as in a shell
   const char* reason;
 
   // The word that runs on the processor in place of the row's own. May be null.
   std::uint32_t (*native_word)(std::uint32_t word);
 
-  // Puts right what the processor left in `after`. May be null.
+  // Corrects what the processor left in `after`. May be null.
   void (*correct)(const row_shape& shape, std::uint32_t word, const machine_image& before,
                   machine_image& after);
 };

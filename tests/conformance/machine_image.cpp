@@ -7,7 +7,7 @@
 namespace conformance {
 namespace {
 
-// Eight predicate bytes for each value of eight predicate bits.
+// The eight predicate bytes for each value of eight predicate bits.
 consteval std::array<std::uint64_t, 256> make_expansion() {
   std::array<std::uint64_t, 256> table{};
   for (std::size_t value = 0; value < 256; ++value)

@@ -1,8 +1,8 @@
-// The whole machine state as the processor itself reads and writes it: the form in which a case is
-// made, loaded into the processor with SVE and stored again after the instruction.
+// The whole machine state as the processor itself reads and writes it. A case is made in this form,
+// loaded into the processor with SVE, and stored again after the instruction.
 //
-// cpu_state holds the same state with its predicates unpacked; unpack() and pack() lead from one to
-// the other.
+// cpu_state holds the same state with its predicates unpacked; unpack() and pack() convert between
+// the two.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +12,9 @@
 
 namespace conformance {
 
-inline constexpr unsigned ffr_index = 16;  // the FFR stands behind P15, in both forms
+inline constexpr unsigned ffr_index = 16;  // the FFR follows P15 in both forms
 
-// A predicate as LDR and STR of a predicate register have it: bit k is that of vector byte k.
+// A predicate as LDR and STR of a predicate register access it: bit k belongs to vector byte k.
 using packed_predicate = unsigned char[sve::predicate_bytes];
 
 struct machine_image {
@@ -43,10 +43,10 @@ inline void set_predicate_bit(packed_predicate& predicate, unsigned lane, bool v
       static_cast<unsigned char>(value ? predicate[lane / 8] | bit : predicate[lane / 8] & ~bit);
 }
 
-// The emulated register file that stands for `image`; the pc is null.
+// Makes the emulated register file that corresponds to `image`. Its pc is null.
 void unpack(const machine_image& image, cpu_state& state);
 
-// The reverse, from bit 0 of each predicate byte.
+// The reverse. It takes bit 0 of each predicate byte.
 void pack(const cpu_state& state, machine_image& image);
 
 }  // namespace conformance

@@ -1,9 +1,9 @@
-// The conformance test: every row of the instruction table against a processor with SVE.
+// The conformance test compares every row of the instruction table with a processor that has SVE.
 //
-// The processor is the judge: each instruction word runs on it natively, from a random machine
-// state, and through execute_sve_instruction() from the same state, and both have to leave the same
-// behind. Rows, patterns and names come from the instruction table, so that a row that is added is
-// tested. `conformance --help` tells the options.
+// The processor is the judge. Each instruction word runs natively on it from a random machine
+// state, and through execute_sve_instruction() from the same state. Both must end in the same
+// state. Rows, patterns and names come from the instruction table, so a new row is tested
+// automatically. `conformance --help` lists the options.
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>

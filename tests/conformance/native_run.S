@@ -1,9 +1,9 @@
 // Runs one instruction on the processor itself, from a given machine state.
 //
-// Every general register belongs to the state under test while the instruction runs, and so do SP,
-// the vector registers and the predicates. What the way back needs is reached without a register:
-// the stub that holds the instruction branches here, and TPIDR_EL0, which no SVE instruction
-// touches, holds X0 while X0 becomes the address of the image that takes the other registers.
+// While the instruction runs, every general register belongs to the state under test, and so do SP,
+// the vector registers and the predicates. The way back needs no free register: the stub that holds
+// the instruction branches here. TPIDR_EL0, which no SVE instruction touches, then holds X0 while
+// X0 becomes the address of the image that takes the other registers.
 //
 // A stub, entered with X0 = the image before:
 //     ldp  x0, x1, [x0]
@@ -36,7 +36,7 @@
     .endr
     .endm
 
-    // x6 = address of the predicates, from x5 = address of the vectors
+    // x6 = address of the predicates, computed from x5 = address of the vectors
     .macro predicates_behind_vectors
     addvl x6, x5, #31
     addvl x6, x6, #1
@@ -130,7 +130,7 @@ native_return:
     rdffr p0.b
     str p0, [x6, #16, mul vl]
 
-// The way out, and where the signal handler sends an instruction that raised a signal.
+// The way out. The signal handler also continues here after an instruction that raised a signal.
     .global native_leave
 native_leave:
     context_address x3

@@ -37,8 +37,8 @@ constexpr std::size_t stub_words = 3;
 constexpr std::uint32_t ldp_x0_x1_x0 = 0xa9400400;  // ldp x0, x1, [x0]
 constexpr std::uint32_t branch = 0x14000000;        // b
 
-// In the program's own image, so that a branch of 128 MB reaches native_return. The alignment is
-// that of the largest page of AArch64.
+// The code page is in the program's own image, so that a branch, which reaches 128 MB, reaches
+// native_return. Its alignment is the size of AArch64's largest page.
 constexpr std::size_t code_bytes = 65536;
 alignas(code_bytes) std::uint32_t code_page[code_bytes / 4];
 static_assert(max_prepared * stub_words <= sizeof code_page / 4);
@@ -56,8 +56,8 @@ void reinstate_default(int signal) {
   sigaction(signal, &action, nullptr);
 }
 
-// The native instruction may have run with any value in TPIDR_EL0, so that comes first: nothing
-// before it may touch thread-local storage.
+// The native instruction may have run with any value in TPIDR_EL0. The handler restores it first,
+// and must not access thread-local storage before that.
 void on_signal(int signal, siginfo_t* info, void* context) {
   auto& machine = static_cast<ucontext_t*>(context)->uc_mcontext;
   const running what = now_running;
@@ -70,7 +70,7 @@ void on_signal(int signal, siginfo_t* info, void* context) {
   } else if (what == running::emulation) {
     siglongjmp(emulation_stopped, 1);
   } else {
-    reinstate_default(signal);  // a fault of this program itself ends it at the same instruction
+    reinstate_default(signal);  // a fault of this program itself repeats and ends it
   }
 }
 
@@ -91,7 +91,7 @@ void take_signals() {
 void require_vector_length() {
   if ((getauxval(AT_HWCAP) & HWCAP_SVE) == 0) {
     std::fprintf(stderr,
-                 "conformance: this processor has no SVE. Run it under "
+                 "conformance: this processor has no SVE. Run the test under "
                  "qemu-aarch64 -cpu max,sve-default-vector-length=%u\n",
                  sve::vector_bytes);
     std::exit(2);
@@ -99,8 +99,8 @@ void require_vector_length() {
   const int length = prctl(PR_SVE_GET_VL) & PR_SVE_VL_LEN_MASK;
   if (length == static_cast<int>(sve::vector_bytes)) return;
   std::fprintf(stderr,
-               "conformance: the processor's vectors have %d bytes, this build's %u. Run it under "
-               "qemu-aarch64 -cpu max,sve-default-vector-length=%u\n",
+               "conformance: the processor's vectors have %d bytes, but this build's have %u. Run "
+               "the test under qemu-aarch64 -cpu max,sve-default-vector-length=%u\n",
                length, sve::vector_bytes, sve::vector_bytes);
   std::exit(2);
 }
@@ -144,7 +144,7 @@ run_outcome run_native(std::size_t index, const machine_image& before, machine_i
 }
 
 emulated_outcome run_emulated(std::uint32_t word, cpu_state& state) {
-  static std::uint32_t program[2];  // one address for all, so that the statistics stay small
+  static std::uint32_t program[2];  // one address for all words keeps the statistics small
   program[0] = word;
   state.pc = program;
   raised_signal = 0;

@@ -8,29 +8,29 @@ namespace {
 using test_options::number;
 
 constexpr const char* purpose =
-    "Runs instruction words of every row of the instruction table on the processor, which has to "
-    "have SVE at the vector length of the build, and through the emulation, and compares all that "
-    "they leave.\vExit status: 0 if no row failed, 1 if one did, 2 if the test could not run.";
+    "Runs instruction words of every row of the instruction table on the processor and through the "
+    "emulation, and compares the outcomes. The processor must have SVE at the vector length of the "
+    "build.\vExit status: 0 if no row failed, 1 if one did, 2 if the test could not run.";
 
 constexpr argp_option described[] = {
     {"count", 'c', "N", 0, "compare N words of each row (default 500)", 0},
     {"seed", 's', "N", 0, "make words and states from N (default: random, and printed)", 0},
     {"row", 'r', "NAME", 0,
-     "only rows of this name or mnemonic: a pattern as in the shell; repeatable", 0},
+     "only rows with this name or mnemonic; NAME is a shell pattern; repeatable", 0},
     {"shard", 'p', "I/N", 0, "only every N-th row, starting with the I-th", 0},
     {"word", 'w', "WORD", 0, "run this instruction word only, --count times (default 1)", 0},
     {"state-seed", 't', "N", 0, "make the first machine state of --word from N", 0},
     {"list", 'l', nullptr, 0, "list the rows and run nothing", 0},
     {"output", 'o', "FILE", 0,
-     "write the summary to FILE, too, and below it a line for each row: name, family, kind, "
-     "pattern, status, words compared, failed and reserved, syntax, between tabs",
+     "also write the summary to FILE, and below it a line for each row, separated by tabs: name, "
+     "family, kind, pattern, status, words compared, failed and reserved, syntax",
      0},
     {"self-check", 'k', nullptr, 0, "show that the comparison notices a fault of each kind", 0},
     {},
 };
 
 void check_together(argp_state* state, options& chosen) {
-  if (chosen.state_seed && !chosen.word) argp_error(state, "--state-seed goes with --word");
+  if (chosen.state_seed && !chosen.word) argp_error(state, "--state-seed needs --word");
   if (chosen.count == 0) chosen.count = chosen.word ? 1 : 500;
 }
 

@@ -17,7 +17,7 @@ struct options {
   test_options::part shard;
   std::optional<std::uint32_t> word;
   std::optional<std::uint64_t> state_seed;
-  std::string output;  // file for the full list, or empty
+  std::string output;  // the file for the full list, or empty
   bool list = false;
   bool self_check = false;
 };

@@ -1,5 +1,5 @@
-// The random source of the conformance test: one 64-bit word of state, so that a whole case follows
-// from one printed number.
+// The random source of the conformance test. Its state is one 64-bit word, so that one printed
+// number determines a whole case.
 #pragma once
 
 #include <array>
@@ -45,7 +45,7 @@ class random_source {
   std::uint64_t state_;
 };
 
-// The seed of stream `index` of a named thing under `seed`; streams don't depend on one another.
+// The seed of stream `index` of `name`, derived from `seed`. The streams are independent.
 inline std::uint64_t derive_seed(std::uint64_t seed, std::string_view name, std::uint64_t index) {
   std::uint64_t hash = 0xcbf29ce484222325 ^ seed;  // FNV-1a
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;

@@ -20,7 +20,7 @@ struct family {
   const char* name;
 };
 
-// The first entry that matches a row's name tells its family.
+// The first entry that matches a row's name determines its family.
 constexpr std::array families{
     family{"*Prefetch*", "prefetches"},
     family{"*FillSI", "register loads and stores"},

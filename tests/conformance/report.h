@@ -9,17 +9,17 @@
 
 namespace conformance {
 
-// A case that failed: the word and its fields, what differs, and the command that repeats it.
+// Prints a failed case: the word and its fields, what differs, and the command that repeats it.
 void report_failure(const test_case& tested, const std::vector<difference>& found);
 
-// Rows passing and failing, by family and kind, and in all.
+// Prints how many rows pass and fail, by family and kind, and in total.
 void print_summary(std::FILE* out, const std::vector<row_result>& results);
 
-// The rows by themselves.
+// Prints only the rows.
 void print_list(const std::vector<const sve::instruction_row*>& rows);
 
-// The heading, the summary, and a line for each row. False, with errno set, if the file cannot be
-// written.
+// Writes the heading, the summary, and a line for each row. Returns false, with errno set, if the
+// file cannot be written.
 bool write_results(const std::string& path, const std::string& heading,
                    const std::vector<row_result>& results);
 

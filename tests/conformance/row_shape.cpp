@@ -39,8 +39,8 @@ struct operand_kind {
   bool floating;
 };
 
-// A conversion has the tag of its result; its operand is the letter of a format, or S or U and a
-// number of bytes, before VM.
+// A conversion has the tag of its result. Its operand comes before VM: the letter of a format, or S
+// or U and a number of bytes.
 operand_kind operands_of(const std::string& name) {
   static const std::regex conversion{"Vec.*(?:From|Extnd|Trunc)(?:([HFD])|[SU]([248]))VM"};
   std::smatch match;

@@ -1,8 +1,8 @@
-// What a row's pattern and name tell about its words: operand fields, element size, memory access.
+// What a row's pattern and name say about its words: operand fields, element size, memory access.
 //
-// The naming grammar: Vec, element tag, operation stem, shape letters. A memory form reads
-// VecS64Load2SVZ: containers of 64 bits, sign-extended, 2 bytes in memory, scalar base plus scaled
-// vector offsets, zeroing.
+// A name consists of Vec, an element tag, an operation stem and shape letters. For example, the
+// memory form VecS64Load2SVZ has containers of 64 bits, sign-extends 2 bytes of memory, takes a
+// scalar base plus scaled vector offsets, and zeroes inactive elements.
 #pragma once
 
 #include <cstdint>
@@ -20,9 +20,9 @@ struct operand_field {
   unsigned width;
 };
 
-// Where the accesses of a memory form lie.
+// Which memory a form accesses, beginning at its address.
 enum class access_shape {
-  contiguous,    // a run of elements, of all registers of a list in turn
+  contiguous,    // a run of elements that takes the registers of a list in turn
   replicated,    // one element
   quadword,      // the first 16 bytes' worth of elements
   whole_vector,  // LDR and STR
@@ -44,25 +44,25 @@ struct memory_form {
   unsigned container;  // bytes of a register element
   unsigned memory;     // bytes of a memory element
   unsigned registers = 1;
-  unsigned immediate_unit;     // bytes that one unit of a scalar_immediate form stands for
-  unsigned offset_scale = 1;   // of a vector offset
+  unsigned immediate_unit;     // bytes for one unit of the immediate in a scalar_immediate form
+  unsigned offset_scale = 1;   // the factor of a vector offset
   bool signed_offset = false;  // X: the offset is the sign-extended low word of an element
   bool word_offset = false;    // X, Y and 32-bit containers
-  bool speculative = false;    // first-fault and non-fault: all of the run has to be mapped
+  bool speculative = false;    // first-fault and non-fault: the whole run must be mapped
 };
 
 struct row_shape {
   const sve::instruction_row* row;
   std::vector<operand_field> fields;
-  unsigned element_bytes;  // of the element tag; 1 where it has none
-  unsigned operand_bytes;  // of what an element holds: less than the element in some conversions
+  unsigned element_bytes;  // of the element tag; 1 if the name has none
+  unsigned operand_bytes;  // of the operand; fewer than the element has in some conversions
   bool floating;           // the operands are floating-point numbers
   std::optional<memory_form> memory;
 
   bool has(char letter) const { return find(letter) != nullptr; }
   const operand_field* find(char letter) const;
 
-  // The field's value, 0 if the row has no such field.
+  // The value of the field; 0 if the row has no such field.
   unsigned value(char letter, std::uint32_t word) const;
   int signed_value(char letter, std::uint32_t word) const;
 };

@@ -33,7 +33,7 @@ unsigned char& any_predicate_byte(R random) {
   return emulated.p[random.below(16)][random.below(sve::vector_bytes)];
 }
 
-// One thing to change, and how the difference that tells of it begins.
+// One thing to change, and the beginning of the difference that must report it.
 struct corruption {
   const char* name;
   const char* place;
@@ -71,7 +71,7 @@ bool applies(const corruption& change) {
   return tested.shape->memory || std::string_view{change.name} != "memory byte";
 }
 
-// The processor's outcome as the emulation would leave it.
+// Copies the processor's outcome into the emulation's form.
 emulated_outcome take_over_native() {
   unpack(native, emulated);
   arena() = native_memory;

@@ -1,4 +1,4 @@
-// The test of the test: a comparison that notices nothing would pass every row.
+// Tests the test: a comparison that notices no difference would pass every row.
 #pragma once
 
 #include <cstdint>
@@ -8,9 +8,9 @@
 
 namespace conformance {
 
-// For a case of each row: the processor's own outcome, in the emulation's form, must compare equal,
-// and must not with any one thing in it changed, whatever kind of state that is. Prints what was
-// changed how often; false if a change went unnoticed.
+// Takes the processor's own outcome for a case of each row, in the emulation's form. It must
+// compare equal. It must not compare equal after one change to any kind of state. Prints what was
+// changed and how often. Returns false if a change went unnoticed.
 bool self_check(const std::vector<row_shape>& shapes, std::uint64_t seed);
 
 }  // namespace conformance

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::array<unsigned, 4> element_sizes{1, 2, 4, 8};
 
-// Mostly the row's own element size: it is what the values are to be limits of.
+// Mostly the row's own element size, so that the values are at the limits of that size.
 unsigned some_element_bytes(unsigned own_bytes, random_source& random) {
   const bool own = own_bytes <= 8 && random.chance(70);
   return own ? own_bytes : random.pick(element_sizes);
@@ -38,8 +38,8 @@ constexpr std::array<std::uint64_t, 7> type_limits{0,
                                                    0x8000000000000000,
                                                    ~std::uint64_t{0}};
 
-// Scalars of one instruction are often close to one another, as those of a loop are, and to where a
-// loop would wrap.
+// The scalars of an instruction are often close to one another, like those of a loop, and close to
+// the point where a loop would wrap.
 void make_general_registers(const row_shape& shape, std::uint32_t word, machine_image& image,
                             random_source& random) {
   for (std::uint64_t& x : image.x) x = draw_scalar(random);

@@ -24,12 +24,12 @@ std::uint64_t limit(unsigned width, random_source& random) {
                                          ones(width / 2), ~ones(width / 2) & ones(width)});
 }
 
-// As far from a limit as the largest count times the largest multiplier reaches.
+// At most as far from a limit as the largest count times the largest multiplier.
 std::uint64_t near_limit(unsigned width, random_source& random) {
   return limit(width, random) + static_cast<std::uint64_t>(random.between(-4200, 4200));
 }
 
-// Shift counts to beyond the element, indices to beyond the vector.
+// Shift counts up to some beyond the element, or indices up to some beyond the vector.
 std::uint64_t small(unsigned width, random_source& random) {
   return random.below(random.chance(50) ? 2 * width + 4 : sve::vector_bits / width + 8);
 }
@@ -55,7 +55,7 @@ std::uint64_t float_special(const float_format& format, random_source& random) {
   switch (random.below(10)) {
     case 0: return 0;
     case 1: return format.make(0, random.chance(50) ? 1 : any);                // denormal
-    case 2: return format.make(random.chance(50) ? 1 : 0, ~std::uint64_t{0});  // round the least
+    case 2: return format.make(random.chance(50) ? 1 : 0, ~std::uint64_t{0});  // near least normal
     case 3:
       return format.make(format.exponent_ones() - 1, random.chance(50) ? ~std::uint64_t{0} : any);
     case 4: return format.make(format.exponent_ones(), 0);  // infinity
@@ -67,7 +67,7 @@ std::uint64_t float_special(const float_format& format, random_source& random) {
   }
 }
 
-// Numbers whose exponents lie close enough together that sums, products and roundings matter.
+// Numbers with exponents so close together that sums, products and roundings matter.
 std::uint64_t float_moderate(const float_format& format, random_source& random) {
   const std::uint64_t fraction = random.chance(50) ? random() : random() << (format.fraction - 4);
   return format.make(format.bias() + static_cast<std::uint64_t>(random.between(-6, 12)), fraction);
@@ -95,7 +95,7 @@ constexpr std::array<element_source, 7> vector_kinds{any_value, floating, limit,
 constexpr std::size_t any_value_kind = 0;
 constexpr std::size_t floating_kind = 1;
 
-// Elements of one size and kind; a vector is taken from any element on.
+// A stock of elements of one size and kind. A vector is a copy that starts at any element.
 class element_stock {
  public:
   element_stock(unsigned element_bytes, element_source source) : element_bytes_(element_bytes) {
@@ -126,7 +126,7 @@ const element_stock& stock(unsigned element_bytes, std::size_t kind) {
   return stocks[size_index(element_bytes) * vector_kinds.size() + kind];
 }
 
-// A predicate as a rule on elements: which of `count` elements are true.
+// Makes a predicate in which exactly the elements for which `is_true` holds are true.
 void set_elements(unsigned element_bytes, packed_predicate& predicate, auto&& is_true) {
   std::ranges::fill(predicate, static_cast<unsigned char>(0));
   const unsigned count = sve::vector_bytes / element_bytes;
@@ -152,7 +152,7 @@ void make_random(unsigned element_bytes, unsigned percent, random_source& random
   set_elements(element_bytes, predicate, [&](unsigned) { return random.chance(percent); });
 }
 
-// Bits in the other bytes of elements mean nothing at this size, and have to be ignored.
+// Sets bits for the other bytes of elements. They mean nothing at this size and must be ignored.
 void add_stale_bits(unsigned element_bytes, random_source& random, packed_predicate& predicate) {
   for (unsigned lane = 0; lane < sve::vector_bytes; ++lane)
     if (lane % element_bytes != 0 && random.chance(50)) set_predicate_bit(predicate, lane, true);

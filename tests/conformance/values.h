@@ -1,8 +1,8 @@
-// Stocks of operand values in which faults hide: limits of the element types, values near them,
-// shift counts and table indices, special floating-point numbers, predicate shapes.
+// Stocks of operand values that are likely to reveal faults: limits of the element types, values
+// near them, shift counts and table indices, special floating-point numbers, predicate shapes.
 //
-// A case draws from stocks made once, because a machine state has over 7,000 vector bytes. They are
-// made from constant seeds, so that a case follows from its own seed alone.
+// A machine state has over 7,000 vector bytes, so a case draws from stocks that are made once. They
+// are made from constant seeds, so that a case depends only on its own seed.
 #pragma once
 
 #include <cstdint>
@@ -12,16 +12,16 @@
 
 namespace conformance {
 
-// A vector of elements of 1, 2, 4 or 8 bytes, mostly floating-point numbers if that is what the
-// instruction works on.
+// A vector of elements of 1, 2, 4 or 8 bytes. They are mostly floating-point numbers if the
+// instruction works on those.
 void draw_vector(unsigned element_bytes, bool floating, random_source& random,
                  vector_register& vector);
 
 // A vector of random bytes.
 void draw_filler(random_source& random, vector_register& vector);
 
-// A general register's value: limits of the integer types and their neighbourhood, also with
-// garbage above a narrower value.
+// A value for a general register: at or near a limit of the integer types, sometimes with garbage
+// above a narrower value.
 std::uint64_t draw_scalar(random_source& random);
 
 // A predicate shaped for elements of 1, 2, 4 or 8 bytes, or random bits at any lane.

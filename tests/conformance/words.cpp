@@ -17,8 +17,8 @@ std::uint32_t with_field(std::uint32_t word, const operand_field& field, std::ui
   return (word & ~field.mask) | spread_bits(value, field.mask);
 }
 
-// Both ends, both sides of the sign bit's turn, and the registers with a part of their own: X26 to
-// X28, and 30, 31 and 29, from which lists of registers wrap round to 0.
+// Both ends, both sides of the change of the sign bit, and the registers with a special role: X26
+// to X28, and 29, 30 and 31, from which lists of registers wrap round to 0.
 std::uint32_t edge_value(unsigned width, random_source& random) {
   const std::uint32_t last = (1U << width) - 1;
   if (width == 5 && random.chance(50))

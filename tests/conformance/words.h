@@ -1,5 +1,5 @@
-// Chooses instruction words of a row: the fixed bits of its pattern and operand fields in which
-// faults hide.
+// Chooses instruction words of a row: the fixed bits of its pattern, with values for the operand
+// fields that are likely to reveal faults.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Runs code under the FPCR and FPSR of a state, as code of an application does: fast paths of
-// floating point take the controls from the processor's registers and leave their flags there.
+// Runs code under the FPCR and FPSR of a state, as an application's code runs. Floating-point fast
+// paths take the controls from the processor's registers and leave their flags there.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Here the fast paths of floating point take controls and flags from the state alone.
+// On x86-64, floating-point fast paths take the controls and flags only from the state.
 #pragma once
 
 #include "sve/state/cpu_state.h"
