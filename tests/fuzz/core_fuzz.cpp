@@ -1,8 +1,9 @@
-// Any instruction word from any machine state: is_sve and execute_sve_instruction must report what
-// the table says of the word and stay within the state, whatever bytes are in it. Memory operands
-// are moved into an arena between unreadable pages; where nothing is active they stay wild.
+// Any instruction word from any machine state. is_sve and execute_sve_instruction must report what
+// the table says about the word, and must not access anything outside of the state, no matter which
+// bytes are in it. Memory operands are moved into an arena between unreadable pages; if no element
+// is active, they stay wild.
 //
-// An input is the seed of the word, mostly one of a row, and of the state.
+// An input is the seed of the word and of the state. The word is usually one of a row.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -40,7 +41,7 @@ void fill(void* bytes, std::size_t size, random_source& random) {
   }
 }
 
-// Only bit 0 of a predicate byte has been placed; the others may be anything.
+// Only bit 0 of a predicate byte has been set on purpose; the other bits may be anything.
 void add_noise_to_predicates(cpu_state& state, random_source& random) {
   for (auto& predicate : state.p) {
     for (unsigned char& byte : predicate) byte |= static_cast<unsigned char>(random()) & 0xfe;

@@ -1,7 +1,7 @@
-// Feeds a fuzz target with random inputs. The targets have libFuzzer's entry, so that they can be
-// linked with -fsanitize=fuzzer instead where clang is at hand; GCC brings the sanitizers alone,
-// and this driver makes up for the rest: input number i follows from the seed and i. A child
-// process runs them, so that whatever ends it, the command that runs this input alone is printed.
+// Runs a fuzz target with random inputs. The targets have libFuzzer's entry, so that clang can link
+// them with -fsanitize=fuzzer instead. GCC has only the sanitizers, and this driver does the rest.
+// Input number i depends only on the seed and on i. A child process runs the inputs. No matter what
+// ends it, the driver prints the command that runs the failing input alone.
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -55,7 +55,7 @@ void run_inputs(std::atomic<std::uint64_t>& current) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  test_options::parse(argc, argv, described, apply, "Feeds a fuzz target with random inputs.",
+  test_options::parse(argc, argv, described, apply, "Runs a fuzz target with random inputs.",
                       nullptr);
   std::printf("seed %lu\n", chosen.seed);
   std::fflush(stdout);
@@ -70,9 +70,9 @@ int main(int argc, char* argv[]) {
   int status = 0;
   waitpid(child, &status, 0);
   if (status != 0) {
-    std::fprintf(stderr, "again with: %s --seed %lu --first %lu --count 1\n", argv[0], chosen.seed,
+    std::fprintf(stderr, "repeat with: %s --seed %lu --first %lu --count 1\n", argv[0], chosen.seed,
                  current.load());
     return 1;
   }
-  std::printf("%lu inputs without a finding\n", chosen.count);
+  std::printf("%lu inputs, no failures\n", chosen.count);
 }

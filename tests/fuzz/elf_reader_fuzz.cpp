@@ -1,6 +1,6 @@
-// Any file: the reader of program files must keep the promises that it makes on an image, or refuse
-// the file with one line. A well-formed program is damaged in a few places and read from a heap
-// block of its exact size, where the sanitizers see each byte that is read beyond the end.
+// Any file. The reader of program files must either return an image that keeps its promises or
+// refuse the file with one line. A well-formed program is damaged in a few places and read from a
+// heap block of its exact size, so that the sanitizers notice every byte read beyond the end.
 //
 // An input is the seed of the damage.
 #include <algorithm>
@@ -30,7 +30,7 @@ void demand(bool holds, const char* what) {
   std::abort();
 }
 
-// A number where bounds may be wrong: next to a power of two, or to a number that stood there.
+// A number at which a bound may be wrong: near a power of two or near the old number.
 std::uint64_t near_a_bound(std::uint64_t old, random_source& random) {
   const std::uint64_t base = random.chance(50) ? old : std::uint64_t{1} << random.below(64);
   switch (random.below(5)) {
@@ -100,19 +100,19 @@ attempt read(std::span<const std::byte> bytes, std::uint64_t page_size) {
   try {
     return {read_elf("program", bytes, page_size), ""};
   } catch (const launch_error& error) {
-    demand(error.status() == exit_status::cannot_run, "another status");
+    demand(error.status() == exit_status::cannot_run, "wrong exit status");
     return {std::nullopt, error.what()};
   }
 }
 
 void check_refusal(const std::string& text) {
-  demand(text.starts_with("program: ") && text.size() < 200, "no line with the file's name");
+  demand(text.starts_with("program: ") && text.size() < 200, "not one line with the file's name");
   demand(std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; }),
          "the line has characters that cannot be printed");
 }
 
 void check_segment(const elf_segment& segment, std::size_t size, std::uint64_t page_size) {
-  demand(segment.memory_size != 0 && segment.file_size <= segment.memory_size, "sizes");
+  demand(segment.memory_size != 0 && segment.file_size <= segment.memory_size, "wrong sizes");
   demand(segment.file_offset <= size && segment.file_size <= size - segment.file_offset,
          "a segment is not in the file");
   demand(
@@ -120,7 +120,7 @@ void check_segment(const elf_segment& segment, std::size_t size, std::uint64_t p
       "a segment is above the limit");
   demand(segment.file_size == 0 || (segment.address - segment.file_offset) % page_size == 0,
          "a segment cannot be mapped");
-  demand((segment.protection & ~(PROT_READ | PROT_WRITE | PROT_EXEC)) == 0, "protection");
+  demand((segment.protection & ~(PROT_READ | PROT_WRITE | PROT_EXEC)) == 0, "wrong protection");
 }
 
 bool holds_code_at(const elf_segment& segment, std::uint64_t address) {
@@ -128,14 +128,15 @@ bool holds_code_at(const elf_segment& segment, std::uint64_t address) {
          address - segment.address < segment.file_size;
 }
 
-// The bytes at an address of the image come from this place of the file.
+// Whether the bytes at an address of the image come from this place of the file.
 bool maps(const elf_segment& segment, std::uint64_t address, std::uint64_t file_offset) {
   return address >= segment.address && address - segment.address < segment.file_size &&
          address - segment.address + segment.file_offset == file_offset;
 }
 
 void check_range(const elf_image& image, std::uint64_t page_size) {
-  demand(image.low % page_size == 0 && image.high % page_size == 0, "the range is not of pages");
+  demand(image.low % page_size == 0 && image.high % page_size == 0,
+         "the range does not consist of whole pages");
   demand(image.low < image.high && image.high <= address_limit, "the range is above the limit");
   demand(image.position_independent || image.low != 0, "page zero is taken");
   std::uint64_t end = image.low;
@@ -154,20 +155,21 @@ void check_image(const elf_image& image, std::span<const std::byte> bytes,
   check_range(image, page_size);
   demand(std::has_single_bit(image.alignment) && image.alignment >= page_size &&
              image.alignment <= address_limit,
-         "alignment");
-  demand(image.entry % 4 == 0, "the entry point is no instruction's address");
+         "wrong alignment");
+  demand(image.entry % 4 == 0, "the entry point is not aligned");
   demand(std::ranges::any_of(image.segments,
                              [&](const auto& s) { return holds_code_at(s, image.entry); }),
          "the entry point is not in code");
   Elf64_Ehdr header;
   std::memcpy(&header, bytes.data(), sizeof header);
-  demand(image.program_header_count == header.e_phnum, "the number of program headers");
+  demand(image.program_header_count == header.e_phnum, "wrong number of program headers");
   const std::uint64_t table = image.program_headers_address;
   demand(table == 0 ||
              std::ranges::any_of(image.segments,
                                  [&](const auto& s) { return maps(s, table, header.e_phoff); }),
-         "the program headers are elsewhere");
-  demand(image.interpreter.find('\0') == std::string::npos, "the interpreter's path has no end");
+         "wrong address of program headers");
+  demand(image.interpreter.find('\0') == std::string::npos,
+         "the interpreter's path has a zero byte");
 }
 
 }  // namespace

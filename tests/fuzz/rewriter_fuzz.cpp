@@ -1,16 +1,16 @@
-// Any instruction words at any address: what the translator makes of them must do to the
-// application what the words themselves do. Both are carried out on a machine of values without
-// meaning. An instruction that computes is a function of its word and of the registers that it
-// reads, and of SP, which no word changes here; its result is a hash of these; inserted
-// instructions, constants and moves are carried out as what they are. At the end, the same
-// instructions must have met the same values in the same order, and registers and the place to go
-// on must be equal. Wherever an instruction may fault, each of the application's registers must be
-// where the block's map says: in its place or in its home.
+// Any instruction words at any address. Their translation must do to the application what the words
+// themselves do. The test carries out both on an abstract machine, whose values have no meaning. An
+// instruction that computes is a function of its word, of the registers that it reads, and of SP,
+// which no word changes here. Its result is a hash of these. The machine carries out inserted
+// instructions, constants and moves as they are. At the end, the same instructions must have met
+// the same values in the same order, and the registers and the next address must be equal. Wherever
+// an instruction may fault, each of the application's registers must be where the block's map says:
+// in its place or in its home.
 //
-// Which registers an instruction reads and writes is taken from the translator's own table, which
-// the disassembler checks elsewhere (tests/host/translation/register_fields.py).
+// The translator's own table says which registers an instruction reads and writes. Another test
+// checks that table with a disassembler (tests/host/translation/register_fields.py).
 //
-// An input is the seed of the words, of the address, and of the way that a condition takes.
+// An input is the seed of the words, of the address, and of whether a conditional branch is taken.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -41,10 +41,10 @@ enum class way : std::uint8_t { on, trap, exit, lookup };
 
 struct machine {
   registers x{};
-  std::vector<std::uint64_t> met{};  // what instructions without meaning to this machine were given
+  std::vector<std::uint64_t> met{};  // the values that abstract instructions were given
   way left = way::on;
   exit_record exit{};
-  std::uint64_t target = 0;  // of an indirect branch
+  std::uint64_t target = 0;  // the target of an indirect branch
 
   void write(unsigned reg, std::uint64_t value) {
     if (reg != zero_register) x[reg] = value;
@@ -63,7 +63,7 @@ bool is_register(role kind) { return kind != role::none && kind != role::ambiguo
 
 unsigned width_of(role kind) { return kind == role::octet ? 8 : kind == role::pair ? 2 : 1; }
 
-// The word with all general registers taken out: what it does, whatever it does it to.
+// The word without its general registers: what it does, no matter to which registers.
 std::uint32_t operation_of(std::uint32_t word, const register_roles& roles) {
   for (unsigned i = 0; i < roles.size(); i++) {
     if (is_register(roles[i])) word = replace_field(word, field_positions[i], 0);
@@ -71,7 +71,7 @@ std::uint32_t operation_of(std::uint32_t word, const register_roles& roles) {
   return word;
 }
 
-// A pair that begins at an odd number, or eight registers that run past X30, are no instruction.
+// A pair that begins at an odd number is not an instruction, nor are eight registers past X30.
 bool is_undefined(std::uint32_t word, const register_roles& roles) {
   for (unsigned i = 0; i < roles.size(); i++) {
     const unsigned reg = field_at(word, field_positions[i]);
@@ -103,8 +103,8 @@ void meet(std::uint32_t word, machine& on) {
   }
 }
 
-// What is inserted of constants, moves and masks is carried out, and so it is in the application's
-// own code.
+// The machine carries out the constants, moves and masks that the translator inserts. It does the
+// same with those in the application's own code.
 bool carry_out_move(std::uint32_t word, machine& on) {
   const unsigned d = field(word, 4, 0);
   const unsigned shift = 16 * field(word, 22, 21);
@@ -134,7 +134,7 @@ std::uint64_t literal_address(std::uint32_t word, std::uint64_t pc) {
   return pc + static_cast<std::uint64_t>(signed_field(word, 23, 5) * 4);
 }
 
-// The loads of a literal beside those from [X0] that read the same.
+// Each load of a literal, and the load from [X0] that reads the same.
 constexpr struct {
   std::uint32_t literal;
   std::uint32_t based;
@@ -148,7 +148,7 @@ constexpr struct {
     {0x9c000000, 0x3dc00000},  // LDR Qt
 };
 
-// Carries out the load from X0, which is given back unless it is the target.
+// Carries out the load from X0 in its place, and then restores X0 unless it is the target.
 void run_literal_load(std::uint32_t word, std::uint64_t pc, machine& on) {
   const auto* const load = std::ranges::find(literal_loads, word & 0xff000000,
                                              [](const auto& line) { return line.literal; });
@@ -196,7 +196,7 @@ void meet_condition(std::uint32_t word, machine& on) {
   on.met.push_back(mix(condition_of(word), tests_register(word) ? on.x[field(word, 4, 0)] : 0));
 }
 
-// The AUT instruction on X0 that an authenticated branch begins with, and its modifier, if any.
+// Carries out the authentication of a branch: an AUT instruction on X0, with its modifier, if any.
 void authenticate(std::uint32_t word, machine& on) {
   if (field(word, 11, 11) == 0) return;
   const bool is_return = field(word, 22, 21) == 2;
@@ -243,7 +243,7 @@ void run_branch(std::uint32_t word, std::uint64_t pc, bool taken, machine& on) {
   }
 }
 
-// Straight-line words and perhaps one that ends the block.
+// Straight-line words, perhaps followed by one that ends the block.
 struct block {
   std::uint64_t pc = 0;
   words code{};
@@ -251,7 +251,7 @@ struct block {
   bool taken = false;
 };
 
-// The machine before each of the block's instructions, and after the last.
+// The states of the machine before each of the block's instructions and after the last.
 std::vector<machine> run_application(const block& from, const registers& start) {
   std::vector<machine> states{{.x = start}};
   std::uint64_t pc = from.pc;
@@ -305,16 +305,18 @@ void check_form(const block_code& translated, std::size_t instructions) {
     open.push_back(exit.index);
     const control_flow branch = decode_control_flow(translated.code[exit.index], 0);
     demand((branch.kind == flow::direct || branch.kind == flow::conditional) && branch.target == 0,
-           "an exit is no open branch");
+           "an exit is not an open branch");
   }
   std::ranges::sort(open);
   demand(std::ranges::adjacent_find(open) == open.end(), "a word has two exits");
-  demand(!open.empty() && open.back() + 1 == translated.code.size(), "the last word is no exit");
+  demand(!open.empty() && open.back() + 1 == translated.code.size(),
+         "the last word is not an exit");
   demand(translated.code.size() <= 10 * instructions + 1, "too many words");
-  demand(translated.map.size() == instructions, "the map has another number of instructions");
+  demand(translated.map.size() == instructions, "the map has a wrong number of instructions");
 }
 
-// Literals in the page of the instruction itself, which can be read where the instruction can.
+// Whether the word loads a literal from the page of the instruction itself. That page can be read,
+// because the instruction can.
 bool cannot_fault(std::uint32_t word, std::uint64_t pc) {
   const std::uint64_t address = literal_address(word, pc);
   return (word & 0x3b000000) == 0x18000000 && address >> 12 == pc >> 12 &&
@@ -329,7 +331,7 @@ class translation {
     on_.x[x28] = context;
   }
 
-  // Carries out the block, and then gives the application what waits at home.
+  // Carries out the block, and then gives the application the register values in their homes.
   machine run() {
     std::size_t index = 0;
     while (on_.left == way::on) index = step(index);
@@ -346,7 +348,7 @@ class translation {
  private:
   static constexpr std::uint64_t context = 0xc0de;
 
-  // X28 may hold the application's value, or an address, between a load and the next.
+  // Between two loads of the context, X28 may hold the application's value or an address.
   [[nodiscard]] bool has_context() const { return on_.x[x28] == context; }
 
   std::size_t step(std::size_t index);
@@ -378,7 +380,7 @@ std::size_t translation::step(std::size_t index) {
     demand(branch.target > 4 * index, "a branch goes back");
     return branch.target / 4;
   }
-  demand(branch.kind == flow::none || branch.kind == flow::synchronize, "a branch that is no exit");
+  demand(branch.kind == flow::none || branch.kind == flow::synchronize, "a branch is not an exit");
   run_one(index);
   return index + 1;
 }
@@ -389,14 +391,14 @@ bool translation::leave_at(std::size_t index) {
   return exit != made_.exits.end();
 }
 
-// By a table, from its first word on, or by the shared lookup.
+// Recognises a jump by a table at its first word, or a jump by the shared lookup.
 bool translation::jump_at(std::size_t index) {
   if (!made_.jump) return false;
   const unsigned reg = made_.jump->reg;
   const words sequence = reg == no_table ? words{a64::b(0)} : jump_by_table(reg);
   if (index + sequence.size() != made_.jump->index + 1) return false;
   demand(std::ranges::equal(sequence, std::span(made_.code).subspan(index, sequence.size())),
-         "no jump by a table");
+         "a wrong jump by a table");
   on_.left = way::lookup;
   on_.target = on_.x[reg];
   return true;
@@ -406,12 +408,12 @@ bool translation::load_open_word(std::size_t index) {
   const std::uint32_t word = made_.code[index];
   const auto literal = std::ranges::find(made_.literals, index, &open_literal::index);
   if (literal != made_.literals.end()) {
-    demand(is_load_literal(word), "a literal is loaded by another word");
+    demand(is_load_literal(word), "a wrong word loads a literal");
     return on_.write(field(word, 4, 0), literal->value), true;
   }
   const bool reloads = std::ranges::count(made_.reloads, index) != 0;
   if (reloads) {
-    demand(word == reload_context, "the context is loaded by another word");
+    demand(word == reload_context, "a wrong word loads the context");
     on_.x[x28] = context;
   }
   return reloads;
@@ -451,21 +453,22 @@ void translation::run_one(std::size_t index) {
   const std::uint32_t word = made_.code[index];
   const bool is_literal = (word & 0x3b000000) == 0x18000000;
   const bool traps = (field(word, 28, 25) == 2 && !from_.has_sve) || is_literal;
-  demand((word & 0x1f000000) != 0x10000000, "an address is computed from the translation's own");
+  demand((word & 0x1f000000) != 0x10000000,
+         "an address is computed from the translation's own address");
   if (!traps && carry_out_move(word, on_)) return;
   demand(traps || !has_context() || !names_context(word) || is_undefined(word, roles_of(word)),
-         "an instruction of the application's names the context register");
+         "an instruction of the application names the context register");
   check_recoverable(index);
   traps ? trap(word, on_) : meet(word, on_);
 }
 
-// An instruction that may fault is about to run: the map tells all of its registers.
+// An instruction that may fault is about to run: the map must say where each register is.
 void translation::check_recoverable(std::size_t index) const {
   const auto next = std::ranges::upper_bound(made_.map, index, {}, &translated_pc::index);
   demand(next != made_.map.begin(), "the map does not begin with the block");
   const translated_pc& here = *std::prev(next);
   const std::uint64_t number = (here.pc - from_.pc) / 4;
-  demand(number < from_.code.size(), "the map names another instruction");
+  demand(number < from_.code.size(), "the map names no instruction of the block");
   if (cannot_fault(from_.code[number], here.pc)) return;
   const registers& before = application_[number].x;
   for (unsigned reg = 0; reg < 31; reg++) {
@@ -482,29 +485,29 @@ bool may_name_x28(std::uint32_t word) {
          std::ranges::any_of(field_positions, [=](unsigned p) { return field_at(word, p) == x28; });
 }
 
-// What the application has done when a block ends at an instruction that is refused.
+// The state of the application when a block ends at an instruction that is refused.
 machine until_refused(const block& from, const std::vector<machine>& application,
                       const exit_record& exit) {
   const std::uint64_t number = (exit.target - from.pc) / 4;
-  demand(number < from.code.size() && exit.word == from.code[number], "refuses another word");
+  demand(number < from.code.size() && exit.word == from.code[number], "the wrong word is refused");
   demand(may_name_x28(exit.word) || decode_control_flow(exit.word, 0).kind == flow::unknown,
-         "refuses a word that cannot name X28");
+         "a word that cannot name X28 is refused");
   machine before = application[number];
   leave(before, exit);
   return before;
 }
 
 void compare(const machine& expected, const machine& got) {
-  demand(got.met == expected.met, "another instruction, or other operands");
-  demand(got.left == expected.left, "another way out");
-  if (got.left == way::trap) return;  // where the registers are then has been checked
+  demand(got.met == expected.met, "wrong instructions or wrong operands");
+  demand(got.left == expected.left, "a wrong way out");
+  if (got.left == way::trap) return;  // the registers have been checked already
   for (unsigned reg = 0; reg < 31; reg++) {
-    demand(got.x[reg] == expected.x[reg], "another value in a register");
+    demand(got.x[reg] == expected.x[reg], "a wrong value in a register");
   }
-  demand(got.target == expected.target, "another target");
+  demand(got.target == expected.target, "a wrong target");
   demand(got.exit.kind == expected.exit.kind && got.exit.target == expected.exit.target &&
              got.exit.reg == expected.exit.reg && got.exit.word == expected.exit.word,
-         "another exit");
+         "a wrong exit");
 }
 
 void check(const block& from, const registers& start) {
@@ -518,7 +521,7 @@ void check(const block& from, const registers& start) {
 
 // --- The input -----------------------------------------------------------------------------------
 
-// Groups that the rewriter treats apart: bits that are fixed, and their values.
+// Groups that the rewriter treats specially: their fixed bits, and the values of these.
 constexpr struct {
   std::uint32_t mask;
   std::uint32_t value;
@@ -538,7 +541,7 @@ constexpr struct {
     {0xff000000, 0x54000000},  // B.cond
     {0x7c000000, 0x34000000},  // CBZ, CBNZ, TBZ, TBNZ
     {0xfe9ffc1f, 0xd61f0000},  // BR, BLR, RET
-    {0xfe9ff000, 0xd61f0000},  //   and what stands beside them
+    {0xfe9ff000, 0xd61f0000},  //   and the encodings next to them
     {0xfedff800, 0xd61f0800},  // BRAA, BLRAA...
     {0xffe0001f, 0xd4000001},  // SVC
     {0xffffffe0, 0xd50b7520},  // IC IVAU
@@ -555,7 +558,7 @@ std::uint32_t make_word(random_source& random) {
   return (word & ~group.mask) | group.value;
 }
 
-// Literals and targets may lie across the ends of the address space.
+// Addresses near the ends of the address space are included, so literals and targets may wrap.
 std::uint64_t make_address(random_source& random) {
   return random() >> random.below(64) << random.below(2) * 32 & ~3ull;
 }
