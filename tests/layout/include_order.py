@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the order of the floors: a file includes files of its own floor and of lower ones only, and
-no files include one another in a circle. Names each line that breaks this.
+"""Checks the order of the floors. A file may only include files of its own floor and of lower ones,
+and no files may include one another in a circle. Names each line that breaks these rules.
 
     include_order.py [ROOT]
 """
@@ -11,7 +11,7 @@ import re
 import sys
 
 # The folders of a house, from the lowest floor to the highest. host/include is the interface that
-# the host offers to clients: headers that include nothing of the host.
+# the host offers to clients: its headers include no other file of the host.
 HOUSES = {
     "sve": ["state", "fp", "semantics", "fast", "decode", "client"],
     "host": ["include", "kernel", "loading", "translation", "threads", "memory", "client",
@@ -34,7 +34,7 @@ def floor_of(path):
 
 
 def includes_below(root):
-    """Every line of a house that includes a file of a house: (file, line number, included file)."""
+    """All includes of house files in the houses, as (file, line number, included file)."""
     for house in HOUSES:
         for path in sorted((root / house).glob("*/**/*.*")):
             if path.suffix not in (".h", ".cpp", ".S", ".inc"):
@@ -45,7 +45,7 @@ def includes_below(root):
 
 
 def unit_of(path):
-    """A header and the sources of its name are one unit."""
+    """The unit of a file: a header and the sources with the same name are one unit."""
     return path.rsplit(".", 1)[0]
 
 
@@ -58,7 +58,7 @@ def main(root):
             unused.discard((path, included))
             continue
         if other_house != house or other_floor > floor:
-            faults.append(f"{path}:{number}: includes {included}, which is no lower floor")
+            faults.append(f"{path}:{number}: includes {included}, which is on a higher floor")
         if unit_of(path) != unit_of(included):
             graph.setdefault(unit_of(path), set()).add(unit_of(included))
     faults += [f"{path}: no longer includes {included}; drop the exception"
