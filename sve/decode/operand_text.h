@@ -2,8 +2,8 @@
 // the architecture's encoding pages use (<Zdn>.B).
 //
 // One function for each operand does both: the fields that it is given have either numbers or
-// names. It writes capitals, as those pages do. The disassembly is turned to small letters at the
-// end.
+// names. It writes capitals, as those pages do. The disassembler changes them to small letters at
+// the end.
 #pragma once
 
 #include <cstdint>

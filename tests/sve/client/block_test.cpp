@@ -32,7 +32,7 @@ class application_block {
   application_block(const application_block&) = delete;
   application_block& operator=(const application_block&) = delete;
 
-  // Calls the block event as for a block at `address`, on a thread with a given state.
+  // Calls the block event as if the block were at `address`, on a thread with a given state.
   void rewrite(std::uintptr_t address) {
     scripted_thread thread;
     thread.field = pointer_to(0x0000aaaa'1234'5670);
@@ -197,8 +197,8 @@ TEST_F(BlockTest, RewritesTheMainModuleAndCodeOutsideOfModules) {
       {"last word of the main module", 0x1fffc, true, true},
       {"outside of any module", 0x20000, true, true},
       {"a shared library", 0x70000, true, false},
-      {"a module where the host knows no main module", 0x70000, false, false},
-      {"outside of any module where the host knows no main module", 0x20000, false, true},
+      {"a module when the host has no main module", 0x70000, false, false},
+      {"outside of any module when the host has no main module", 0x20000, false, true},
   };
   for (const place& p : places) {
     SCOPED_TRACE(p.what);

@@ -12,8 +12,8 @@
 
 DR_EXPORT void dr_client_main(client_id_t id, int argc, const char* argv[]);
 
-// The exit status of the scripted dr_abort. It exits because an emulator would add to the messages
-// if a signal ended the process.
+// The exit status of the scripted dr_abort. It does not raise a signal, because an emulator would
+// then add to the messages.
 constexpr int aborted_status = 99;
 
 // A pointer that nobody dereferences.

@@ -34,7 +34,7 @@ void print(std::ostream& out, aarch64_sve_fp_dup_imm imm) {
   print(out, imm.dbl);
 }
 
-// There is one instance for each row. Code outside of it is compiled only once.
+// This is instantiated for each row. Code outside of it is compiled only once.
 template <word_pattern Pattern, class... Operands>
 void print_operands([[maybe_unused]] std::ostream& out, [[maybe_unused]] unsigned word) {
   (print(out, Operands::template take<Pattern>(word)), ...);

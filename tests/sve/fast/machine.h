@@ -54,7 +54,7 @@ class RandomMachine : public testing::Test {
  protected:
   RandomMachine() : seed_(chosen_seed()), random_(seed_) {
     trace_ = std::make_unique<testing::ScopedTrace>(
-        __FILE__, __LINE__, "again with --gtest_random_seed=" + std::to_string(seed_));
+        __FILE__, __LINE__, "repeat with --gtest_random_seed=" + std::to_string(seed_));
     std::printf("seed %u\n", seed_);
   }
 

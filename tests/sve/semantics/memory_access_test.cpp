@@ -1,5 +1,5 @@
-// Guarded reads at the end of mapped memory, and faults outside of guarded reads: a child process
-// must print the message and then die of the signal itself.
+// Guarded reads at the end of mapped memory, and faults outside of guarded reads. After such a
+// fault, a child process must print the message and then die of the signal itself.
 #include "sve/semantics/memory_access.h"
 
 #include <atomic>
