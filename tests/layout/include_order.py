@@ -30,6 +30,8 @@ INCLUDE = re.compile(r'\s*#\s*include "((?:sve|host)/[^"]+)"')
 def floor_of(path):
     """The house of a file and the number of its floor."""
     house, folder = path.split("/")[:2]
+    if folder not in HOUSES[house]:
+        sys.exit(f"{path}: {house}/{folder} has no place in the order of floors; give it one here")
     return house, HOUSES[house].index(folder)
 
 
@@ -58,7 +60,7 @@ def main(root):
             unused.discard((path, included))
             continue
         if other_house != house or other_floor > floor:
-            faults.append(f"{path}:{number}: includes {included}, which is on a higher floor")
+            faults.append(f"{path}:{number}: includes {included}, which is on a higher floor or in another house")
         if unit_of(path) != unit_of(included):
             graph.setdefault(unit_of(path), set()).add(unit_of(included))
     faults += [f"{path}: no longer includes {included}; drop the exception"
