@@ -57,7 +57,7 @@ instr_t* move(int opcode, int to, int from) {
   return instr_create_1dst_1src(nullptr, opcode, reg(to), reg(from));
 }
 
-// The forms as the client uses them stand in the sequence of tests/sve/client/block_test.cpp.
+// tests/sve/client/block_test.cpp has the forms as the client uses them.
 TEST_F(encodes, the_limits_of_every_form) {
   const std::pair<instr_t*, std::uint32_t> forms[] = {
       {add(DR_REG_X1, DR_REG_X2, 4095, 12), 0x917ffc41},  // add  x1, x2, #0xfff, lsl #12

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Runs the launcher as a user does: programs of each kind see the same start as without it, and each
+# Runs the launcher as a user does. Programs of each kind see the same start as without it, and each
 # kind of bad input gets one line and the status that a shell would give.
 #
 # launcher_test.sh DIRECTORY LAUNCHER [EMULATOR...]: DIRECTORY has the programs show_start_KIND.
@@ -36,14 +36,15 @@ expect() {
   [ ! -s out ] || fail "$*: wrote to standard output: $(cat out)"
 }
 
-# damaged TEXT OFFSET BYTES: refuses a program with other BYTES (as printf's %b has them).
+# damaged TEXT OFFSET BYTES: the launcher refuses a program that has BYTES, in the notation of
+# printf's %b, at OFFSET.
 damaged() {
   cp "$programs/show_start_static" damaged_program
   printf '%b' "$3" | dd of=damaged_program bs=1 seek="$2" conv=notrunc status=none
   expect 126 "./damaged_program: $1" ./damaged_program
 }
 
-# script STATUS TEXT LINE: refuses a script that begins with LINE.
+# script STATUS TEXT LINE: the launcher refuses a script that begins with LINE.
 script() {
   printf '%b' "$3" >wrong_script && chmod +x wrong_script
   expect "$1" "$2" ./wrong_script
@@ -113,7 +114,7 @@ expect 126 "./truncated: damaged ELF file" ./truncated
 expect 126 "./header_only: damaged ELF file" ./header_only
 expect 127 "interpreter /no/such/interpreter: no such file" "$programs/show_start_no_interpreter"
 
-# A program whose fixed addresses are those of the launcher, which the emulator puts here.
+# A program whose fixed addresses are taken: the emulator puts the launcher there.
 if [ ${#emulator[@]} -gt 0 ]; then
   expect 126 "it must be at 0x5500000000-.* is not available" "$programs/show_start_collision"
 fi

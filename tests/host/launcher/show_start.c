@@ -28,7 +28,7 @@ static const ElfW(auxv_t) * auxiliary_vector(void) {
   return (const ElfW(auxv_t)*)(end + 1);
 }
 
-// As programs expect that write their own title over them.
+// Programs that write their own title over the strings expect this.
 static int stand_side_by_side(char** strings) {
   for (; strings[0] != NULL && strings[1] != NULL; ++strings) {
     if (strings[1] != strings[0] + strlen(strings[0]) + 1) return 0;
@@ -36,7 +36,7 @@ static int stand_side_by_side(char** strings) {
   return 1;
 }
 
-// Sixteen bytes that are no part of the strings behind them.
+// The sixteen bytes are not zero, and do not overlap the strings behind them.
 static int are_random_bytes(unsigned long address) {
   const unsigned long strings = (unsigned long)first_argument;
   return *(const unsigned long*)pointer(address) != 0 &&

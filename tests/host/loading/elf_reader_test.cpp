@@ -18,7 +18,7 @@ constexpr std::uint64_t page_size = 4096;
 
 elf_image read(const elf_file& file) { return read_elf("program", file.bytes(), page_size); }
 
-// The message with which `bytes` are refused, or "" if they are taken.
+// The message that refuses `bytes`, or "" if they are accepted.
 std::string refusal(std::span<const std::byte> bytes) {
   try {
     read_elf("program", bytes, page_size);
@@ -57,7 +57,7 @@ struct change {
   std::function<void(F)> make;
 };
 
-// What the kernel takes as well.
+// The kernel accepts these, too.
 TEST(elf_reader, takes_unusual_programs) {
   const change changes[] = {
       {"alignment that is no power of two", [](F f) { f.text().p_align = 0x30000; }},
@@ -109,7 +109,7 @@ TEST(elf_reader, reads_optional_parts) {
 }
 
 const change refused[] = {
-    // Files for others.
+    // Files for other systems.
     {"neither an ELF program nor a script", [](F f) { f.header.e_ident[1] = 'e'; }},
     {"built for x86-64", [](F f) { f.header.e_machine = EM_X86_64; }},
     {"built for ELF machine 4711", [](F f) { f.header.e_machine = 4711; }},

@@ -1,5 +1,5 @@
-// What the program is told of itself and of the machine. How the stack holds that is compared with
-// the kernel's way by launcher_test.sh.
+// What the program learns about itself and the machine. launcher_test.sh compares the layout of the
+// stack with the kernel's.
 #include "host/loading/initial_stack.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Maps small programs into the test's own process and looks at what is there then.
+// Maps small programs into the test's own process and checks what is there.
 #include "host/loading/loader.h"
 
 #include <algorithm>
@@ -47,7 +47,7 @@ std::byte* at(std::uintptr_t address) {
   return reinterpret_cast<std::byte*>(address);  // NOLINT(performance-no-int-to-ptr): mapped here
 }
 
-// The permissions that /proc/self/maps tells for an address, such as "r-xp"; "" if nothing is
+// The permissions that /proc/self/maps shows for an address, such as "r-xp"; "" if nothing is
 // there.
 std::string permissions(std::uintptr_t address) {
   std::ifstream maps("/proc/self/maps");
@@ -66,7 +66,7 @@ bool all(std::uintptr_t start, std::uintptr_t end, std::byte value) {
   return std::all_of(at(start), at(end), [value](std::byte byte) { return byte == value; });
 }
 
-// As the kernel has it: the rest of the last file page stays, the pages behind it are zeros.
+// As with the kernel, the rest of the last file page stays, and the pages behind it are zeros.
 TEST_F(loader, leaves_the_end_of_a_page_that_may_not_be_written) {
   file.data().p_flags = PF_R | PF_X;
   file.data().p_filesz = 0x345;

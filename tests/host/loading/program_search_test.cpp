@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 using words = std::vector<std::string>;
 
-constexpr int size_limit = 256;  // of what the kernel reads
+constexpr int size_limit = 256;  // the kernel reads no more of a script's first line
 
 TEST(script_line, follows_the_kernel) {
   const std::string long_path = "/" + std::string(size_limit - 4, 'p');  // fills bytes 2 to 254

@@ -1,4 +1,4 @@
-// What of /proc/self/maps is shown to the application.
+// Which parts of /proc/self/maps the application sees.
 #include "host/memory/application_memory.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What the programs share that make processes.
+// The programs that make processes share this.
 #pragma once
 
 #include <errno.h>
@@ -6,7 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Prints how the child of this number ended.
+// Prints how the child with this number ended.
 static inline void tell_end(const char* what, pid_t child) {
   int status = 0;
   if (waitpid(child, &status, 0) != child) {
@@ -18,7 +18,7 @@ static inline void tell_end(const char* what, pid_t child) {
   }
 }
 
-// Runs the statement in a child, which must not come back from it.
+// Runs the statement in a child. The statement must not return.
 #define IN_CHILD(what, statement)  \
   do {                             \
     const pid_t child = fork();    \

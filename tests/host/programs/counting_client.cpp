@@ -1,5 +1,5 @@
-// A client that changes nothing and checks the order and the place of its events. At the exit it
-// prints how many there were.
+// A client that changes nothing. It checks that its events come in order and on the right thread,
+// and prints what it saw when the program exits.
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -11,7 +11,7 @@ namespace {
 
 std::atomic<int> begun = 0;
 std::atomic<int> ended = 0;
-std::atomic<int> misplaced = 0;  // events on a thread that they are not for, or out of order
+std::atomic<int> misplaced = 0;  // events on the wrong thread or out of order
 std::atomic<long> main_blocks = 0;
 std::atomic<long> library_blocks = 0;
 std::atomic<long> loose_blocks = 0;  // outside of any module
@@ -42,7 +42,7 @@ void count_by_module(void* tag) {
   dr_free_module_data(module);
 }
 
-// Addresses must follow one another, from the tag on.
+// The addresses must follow one another, beginning with the tag.
 bool is_in_order(void* tag, instrlist_t* block) {
   byte* expected = dr_fragment_app_pc(tag);
   for (instr_t* i = instrlist_first_app(block); i != nullptr; i = instr_get_next_app(i)) {

@@ -1,5 +1,4 @@
-// Generates code again and again, many times what any cache holds, and tells whether the process
-// grows meanwhile.
+// Generates far more code than any cache holds, and prints whether the process grows meanwhile.
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>

@@ -9,7 +9,7 @@
 
 typedef int (*function)(void);
 
-// Prints nothing between: the C library would take memory at the break for it.
+// Prints nothing until the end: the C library would allocate memory at the break for it.
 static void move_break(void) {
   char* start = sbrk(0);
   const int grown = sbrk(3 << 20) == start;

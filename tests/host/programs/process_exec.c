@@ -1,5 +1,5 @@
-// execve as the kernel has it. The program executes itself, with a first argument that says what
-// to report; what it reports is what a new program finds.
+// Tests that execve does what the kernel's does. The program executes itself, and the first
+// argument says what the new program reports.
 #define _GNU_SOURCE
 #include <errno.h>
 #include <fcntl.h>
@@ -23,7 +23,7 @@ static char directory[] = "/tmp/process_exec.XXXXXX";
 
 // --- In the new program ------------------------------------------------------------------------
 
-// A path as its last component: the directory has another name in each run.
+// Prints only the last component of a path, because the directory's name differs in each run.
 static void tell_arguments(int argc, char** argv) {
   printf("%d arguments:", argc);
   for (int i = 0; i < argc; i++) {
@@ -33,7 +33,7 @@ static void tell_arguments(int argc, char** argv) {
   puts("");
 }
 
-// The emulator's own variables have come with it.
+// Leaves out the emulator's own variables, which the program passes on.
 static void tell_environment(void) {
   for (char** at = environ; *at != NULL; at++) {
     if (strncmp(*at, "QEMU_", 5) != 0) printf("environment <%s>\n", *at);
@@ -91,7 +91,7 @@ static int report(int argc, char** argv) {
   return 21;
 }
 
-// --- In the old one ----------------------------------------------------------------------------
+// --- In the old program ------------------------------------------------------------------------
 
 static void arguments_and_environment(void) {
   char* some[] = {"another name", "", "two words", "-c", "--", NULL};
@@ -166,7 +166,7 @@ static const char* put(const char* name, const char* content, mode_t mode) {
 
 static void scripts(void) {
   char line[300];
-  char interpreter[64];  // the first line of a script has no place for spaces or for a long path
+  char interpreter[64];  // a script cannot name its interpreter by a long path or one with spaces
   snprintf(interpreter, sizeof interpreter, "%s/interpreter", directory);
   if (symlink(self, interpreter) != 0) perror(interpreter);
   snprintf(line, sizeof line, "#! %s one  argument \nno matter", interpreter);
@@ -185,7 +185,7 @@ static void scripts(void) {
   IN_CHILD("too deep", execl("deep4", "x", NULL));
 }
 
-// What cannot be executed leaves the program running.
+// The program goes on after an execve that fails.
 static void errors(void) {
   static const char* texts[] = {"", "#!\n", "#!/does/not/exist\n", "text\n", "\177ELF"};
   for (int i = 0; i < 5; i++) {
@@ -249,8 +249,8 @@ static void by_descriptor(void) {
   IN_CHILD("fexecve", fexecve(fd, arguments, environ));
 }
 
-// qemu-user has no execveat, so there is nothing to compare with: what must come out is known.
-// Where it is the kernel that refuses, it refuses in its own way.
+// qemu-user has no execveat, so there is nothing to compare with: the table has the results. The
+// launcher leaves some refusals to the kernel, and there qemu-user's answer is ENOSYS instead.
 static int execveat_as_known(void) {
   const int kept = open(self, O_RDONLY);
   const int closed = open(self, O_RDONLY | O_CLOEXEC);
@@ -262,7 +262,7 @@ static int execveat_as_known(void) {
   const struct {
     int fd, flags;
     const char *path, *name;
-    int error;  // 0: it is executed, and finds its name; null: the path
+    int error;  // 0: it is executed, and its name is `name`, or the path if that is null
   } table[] = {
       {at, 0, "link", "/dev/fd/%d/link", 0},
       {at, AT_SYMLINK_NOFOLLOW, "link", "", ELOOP},

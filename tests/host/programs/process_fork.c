@@ -1,5 +1,5 @@
-// fork as the kernel has it: what the child shares, what it has of its own, what it finds of
-// numbers, threads and signals, and how it ends.
+// Tests that fork does what the kernel's does: what the child shares, what it has of its own, which
+// process numbers, threads and signals it finds, and how it ends.
 #define _GNU_SOURCE
 #include <errno.h>
 #include <poll.h>
@@ -78,7 +78,7 @@ static void signals(void) {
 }
 
 static void raw_flags(void) {
-  pid_t* tids = (pid_t*)shared + 16;  // of the child, in the child, and in the parent
+  pid_t* tids = (pid_t*)shared + 16;  // the kernel's for the parent and the child; the child's own
   const long flags = CLONE_CHILD_SETTID | CLONE_CHILD_CLEARTID | CLONE_PARENT_SETTID | SIGCHLD;
   const long child = syscall(SYS_clone, flags, 0, &tids[0], 0, &tids[1]);
   if (child == 0) {
@@ -108,7 +108,8 @@ static void* count(void* argument) {
   return NULL;
 }
 
-// The child of a process with threads in the middle of everything still has a working C library.
+// The process forks while its threads are in the middle of everything. The C library must still
+// work in the child.
 static void* fork_many(void* argument) {
   int failures = 0;
   for (int i = 0; i < 8; i++) {

@@ -1,8 +1,8 @@
-// What the files under /proc/self tell a program of itself. The emulator has another view of them
-// than a kernel, so nothing is compared: the program says what is wrong. Its status is the number
-// of such lines.
+// Checks what the files under /proc/self tell a program about itself. The emulator does not show
+// them as a kernel does, so nothing is compared: the program prints what is wrong. Its status is
+// the number of faults.
 //
-// process_self PATH COMM ARGUMENTS...: PATH is this program's own, COMM the process's name.
+// process_self PATH COMM ARGUMENTS...: PATH is this program's path, COMM the process's name.
 #define _GNU_SOURCE
 #include <errno.h>
 #include <fcntl.h>
@@ -86,7 +86,7 @@ static void command_line(int argc, char** argv, const char* comm) {
     at += strlen(at) + 1;
   }
   expect(at == buffer + size, "cmdline's size");
-  argv[argc - 1][0] = '!';  // as programs do that change their title
+  argv[argc - 1][0] = '!';  // as a program does to change its title
   read_file("/proc/self/cmdline", buffer, sizeof buffer);
   expect(buffer[size - strlen(argv[argc - 1]) - 1] == '!', "a changed cmdline");
   prctl(PR_GET_NAME, name);
@@ -141,7 +141,7 @@ static int has(uintptr_t address, const char* permissions, const char* name) {
   return same;
 }
 
-// By the names of files: the folders that they stand in may have any name.
+// Looks at the file name alone, because the folder may have any name.
 static int is_foreign(const char* path) {
   static const char* const foreign[] = {"tessaly", "counting_client.so", "libstdc++.so",
                                         "libgcc_s.so"};

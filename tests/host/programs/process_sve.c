@@ -1,8 +1,8 @@
-// What a program is told of SVE, in all the places where it may ask.
+// Checks what a program learns about SVE in all the places where it may ask.
 //
-// process_sve LENGTH [again]: LENGTH is that of a vector in bytes, 0 for a processor without SVE.
-// The status is the number of wrong answers. With `again` the program executes itself for a second
-// round.
+// process_sve LENGTH [again]: LENGTH is the length of a vector in bytes, or 0 for a processor
+// without SVE. The status is the number of wrong answers. With `again` the program executes itself
+// for a second round.
 #include <errno.h>
 #include <pthread.h>
 #include <stdio.h>
@@ -20,7 +20,8 @@ static void expect(const char* what, long seen, long wanted) {
   wrong++;
 }
 
-// Whether all processors have the feature. The emulator's own file knows no features.
+// Whether all processors have the feature. The emulator's own file lists no features; the answer
+// is then `otherwise`.
 static int has_feature(int otherwise) {
   char line[1024];
   int lines = 0, found = 0;
@@ -35,7 +36,7 @@ static int has_feature(int otherwise) {
   return lines == 0 ? otherwise : found == lines;
 }
 
-// The kernel carries the instruction out, and shows all processors' features.
+// The kernel emulates the instruction, and shows the features that all processors have.
 static unsigned long identification(void) {
   unsigned long features;
   __asm__("mrs %0, id_aa64pfr0_el1" : "=r"(features));
@@ -52,7 +53,7 @@ static void* get_length(void* length) {
   return NULL;
 }
 
-// A processor with a single length: the length never changes, whatever is asked for.
+// The processor has a single vector length. It never changes, whatever the program asks for.
 static void check_lengths(long length) {
   const struct {
     unsigned long argument;

@@ -1,5 +1,5 @@
-// Threads at the limits of a program's use: thousands in turn, many at once, detached ones, the
-// initial thread gone before the others, and what the kernel does at a thread's end.
+// Threads at the limits of what programs do: thousands in turn, many at once, detached threads, an
+// initial thread that ends before the others, and what the kernel does when a thread ends.
 #define _GNU_SOURCE
 #include <errno.h>
 #include <linux/futex.h>
@@ -19,7 +19,7 @@
 
 enum { at_once = 64 };
 
-static long many = 2000;  // in turn; another number as the argument
+static long many = 2000;  // threads in turn; the argument gives another number
 
 static atomic_int counted;
 static pthread_barrier_t barrier;
@@ -75,7 +75,7 @@ static void detached(void) {
 // --- Raw threads -------------------------------------------------------------------------------
 
 static char stacks[4][65536] __attribute__((aligned(16)));
-static int words[4];  // that the kernel clears
+static int words[4];  // the kernel clears them
 static sem_t ended;
 
 static int raw_thread(void* argument) {
@@ -90,7 +90,7 @@ static void await_cleared(int* word) {
   }
 }
 
-// The address of CLONE_CHILD_CLEARTID counts until the thread gives another.
+// The kernel clears the word of CLONE_CHILD_CLEARTID unless the thread has given another.
 static void raw_threads(void) {
   const int flags = CLONE_VM | CLONE_FS | CLONE_FILES | CLONE_SIGHAND | CLONE_THREAD |
                     CLONE_SYSVSEM | CLONE_CHILD_CLEARTID;
@@ -134,7 +134,7 @@ static void* die_while_another_waits(void* argument) {
   return NULL;
 }
 
-// The emulator has none, and the C library doesn't ask it.
+// The emulator has no robust mutexes, and the C library does not check that.
 static void robust_mutexes(void) {
   void* head;
   size_t size;
@@ -149,7 +149,7 @@ static void robust_mutexes(void) {
   for (int i = 0; i < 100; i++) {
     pthread_create(&thread, NULL, die_with_lock, NULL);
     pthread_join(thread, NULL);
-    tell_owner("thread", pthread_mutex_trylock);  // it has left the mutex before it is joined
+    tell_owner("thread", pthread_mutex_trylock);  // a thread lets go before it can be joined
   }
   pthread_create(&thread, NULL, die_while_another_waits, &waiting);
   pthread_join(thread, NULL);
@@ -177,7 +177,7 @@ static void handle(int signal) {
   counted = -1;
 }
 
-// The process is still there, and its signals go to those that are left.
+// The process lives on without its initial thread, and the other threads take its signals.
 static void* outlive(void* initial) {
   usleep(50000);
   counted = 0;

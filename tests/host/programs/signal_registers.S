@@ -2,9 +2,9 @@
 
   .text
 
-// Fills X2 to X29 with their number plus 100, all registers waiting on the stack meanwhile, runs
-// the given instruction with X0 or X1 as an address that cannot be accessed, and stores what the
-// registers and the flags are then.
+// Saves X19 to X30 on the stack and fills X2 to X29 with their number plus 100. Runs the given
+// instruction with X0 and X1 as addresses that cannot be accessed, and stores the registers and
+// the flags that it leaves.
 .macro faulting name, label, instruction:vararg
   .globl \name
   .globl \label

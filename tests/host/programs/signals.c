@@ -1,4 +1,5 @@
-// The kernel's rules on signals, a line for each: natively and under the launcher all are the same.
+// The kernel's rules on signals, with a line of output for each. The output is the same natively
+// and under the launcher.
 #define _GNU_SOURCE
 #include <errno.h>
 #include <poll.h>
@@ -50,7 +51,7 @@ static int is_pending(int signal) {
   return sigismember(&pending, signal);
 }
 
-// --- What handlers are told and in which order they run ----------------------------------------
+// --- What handlers receive, and in which order they run ----------------------------------------
 
 static volatile int depth, deepest, runs;
 
@@ -188,7 +189,7 @@ static void waiting(void) {
 
 // --- Signals in system calls -------------------------------------------------------------------
 
-// Alarms come again and again: on a busy machine the first may come before the call that it is for.
+// The alarm repeats: on a busy machine the first may come before the call that it should interrupt.
 static void alarm_every(int microseconds) {
   const struct itimerval often = {{.tv_usec = microseconds}, {.tv_usec = microseconds}};
   setitimer(ITIMER_REAL, &often, NULL);
@@ -279,8 +280,8 @@ static void stacks(void) {
 
 // --- Faults ------------------------------------------------------------------------------------
 
-// Each faults at its label, with its own number plus 100 in all registers but SP and the operands,
-// and with the flags of 16 - 17.
+// Each of these faults at its label. X2 to X29 then hold their own number plus 100, and the flags
+// are those of 16 - 17.
 void fault_load(void), fault_store_pair(void), fault_undefined(void), fault_break(void),
     fault_literal(void);
 extern char at_load[], at_store_pair[], at_undefined[], at_break[], at_literal[];
@@ -357,7 +358,7 @@ static void threads(void) {
     while (taken_by_thread < i) {
     }
   }
-  kill(getpid(), SIGUSR1);  // only the other thread has it unblocked
+  kill(getpid(), SIGUSR1);  // only the other thread does not block it
   pthread_join(thread, NULL);
   change_mask(SIG_UNBLOCK, SIGUSR1);
   printf("  taken by the thread %d\n", taken_by_thread);

@@ -1,8 +1,8 @@
 // Threads, signals, faults that handlers repair, generated code, remapped code and SVE
-// instructions, all at once, for as many seconds as the first argument says; the second is the
-// seed. Each worker does one thing after another in an order that follows from the seed, while
-// timers and the other workers interrupt it, and checks what it did. The handlers use all of the
-// vector state themselves.
+// instructions, all at once. The first argument is the time in seconds, the second the seed. Each
+// worker does one thing after another, in an order that follows from the seed, and checks what it
+// did. Timers and the other workers interrupt it meanwhile. The handlers use the whole vector
+// state themselves.
 #include <algorithm>
 #include <arm_sve.h>
 #include <array>
@@ -25,7 +25,7 @@
 #include <thread>
 #include <unistd.h>
 
-// Z, P and FFR, as vector_state.S has them.
+// Z, P and FFR, in the order of vector_state.S.
 struct alignas(16) vector_image {
   std::array<unsigned char, 256 * 32 + 32 * 17> bytes;
 };
@@ -84,7 +84,7 @@ std::span<unsigned char> used_bytes(vector_image& image) {
   return std::span(image.bytes).first(32 * svcntb() + 17 * (svcntb() / 8));
 }
 
-// The FFR is a row of ones and a row of zeros, as loads leave it.
+// The FFR is ones followed by zeros, as first-fault loads leave it.
 void fill(vector_image& image, std::uint64_t seed) {
   const std::span<unsigned char> bytes = used_bytes(image);
   for (unsigned char& byte : bytes) {
@@ -119,7 +119,7 @@ void on_queued(int /*signal*/, siginfo_t* info, void* /*context*/) {
   counts.queued++;
 }
 
-// Also comes to threads that are no workers.
+// Threads that are not workers get this signal, too.
 void on_tick(int signal, siginfo_t* info, void* /*context*/) {
   check_vectors(reinterpret_cast<std::uint64_t>(info), &at_once);
   if (signal == timer_signal) self->waiting = 0;
@@ -167,7 +167,7 @@ void hold_until_signal(worker& me) {
   check_vectors(me.random(), &me.waiting);
 }
 
-// A function that returns `value` and, if `with_sve`, adds the bytes of a vector.
+// Writes and calls a function that returns `value`, plus the bytes of a vector if `with_sve`.
 std::uint64_t call_generated(unsigned char* at, std::uint64_t value, bool with_sve) {
   std::array<std::uint32_t, 6> code{};
   for (unsigned half = 0; half < 4; half++) {
@@ -182,7 +182,7 @@ std::uint64_t call_generated(unsigned char* at, std::uint64_t value, bool with_s
   return reinterpret_cast<std::uint64_t (*)()>(at)();
 }
 
-// First-fault loads up to the end of the code page, behind which nothing can be read.
+// First-fault loads up to the end of the code page. The page behind it cannot be read.
 void load_to_the_end(worker& me) {
   for (int i = 0; i < 16; i++) {
     const std::uint64_t left = 1 + me.random() % svcntb();
@@ -205,7 +205,7 @@ void generate(worker& me) {
   }
 }
 
-// Other memory at the same address, and a change of its protection.
+// Maps other memory at the same address, and changes its protection.
 void remap(worker& me) {
   void* const page = mmap(me.code, page_bytes, PROT_READ | PROT_WRITE | PROT_EXEC,
                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
@@ -252,7 +252,7 @@ void fault(worker& me) {
   demand(mprotect(me.guarded, page_bytes, PROT_NONE) == 0, "mprotect");
 }
 
-// A full queue of signals is no fault.
+// A full signal queue is not an error.
 void send(worker& me) {
   worker& to = workers[me.random() % worker_count];
   const std::uint64_t value = me.random() % 1000;
@@ -298,7 +298,7 @@ void start_threads(worker& me) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// System calls that signals interrupt: those that transfer are restarted, a sleep may end early.
+// Signals interrupt these system calls. Reads and writes are restarted; a sleep may end early.
 void call_system(worker& me) {
   const std::uint64_t value = me.random();
   std::thread late([&me, value] {
@@ -311,10 +311,11 @@ void call_system(worker& me) {
   late.join();
 }
 
-// --- Their lives ---------------------------------------------------------------------------------
+// --- A worker's life -----------------------------------------------------------------------------
 
-// Between pages that are never accessible: QEMU's /proc/self/maps gives neighbours that differ in
-// nothing but the right to execute the permissions of the first, and the launcher believes it.
+// The page lies between pages that are never accessible. Where neighbours differ only in the right
+// to execute, QEMU's /proc/self/maps gives both the permissions of the first, and the launcher
+// believes it.
 unsigned char* map_page(int protection) {
   void* const pages = mmap(nullptr, 3 * page_bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   demand(pages != MAP_FAILED, "mmap");
@@ -368,7 +369,7 @@ void live(unsigned number, std::barrier<>& all) {
   timer_t timer = start_timer(me);
   work(me);
   timer_delete(timer);
-  all.arrive_and_wait();  // nobody sends any more
+  all.arrive_and_wait();  // nobody sends signals any more
   while (me.received < me.sent_here) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   demand(me.received == me.sent_here, "more signals than were sent");
   demand(me.sum_received == me.sum_sent_here, "signals carry other values");

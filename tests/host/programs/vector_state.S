@@ -1,4 +1,4 @@
-// All of the vector state from memory and to memory: 32 Z registers, 16 predicates, the FFR.
+// Loads and stores the whole vector state: 32 Z registers, 16 predicates and the FFR.
 
   .arch armv8.2-a+sve
   .text

@@ -1,11 +1,11 @@
-// Instructions that name X28 in each way that the lines of the table of register fields allow, as
-// subroutines, with a table of their addresses, kinds and texts. Cases with X28 in one register
-// alone are preferred: two reads of it, or two writes, in one case hide a fault in either.
+// Instructions that name X28 in every way that the table of register fields allows. Each is a
+// subroutine, and a table has their addresses, kinds and texts. Most name X28 only once: where an
+// instruction reads or writes it twice, one of the two can hide a fault in the other.
 //
 // value: X28 holds 24 before the instruction. address: X28 holds the address of memory. In both,
 // X27 holds another address, X1 holds 8, X2 holds 3, and all other registers hold arbitrary values.
 //
-// For SVE the emulating client works in X26 and X27 as well, and hands SP on by a way of its own.
+// For SVE, the emulating client also uses X26 and X27 itself, and passes SP on in its own way.
 
   .arch armv8.5-a+memtag+crypto+sha3+crc+lse+sve
   .arch_extension fp16
@@ -45,7 +45,7 @@
   .macro sve kind, instruction:vararg
   case \kind, all_active, nop, \instruction
   .endm
-// SP holds what X27 held, and X27 receives it.
+// The instruction finds X27's value in SP, and X27 receives SP afterwards.
   .macro sve_of_sp instruction:vararg
   case 0, "all_active; mov x0, sp; mov sp, x27", "mov x27, sp; mov sp, x0; mov x0, #0", \instruction
   .endm
@@ -219,8 +219,9 @@ x28_cases_end:
   .quad 0
 
 // void run_case(const void* code, machine* state): loads X0 to X29, NZCV, FPSR, FPCR and V0 to
-// V31 from the state, calls the code, and stores them back. X30 is the way in and out. TPIDR_EL0 goes the same
-// way through its own field, and the caller's is put back.
+// V31 from the state, calls the code, and stores them back. X30 holds the address of the code, then
+// that of the state. TPIDR_EL0 is not loaded, but stored like the rest, and then the caller's value
+// is put back.
   .macro transfer_vectors op
   .irp n, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31
   \op q\n, [x9], #16
@@ -233,7 +234,7 @@ x28_cases_end:
   .endr
   .endm
 
-// What a function preserves, from `base` on.
+// The registers that a function preserves. They are kept from `base` on.
   .macro transfer_preserved op, base
   .irp n, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28
   \op x\n, [\base, #16 + 8 * (\n - 19)]

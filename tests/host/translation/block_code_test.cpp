@@ -1,6 +1,6 @@
-// Single instructions and what takes their place, as words with their disassembly. What a word
-// branches to or loads is open until the block has an address, so it stands behind => in the
-// disassembly, and the word is without it. The instruction is at 0x412340.
+// Single instructions and the words that replace them, with their disassembly. Until the block has
+// an address, it is open what a word branches to or loads: the disassembly shows that after =>, and
+// the word does not contain it. The instruction is at 0x412340.
 #include "host/translation/block_code.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace host {
 namespace {
 
 constexpr std::uint64_t at = 0x412340;
-// What the words of a block that are open shall branch to or load, by their indices.
+// What the open words of a block will branch to or load, by their indices.
 using open_words = std::map<std::size_t, std::string>;
 
 std::string name_of(exit_kind kind) {
@@ -26,7 +26,7 @@ std::string name_of(exit_kind kind) {
   }
 }
 
-// Targets as bytes from the instruction.
+// Gives targets as distances from the instruction in bytes.
 open_words open_words_of(const block_code& block) {
   open_words open;
   for (const open_exit& exit : block.exits) {
@@ -57,8 +57,8 @@ block_code translate(std::uint32_t word) {
   return out;
 }
 
-// Checks a listing: an instruction at the margin and, indented, the words that take its place. An
-// instruction without any stays as it is.
+// Checks a listing: an instruction at the margin and, indented, the words that replace it. An
+// instruction without such words must stay as it is.
 void check(const char* listing) {
   std::istringstream lines(listing);
   std::string line;
@@ -155,7 +155,7 @@ f8408f80  // ldr x0, [x28, #8]!
 )");
 }
 
-// Nothing but these stands between them that accesses memory.
+// No access to memory may be added between the exclusive load and the exclusive store.
 TEST(translation, keeps_the_context_out_of_exclusive_sequences) {
   const words code = {
       0xc85f7f80,  // ldxr x0, [x28]

@@ -60,7 +60,7 @@ constexpr std::uint32_t b_8 = 0x14000002;       // b .+8
 constexpr std::uint32_t br_x5 = 0xd61f00a0;     // br x5
 constexpr std::uint32_t svc = 0xd4000001;       // svc #0
 
-// As a signal has it that finds the thread in the client's call from there.
+// A signal does this when it finds the thread in a call from that block to the client.
 TEST_F(cache_test, leaves_a_linked_loop_at_the_end_of_its_block) {
   const fragment& loop = install(0x1000, add_x3_1, 0x17ffffff);  // b .-4
   code_cache::link(run(loop), loop);
@@ -69,7 +69,7 @@ TEST_F(cache_test, leaves_a_linked_loop_at_the_end_of_its_block) {
   EXPECT_EQ(context().x[3], 2u);
 }
 
-// Far more targets than the first table holds, many of them in one place of it.
+// Far more targets than the first table holds, many of them in the same slot.
 TEST_F(cache_test, finds_every_target_as_the_table_grows) {
   const fragment& start = install(0x1000, add_x3_1, br_x5);
   constexpr std::uint64_t targets = 3000;
@@ -119,7 +119,8 @@ TEST_F(cache_test, tells_the_application_address_of_each_word) {
 
 // 1000: add x3, x3, #1; b 2000     2000: b 3000     3000: add x3, x3, #1; svc #0
 //
-// Each comes to the next by its last branch, whose place the next takes where it can.
+// Each block leads to the next by its last branch. The next block takes the place of that branch
+// where it can.
 class dropping_test : public cache_test {
  protected:
   void build() {
@@ -134,7 +135,7 @@ class dropping_test : public cache_test {
     cache().install(0x3000, last, &run_at(0x1000));
   }
 
-  // Links what is not linked on the way. Returns the exit to what is not translated.
+  // Links the exits on the way. Returns the first exit to code that is not translated.
   const exit_record& run_from(const fragment& first) {
     context().x[3] = 0;
     const exit_record* exit = &run(first);
@@ -178,7 +179,7 @@ TEST_F(dropping_test, drops_all_that_a_range_touches_and_no_more) {
   EXPECT_EQ(run_at(0x3000).kind, exit_kind::supervisor_call);
 }
 
-// Faults that take a thread out of cache code by recover, as the signal entry does.
+// Faults take the thread out of the cache's code through `recover`, as the signal entry does.
 class interrupted_test : public cache_test {
  protected:
   interrupted_test() {
@@ -202,7 +203,7 @@ class interrupted_test : public cache_test {
     sigaltstack(&none, nullptr);
   }
 
-  // The kernel's, since the engine's sigaction keeps those of faults to itself.
+  // Calls the kernel, because the engine's sigaction keeps the actions of faults to itself.
   static void set_actions(const kernel_action& action) {
     for (const std::uint64_t signal : {SIGSEGV, SIGBUS, SIGILL, SIGTRAP}) {
       kernel_call(SYS_rt_sigaction, signal, reinterpret_cast<std::uint64_t>(&action), 0,
@@ -277,7 +278,7 @@ TEST_F(interrupted_test, recovers_what_another_register_held_for_x28) {
 
 constexpr std::uint32_t brk = 0xd4200000;  // brk #0: the moment at which a signal arrives
 
-// A loop that calls two functions in turn, whose addresses share a slot of the branch table:
+// A loop that calls two functions in turn. Their addresses share a slot of the branch table:
 //
 //   1000: add x3, x3, #1; blr x5     2000: add x4, x4, #1; ret      a000: add x7, x7, #1; ret
 //   1008: eor x5, x5, #0x8000; sub x6, x6, #1 (by b .+4); cbnz x6, 1000; svc #0
@@ -347,7 +348,7 @@ class calling_test : public interrupted_test {
                             reinterpret_cast<char*>(interrupted_at + 1));
   }
 
-  // Constants are addresses, whose upper halves are small numbers, as no instruction is.
+  // Constants are addresses. Their upper halves are small numbers, and no instruction is so small.
   static bool is_code(std::uint32_t word) { return word > 0xffff; }
 
   bool may_be_run(std::uint32_t* word, const std::uint32_t* end) {
@@ -399,8 +400,8 @@ TEST_F(calling_test, stays_in_the_cache_once_all_is_known) {
   EXPECT_EQ(context().x[7], 50u);
 }
 
-// The signal may find the thread in a block, an entry, a stub, the lookup: wherever it is, nothing
-// is lost, the thread leaves before it goes round again, and then runs as before.
+// The signal may find the thread in a block, an entry, a stub or the lookup. Nothing is lost in any
+// of them: the thread leaves before the next round, and then runs as before.
 TEST_F(calling_test, leaves_wherever_it_is_interrupted) {
   run_loop(6);
   std::uint32_t* const start = block_at(0x1000, nullptr).code;
@@ -421,7 +422,7 @@ TEST_F(calling_test, leaves_wherever_it_is_interrupted) {
   EXPECT_GT(places, 50);
 }
 
-// The shared routines, before the lookup has ever found anything.
+// Interrupts the shared routines before the lookup has found anything.
 TEST_F(calling_test, leaves_wherever_a_new_cache_is_interrupted) {
   std::uint32_t* const start = block_at(0x1000, nullptr).code;
   int places = 0;

@@ -13,11 +13,11 @@ COUNT = 400000
 
 # Words that may differ, each with its reason.
 EXCEPTIONS = {
-    "smulh": "the field at bits 14:10 is not a register, though it holds one's number",
+    "smulh": "the field at bits 14:10 is not a register, though it can hold the number of one",
     "umulh": "the same",
-    "msr": "op0 0 and 1 are disassembled as system registers, though they are none",
+    "msr": "the disassembler prints a system register for op0 0 and 1, though there is none",
 }
-# The disassembler knows these, which this table leaves to be refused.
+# The disassembler knows these instructions, but the table refuses them.
 REFUSED = re.compile(r"\bza\d*[hv]?\b|^(ld|st)64b|^[su]?(mop|add)[ahs]|^(f|bf|su|us|u|s)mop")
 
 

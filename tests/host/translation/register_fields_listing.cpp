@@ -1,5 +1,5 @@
-// Writes random instruction words in which some field holds 28 to a file, and prints for each
-// whether it names X28: n not, y yes, r that it is refused. Arguments: seed, count, file.
+// Writes random instruction words to a file, all with 28 in some field. Prints for each whether it
+// names X28: n for no, y for yes, r if it is refused. Arguments: seed, count, file.
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -14,7 +14,7 @@ using namespace host;
 
 std::uint32_t random_word(std::mt19937& random) {
   std::uint32_t word = random();
-  if (random() % 4 == 0) word = (word & ~(15u << 25)) | 2u << 25;  // as much SVE as all else
+  if (random() % 4 == 0) word = (word & ~(15u << 25)) | 2u << 25;  // more SVE than by chance
   for (const unsigned position : field_positions) {
     if (field(word, position + 4, position) == context_register) word ^= 8u << position;
   }
