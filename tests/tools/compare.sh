@@ -1,12 +1,12 @@
 #!/bin/bash
 # compare.sh [--counts] REFERENCE... -- LAUNCHER... -- PROGRAM [ARGUMENTS]
 #
-# Runs a program as the words of REFERENCE have it, and under the launcher, each time in an empty
-# directory. Exit status, standard output and the files that it writes must be the same, byte for
-# byte, and it must print something. With --counts it must also succeed, and the launcher's last
-# words must be the two count lines. All paths are absolute.
+# Runs a program by the command REFERENCE, and under the launcher by the command LAUNCHER, each time
+# in an empty directory. Exit status, standard output and the files that it writes must be the same,
+# byte for byte, and it must print something. With --counts it must also succeed, and standard error
+# under the launcher must end with the two count lines. All paths are absolute.
 #
-# Status 77: the program cannot be run here, and has said why.
+# Status 77: the program cannot run here. REFERENCE has said why.
 set -u
 counts=
 if [ "$1" = --counts ]; then

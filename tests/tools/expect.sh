@@ -1,8 +1,7 @@
 #!/bin/bash
-# expect.sh STATUS STDERR COMMAND...: fails unless the command ends with the status, and the
-# extended regular expression STDERR is all of what it prints on standard error, with ; for ends of
-# lines.
-# Status 128 + n is that of a shell for signal n.
+# expect.sh STATUS STDERR COMMAND...: fails unless the command ends with STATUS, and STDERR matches
+# all that it prints on standard error. STDERR is an extended regular expression. In it, ; stands
+# for the end of a line. For signal n, STATUS is 128 + n, as in a shell.
 set -u
 expected_status=$1 expected=$2
 shift 2

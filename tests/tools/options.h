@@ -1,5 +1,5 @@
-// What the command lines of the test programs share. The C library's argp prints the help, and
-// refuses what is wrong with a line that names it and status 2.
+// The command lines of the test programs share this. The C library's argp prints the help. It
+// refuses a wrong argument with status 2 and a line that names it.
 #pragma once
 
 #include <argp.h>
@@ -41,7 +41,7 @@ inline part part_of(argp_state* state, const char* option, const char* text) {
   return result;
 }
 
-// Leaves the choices in `chosen`, which `parser` finds as its state's input.
+// Leaves the choices in `chosen`, which `parser` receives as its state's input.
 inline void parse(int argc, char** argv, const argp_option* described, argp_parser_t parser,
                   const char* purpose, void* chosen) {
   const argp command_line = {described, parser, nullptr, purpose, nullptr, nullptr, nullptr};
