@@ -1,10 +1,11 @@
-# What may differ between two runs of the same program, each with its reason. Extended expressions.
+# Replaces what may differ between two runs of the same program, each with its reason. The regular
+# expressions are extended ones.
 
 # The time that unittest took.
 s/^(Ran [0-9]+ tests? in )[0-9.]+s/\1TIME/
-# Addresses of Python objects: the address space is laid out otherwise under the launcher.
+# Addresses of Python objects: the address space has another layout under the launcher.
 s/ at 0x[0-9a-f]{6,}/ at ADDRESS/g
 # Idents of Python threads are addresses, too.
 s/(Thread[^,]*, started (daemon )?)[0-9]+/\1IDENT/g
-# The process that bash tells of when a signal ends it.
+# The number of the process in bash's message that a signal has ended it.
 s/(line [0-9]+: +)[0-9]+ (Killed|Terminated)/\1PID \2/

@@ -1,5 +1,5 @@
-// The launcher's own client without its report at the end. For programs that read the standard
-// error of their children: a test suite takes two more lines there for a fault.
+// The launcher's own client without its report at the end. It is for programs that read the
+// standard error of their children: a test suite takes two more lines there for a fault.
 //
 // The client writes its report to the C library's stderr, which becomes a stream to nowhere,
 // without a descriptor that the program could see.
