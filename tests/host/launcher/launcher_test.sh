@@ -59,7 +59,7 @@ same_start() {
   local status=$?
   [ $expected_status -eq 42 ] || fail "$kind: without the launcher, status $expected_status"
   [ $status -eq 42 ] || fail "$kind: status $status: $(cat err)"
-  diff expected actual || fail "$kind: another start than without the launcher"
+  diff expected actual || fail "$kind: the start differs from that without the launcher"
   ! grep NO expected || fail "$kind: the program itself is wrong"
 }
 

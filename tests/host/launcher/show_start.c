@@ -36,7 +36,7 @@ static int stand_side_by_side(char** strings) {
   return 1;
 }
 
-// The sixteen bytes are not zero, and do not overlap the strings behind them.
+// The sixteen bytes are not all zero, and do not overlap the strings behind them.
 static int are_random_bytes(unsigned long address) {
   const unsigned long strings = (unsigned long)first_argument;
   return *(const unsigned long*)pointer(address) != 0 &&
@@ -91,7 +91,7 @@ int main(int argc, char** argv, char** envp) {
   show("data is there", filled[0] == 1 && filled[4998] == 0 && filled[4999] == 2);
   printf("%s %s\n", pointers[0], pointers[1]);
   void* const block = malloc(16 << 20);
-  show("memory to be had", block != NULL && memset(block, 1, 16 << 20) == block);
+  show("memory can be allocated", block != NULL && memset(block, 1, 16 << 20) == block);
   free(block);
   printf("stack of %d levels\n", descend(100));
   return 42;

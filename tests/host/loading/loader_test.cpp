@@ -85,7 +85,7 @@ TEST_F(loader, honours_a_large_alignment) {
   file.text().p_align = 1UL << 30;
   const loaded_program program = load(file);
   EXPECT_EQ(program.main_module.start % (1UL << 30), 0U);
-  EXPECT_EQ(permissions(program.main_module.end), "") << "what was reserved beyond is given back";
+  EXPECT_EQ(permissions(program.main_module.end), "") << "the rest of the reservation is released";
 }
 
 TEST_F(loader, takes_fixed_addresses_only_if_they_are_free) {
@@ -106,7 +106,7 @@ TEST_F(loader, takes_fixed_addresses_only_if_they_are_free) {
   const loaded_program program = load(file);
   EXPECT_EQ(program.main_module.start, start);
   EXPECT_EQ(program.main_module.end, start + 0x14000);
-  EXPECT_EQ(permissions(start + 0x5000), "") << "the gap between segments is nobody's";
+  EXPECT_EQ(permissions(start + 0x5000), "") << "nothing is mapped between the segments";
 }
 
 TEST_F(loader, gives_up_on_what_no_memory_can_hold) {

@@ -61,7 +61,7 @@ static int moved(void) {
 
 int main(void) {
   move_break();
-  printf("mapped anew %d\n", mapped_anew());
+  printf("mapped again %d\n", mapped_anew());
   printf("moved %d\n", moved());
   return 0;
 }

@@ -173,7 +173,7 @@ static void scripts(void) {
   const char* script = put("script", line, 0755);
   snprintf(line, sizeof line, "#!%s", script);
   const char* nested = put("nested", line, 0755);
-  printf("chmod %d\n", chdir(directory));
+  printf("chdir %d\n", chdir(directory));
   IN_CHILD("script", execl("script", "lost", "x", NULL));
   IN_CHILD("nested", execl("./nested", "lost", "y", NULL));
   snprintf(line, sizeof line, "#!%s", nested);

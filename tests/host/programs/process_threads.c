@@ -75,7 +75,7 @@ static void detached(void) {
 // --- Raw threads -------------------------------------------------------------------------------
 
 static char stacks[4][65536] __attribute__((aligned(16)));
-static int words[4];  // the kernel clears them
+static int words[4];  // the kernel clears one when its thread ends
 static sem_t ended;
 
 static int raw_thread(void* argument) {

@@ -401,9 +401,8 @@ void run(std::chrono::seconds length) {
 
 void report() {
   std::printf(
-      "vectors held %lu, first-fault loads %lu, generated functions %lu, remapped %lu times, "
-      "faults %lu, signals queued "
-      "%lu and of timers %lu, threads %lu, increments %lu\n",
+      "vectors held %lu, first-fault loads %lu, generated functions %lu, mappings replaced %lu, "
+      "faults %lu, queued signals %lu, timer signals %lu, threads %lu, increments %lu\n",
       counts.vectors.load(), counts.loads.load(), counts.functions.load(), counts.mappings.load(),
       counts.faults.load(), counts.queued.load(), counts.ticks.load(), counts.threads.load(),
       shared_count);
