@@ -71,6 +71,7 @@ TEST(IntegerHelpers, Saturation) {
       {"SatQ u8 256", SatQ(256, 8, 1), {255, 1}},
       {"SatQ u8 255", SatQ(255, 8, 1), {255, 0}},
       {"SatQ u8 -1", SatQ(-1, 8, 1), {0, 1}},
+      {"SatQ s8 127", SatQ(127, 8, 0), {127, 0}},
       {"SatQ s8 128", SatQ(128, 8, 0), {127, 1}},
       {"SatQ s8 -128", SatQ(-128, 8, 0), {128, 0}},
       {"SatQ s8 -129", SatQ(-129, 8, 0), {128, 1}},
