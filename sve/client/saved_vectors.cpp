@@ -7,7 +7,7 @@ namespace sve {
 
 void saved_vectors::save(std::uint64_t frame, const cpu_state& state) {
   forget(frame);
-  if (entries_.size() == most) entries_.pop_front();
+  if (entries_.size() == max_entries) entries_.pop_front();
   entry& made = entries_.emplace_back();
   made.frame = frame;
   std::memcpy(made.z, state.z, sizeof made.z);

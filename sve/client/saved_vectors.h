@@ -19,7 +19,7 @@ namespace sve {
 class saved_vectors {
  public:
   // The most entries that one thread keeps. Beyond that, the oldest entry is dropped.
-  static constexpr std::size_t most = 256;
+  static constexpr std::size_t max_entries = 256;
 
   void save(std::uint64_t frame, const cpu_state& state);
 

@@ -51,14 +51,14 @@ std::int32_t times_vector_bytes(int imm) {
   return static_cast<std::int32_t>(static_cast<U32>(imm) * vector_bytes);
 }
 
-// How many times in a row holds(n, m) is true while n counts up and wraps, but at most `most`.
+// How many times in a row holds(n, m) is true while n counts up and wraps, but at most `max_count`.
 template <class Counter, class Compare>
-unsigned times_true(Counter n, Counter m, unsigned most, Compare holds) {
+unsigned times_true(Counter n, Counter m, unsigned max_count, Compare holds) {
   if (!holds(n, m)) return 0;
   const bool equal_too = holds(m, m);
-  if (equal_too && holds(static_cast<Counter>(m + 1), m)) return most;  // m is the last value
+  if (equal_too && holds(static_cast<Counter>(m + 1), m)) return max_count;  // m is the last value
   const Counter distance = m - n;
-  return distance < most ? static_cast<unsigned>(distance) + equal_too : most;
+  return distance < max_count ? static_cast<unsigned>(distance) + equal_too : max_count;
 }
 
 template <class T, class Counter, class Compare>

@@ -68,8 +68,8 @@ inline unpacked<T> fp_unpack_normalised(T op) {
 // width counts as one by the width less 1: both leave 1, or 0 if x is 0.
 template <class U>
 inline U fp_shift_right_sticky(U x, int places) {
-  constexpr int most = std::numeric_limits<U>::digits - 1;
-  if (places > most) places = most;
+  constexpr int max_places = std::numeric_limits<U>::digits - 1;
+  if (places > max_places) places = max_places;
   const U shifted = x >> places;
   return shifted | U{(shifted << places) != x};
 }
