@@ -41,7 +41,8 @@ def sources():
 
 def check_format():
     names = [name for name in sources() if name.endswith(FORMATTED)]
-    return subprocess.run(["clang-format", "--dry-run", "-Werror", *names], cwd=ROOT).returncode == 0
+    command = ["clang-format", "--dry-run", "-Werror", *names]
+    return subprocess.run(command, cwd=ROOT).returncode == 0
 
 
 def included_files(build):

@@ -60,7 +60,8 @@ def main(root):
             unused.discard((path, included))
             continue
         if other_house != house or other_floor > floor:
-            faults.append(f"{path}:{number}: includes {included}, which is on a higher floor or in another house")
+            faults.append(f"{path}:{number}: includes {included}, "
+                          "which is on a higher floor or in another house")
         if unit_of(path) != unit_of(included):
             graph.setdefault(unit_of(path), set()).add(unit_of(included))
     faults += [f"{path}: no longer includes {included}; drop the exception"

@@ -3,8 +3,8 @@
 
     disassembly.py OBJDUMP SEED COMMAND...
 
-COMMAND runs disassembly_words. SEED may be "random". Encodings that binutils calls reserved are left
-out. At least one word of every row must be compared.
+COMMAND runs disassembly_words. SEED may be "random". Words that binutils prints as .inst or as
+undefined are left out. At least one word of every row must be compared.
 """
 
 import random
@@ -25,11 +25,11 @@ DIFFERENCES = (
 
 
 def binutils(objdump, words):
+    command = [objdump, "-D", "-b", "binary", "-m", "aarch64", "-M", "no-aliases", "-z"]
     with tempfile.NamedTemporaryFile() as file:
         file.write(struct.pack(f"<{len(words)}I", *words))
         file.flush()
-        listing = subprocess.run([objdump, "-D", "-b", "binary", "-m", "aarch64", "-M", "no-aliases",
-                                  "-z", file.name], check=True, capture_output=True,
+        listing = subprocess.run([*command, file.name], check=True, capture_output=True,
                                  text=True).stdout
     found = re.findall(r"^ *[0-9a-f]+:\t([0-9a-f]{8}) \t(.*)$", listing, re.MULTILINE)
     if [int(word, 16) for word, _ in found] != words:
