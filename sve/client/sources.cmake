@@ -1,4 +1,6 @@
-target_sources(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/counters.cpp)
+target_sources(sve PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/counters.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/vector_writes.cpp)
 
 if(NOT TESSALY_CORE_ONLY)
   # The library that a host loads. It exports the whole core by name. The host's functions stay
