@@ -56,6 +56,7 @@ struct no_result {
   template <word_pattern Pattern>
   static constexpr std::uint32_t field_mask = 0;
   static constexpr operand_text text{nullptr, place::unwritten};
+  static constexpr operand_use use{};
 };
 
 // The handler of a row. The function's arguments are the `Operands` in order, then the context. Its

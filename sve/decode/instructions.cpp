@@ -22,6 +22,9 @@ inline constexpr word_pattern stored_pattern = Pattern;
 template <class... Operands>
 constexpr std::array<operand_text, sizeof...(Operands)> operand_texts{Operands::text...};
 
+template <class... Operands>
+constexpr std::array<operand_use, sizeof...(Operands)> operand_uses{Operands::use...};
+
 // What a row has besides its pattern.
 struct line {
   std::string_view mnemonic, name;
@@ -39,6 +42,7 @@ consteval instruction_row row(line said) {
           .mnemonic = said.mnemonic,
           .name = said.name,
           .operands = operand_texts<Operands...>,
+          .uses = operand_uses<Operands...>,
           .handler = said.handler,
           .map = map,
           .key = static_cast<int>(gather_bits(Pattern.fixed_bits(), Pattern.fixed_mask())),

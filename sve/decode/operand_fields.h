@@ -8,7 +8,8 @@
 // none-code.
 //
 // The `text` of a descriptor says how the assembler writes the operand
-// (sve/decode/operand_text.h). Some descriptors differ only in this.
+// (sve/decode/operand_text.h), and its `use` says what happens to the register
+// (sve/decode/operand_use.h). Some descriptors differ only in these.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +17,7 @@
 
 #include "sve/decode/immediates.h"
 #include "sve/decode/operand_text.h"
+#include "sve/decode/operand_use.h"
 #include "sve/decode/pattern.h"
 #include "sve/state/access.h"
 #include "sve/state/operands.h"
@@ -27,6 +29,7 @@ template <char... Letters>
 struct reads {
   template <word_pattern Pattern>
   static constexpr std::uint32_t field_mask = (Pattern.mask_of(Letters) | ...);
+  static constexpr operand_use use{};
 };
 
 // The record of a register that is only read or only written, and the record of one that is both
@@ -59,6 +62,7 @@ template <char Letter, element_size Size>
 struct z_operand : one_way<aarch64_z_reg, z_none, Letter, Size> {
   static constexpr operand_text text{
       [](const word_fields& f) { return written::vector(f, Letter, Size); }, usual_place(Letter)};
+  static constexpr operand_use use{register_file::vector, Letter, usual_access(Letter)};
 };
 
 template <element_size Size>
@@ -67,6 +71,7 @@ struct z_destructive : destructive<aarch64_z_reg, z_none, 'd', Size> {
     return {[](const word_fields& f) { return written::vector(f, 'd', Size); }, place::destination,
             again, name};
   }
+  static constexpr operand_use use{register_file::vector, 'd', access::updated};
 };
 
 template <element_size Size>
@@ -121,6 +126,13 @@ struct ZnAndZero : z_operand<'n', Size> {
       [](const word_fields& f) { return written::vector(f, 'n', Size) + ", #0.0"; }};
 };
 
+// The register of which DUP (indexed) reads one element.
+template <element_size Size>
+struct ZnElement : z_operand<'n', Size> {
+  static constexpr operand_use use{
+      .file = register_file::vector, .letter = 'n', .element_bytes = 1U << Size};
+};
+
 // The register that a load or store moves, or the first one of a list. LDR and STR move the whole
 // register, and the assembler writes it without a size.
 template <element_size Size, int Registers = 1>
@@ -128,6 +140,7 @@ struct Zt : z_operand<'t', Size> {
   static constexpr operand_text text{
       [](const word_fields& f) { return written::vectors(f, 't', Size, Registers); },
       place::destination};
+  static constexpr operand_use use{register_file::vector, 't', access::transferred, Registers};
 };
 template <element_size Size>
 struct ZtBare : z_operand<'t', Size> {
@@ -141,6 +154,10 @@ struct p_operand : one_way<aarch64_p_reg, p_none, Letter, Code> {
   static constexpr operand_text text{
       [](const word_fields& f) { return written::predicate(f, Letter, WrittenCode); },
       usual_place(Letter)};
+  static constexpr operand_use use{.file = register_file::predicate,
+                                   .letter = Letter,
+                                   .how = usual_access(Letter),
+                                   .merges = Code == merging};
 };
 
 template <element_size Size>
@@ -149,6 +166,7 @@ struct p_destructive : destructive<aarch64_p_reg, p_none, 'd', Size> {
     return {[](const word_fields& f) { return written::predicate(f, 'd', Size); },
             place::destination, again, name};
   }
+  static constexpr operand_use use{register_file::predicate, 'd', access::updated};
 };
 
 using PgM = p_operand<'g', merging>;
@@ -242,7 +260,9 @@ struct ZmOffset : z_operand<'m', Size> {
       place::offset};
 };
 
-// A SIMD&FP scalar register. A fast path takes its number, and a bridge takes its value.
+// A SIMD&FP scalar register. A fast path takes its number, and a bridge takes its value. As a
+// source it is the low element of a vector register, and writing it writes the whole vector
+// register.
 struct simd_register {
   unsigned num;
   constexpr operator unsigned() const { return num; }
@@ -256,6 +276,8 @@ struct v_operand : reads<Letter> {
   }
   static constexpr operand_text text{
       [](const word_fields& f) { return written::scalar(f, Letter, Size); }, usual_place(Letter)};
+  static constexpr operand_use use =
+      Letter == 'd' ? operand_use{register_file::vector, 'd', access::written} : operand_use{};
 };
 
 template <element_size Size>

@@ -3,4 +3,5 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/disassembly.cpp
   ${CMAKE_CURRENT_LIST_DIR}/instructions.cpp
   ${CMAKE_CURRENT_LIST_DIR}/operand_text.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/register_use.cpp
   ${CMAKE_CURRENT_LIST_DIR}/sve_utils.cpp)

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "sve/decode/operand_text.h"
+#include "sve/decode/operand_use.h"
 #include "sve/state/cpu_state.h"
 
 using decode_handler = aarch64_decode_rc (*)(cpu_state*, unsigned int);
@@ -43,6 +44,7 @@ struct instruction_row {
   std::string_view mnemonic;  // SMIN
   std::string_view name;      // VecS32MinVVM
   std::span<const operand_text> operands;  // how they are written, in the order of the line
+  std::span<const operand_use> uses;       // what happens to their registers, in the same order
   decode_handler handler;
   std::size_t map;  // index into decode_map_names()
   int key;          // the row's key in that map
