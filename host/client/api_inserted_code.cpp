@@ -1,9 +1,12 @@
-// The client interface's save slots, stolen register and inserted call.
+// The client interface's save slots, stolen register, raw slots and inserted call.
+#include <algorithm>
 #include <cstdarg>
+#include <mutex>
 
 #include "host/client/instruction_list.h"
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
+#include "host/kernel/fork_lock.h"
 #include "host/threads/thread.h"
 #include "host/translation/context.h"
 
@@ -71,6 +74,69 @@ bool dr_insert_set_stolen_reg_value(void* /*drcontext*/, instrlist_t* ilist, ins
                     true);
   return true;
 }
+
+// --- Raw slots -----------------------------------------------------------------------------------
+
+namespace {
+
+host::fork_safe_mutex raw_tls_mutex;
+bool raw_tls_taken[host::raw_tls_slots];
+
+constexpr uint displacement_of_raw_slot(uint index) { return CONTEXT_RAW_TLS + 8 * index; }
+
+bool are_free(uint first, uint count) {
+  return std::all_of(raw_tls_taken + first, raw_tls_taken + first + count,
+                     [](bool taken) { return !taken; });
+}
+
+unsigned raw_slot_displacement(const char* function, reg_id_t base, uint displacement) {
+  const bool in_slots = displacement >= CONTEXT_RAW_TLS && displacement % 8 == 0 &&
+                        displacement < displacement_of_raw_slot(host::raw_tls_slots);
+  if (base != DR_REG_X28 || !in_slots) fatal("%s: there is no slot at %u", function, displacement);
+  return displacement;
+}
+
+}  // namespace
+
+bool dr_raw_tls_calloc(reg_id_t* tls_register, uint* offset, uint num_slots, uint /*alignment*/) {
+  const std::lock_guard lock(raw_tls_mutex);
+  for (uint first = 0; first + num_slots <= host::raw_tls_slots; first++) {
+    if (!are_free(first, num_slots)) continue;
+    std::fill_n(raw_tls_taken + first, num_slots, true);
+    *tls_register = DR_REG_X28;
+    *offset = displacement_of_raw_slot(first);
+    return true;
+  }
+  return false;
+}
+
+bool dr_raw_tls_cfree(uint offset, uint num_slots) {
+  const std::lock_guard lock(raw_tls_mutex);
+  const uint first = (offset - CONTEXT_RAW_TLS) / 8;
+  if (first >= host::raw_tls_slots || num_slots > host::raw_tls_slots - first) return false;
+  std::fill_n(raw_tls_taken + first, num_slots, false);
+  return true;
+}
+
+void* dr_get_dr_segment_base(reg_id_t /*tls_register*/) {
+  return &host::current_thread()->context;
+}
+
+void dr_insert_read_raw_tls(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
+                            reg_id_t tls_register, uint tls_offs, reg_id_t reg) {
+  const unsigned number = usable_register("dr_insert_read_raw_tls", reg);
+  const unsigned at = raw_slot_displacement("dr_insert_read_raw_tls", tls_register, tls_offs);
+  host::insert_word(*ilist, where, OP_ldr, a64::ldr(number, context_register, at), true);
+}
+
+void dr_insert_write_raw_tls(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
+                             reg_id_t tls_register, uint tls_offs, reg_id_t reg) {
+  const unsigned number = usable_register("dr_insert_write_raw_tls", reg);
+  const unsigned at = raw_slot_displacement("dr_insert_write_raw_tls", tls_register, tls_offs);
+  host::insert_word(*ilist, where, OP_str, a64::str(number, context_register, at), true);
+}
+
+// --- Calls ---------------------------------------------------------------------------------------
 
 // mov x0, #argument...; mov x9, #callee; ldr x10, [x28, #call_entry]; blr x10
 void dr_insert_call_velox(void* /*drcontext*/, instrlist_t* ilist, instr_t* where, app_pc pc,

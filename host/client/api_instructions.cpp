@@ -1,6 +1,7 @@
 // The encoder behind the instruction constructors of the client interface. It knows only the forms
 // that dr_api.h lists.
 #include <array>
+#include <bit>
 
 #include "host/client/instruction_list.h"
 #include "host/kernel/fatal.h"
@@ -12,6 +13,7 @@ using host::fatal;
 const char* name_of(int opcode) {
   switch (opcode) {
     case OP_add: return "OP_add";
+    case OP_orr: return "OP_orr";
     case OP_ldr: return "OP_ldr";
     case OP_str: return "OP_str";
     case OP_ldp: return "OP_ldp";
@@ -122,6 +124,27 @@ std::uint32_t encode_add(const form& f, const opnd_t& dst, const std::array<opnd
                                 static_cast<unsigned>(src[1].value));
 }
 
+// ORR (immediate): the ones of the immediate stand in one row, and not at both ends of it.
+std::uint32_t encode_orr_immediate(const form& f, const opnd_t& dst, const opnd_t& src,
+                                   const opnd_t& immediate) {
+  f.require(dst.kind == opnd_kind::reg && src.kind == opnd_kind::reg, "registers are expected");
+  const auto value = static_cast<std::uint64_t>(immediate.value);
+  const int position = std::countr_zero(value);
+  const int width = std::popcount(value);
+  f.require(immediate.kind == opnd_kind::immed_int && width > 0 && width < 64 &&
+                value >> position == ~std::uint64_t{0} >> (64 - width),
+            "the immediate must have its ones in one row");
+  return host::a64::orr_row(x_or_zero(f, dst), x_or_zero(f, src), static_cast<unsigned>(position),
+                            static_cast<unsigned>(width));
+}
+
+std::uint32_t encode_orr(const form& f, const opnd_t& dst, const std::array<opnd_t, 4>& src) {
+  f.require(src[2].kind == opnd_kind::immed_int && src[2].value == DR_SHIFT_LSL &&
+                src[3].kind == opnd_kind::immed_int && src[3].value == 0,
+            "the shift must be LSL by 0");
+  return host::a64::orr(x_or_zero(f, dst), x_or_zero(f, src[0]), x_or_zero(f, src[1]));
+}
+
 instr_t* make(int opcode, std::uint32_t word) {
   return new instr_t{.opcode = opcode, .word = word};
 }
@@ -143,6 +166,7 @@ instr_t* instr_create_1dst_1src(void* /*drcontext*/, int opcode, opnd_t dst, opn
 instr_t* instr_create_1dst_2src(void* /*drcontext*/, int opcode, opnd_t dst, opnd_t src1,
                                 opnd_t src2) {
   const form f = {opcode, "instr_create_1dst_2src"};
+  if (opcode == OP_orr) return make(opcode, encode_orr_immediate(f, dst, src1, src2));
   f.require(opcode == OP_stp, "there is no such form");
   return make(opcode, encode_pair(f, dst, src1, src2));
 }
@@ -157,6 +181,7 @@ instr_t* instr_create_2dst_1src(void* /*drcontext*/, int opcode, opnd_t dst1, op
 instr_t* instr_create_1dst_4src(void* /*drcontext*/, int opcode, opnd_t dst, opnd_t src1,
                                 opnd_t src2, opnd_t src3, opnd_t src4) {
   const form f = {opcode, "instr_create_1dst_4src"};
+  if (opcode == OP_orr) return make(opcode, encode_orr(f, dst, {src1, src2, src3, src4}));
   f.require(opcode == OP_add, "there is no such form");
   return make(opcode, encode_add(f, dst, {src1, src2, src3, src4}));
 }

@@ -48,6 +48,7 @@ event<void (*)(void*)> thread_exit;
 event<void (*)()> process_exit;
 event<drmgr_xform_cb_t> block;
 event<void (*)(void*, const dr_kernel_xfer_info_t*)> kernel_transfer;
+event<bool (*)(void*, bool, dr_restore_state_info_t*)> restore_state;
 
 fork_safe_mutex tls_mutex;
 bool tls_field_taken[tls_field_count];
@@ -70,13 +71,24 @@ void run_signal_delivery_events(thread_state& thread, int signal) {
 }
 
 void run_signal_return_events(thread_state& thread, std::uint64_t frame) {
-  dr_mcontext_t source = {.size = sizeof source, .flags = DR_MC_CONTROL, .xsp = frame};
+  dr_mcontext_t source = {
+      .size = sizeof source, .flags = DR_MC_CONTROL, .xsp = frame, .pc = nullptr};
   const dr_kernel_xfer_info_t info = {.type = DR_XFER_SIGNAL_RETURN,
                                       .source_mcontext = &source,
                                       .target_pc = pointer_to<byte>(thread.context.pc),
                                       .target_xsp = thread.context.sp,
                                       .sig = 0};
   kernel_transfer.run(&thread, &info);
+}
+
+void run_restore_state_events(thread_state& thread, std::uint64_t block) {
+  dr_mcontext_t faulted = {.size = sizeof faulted,
+                           .flags = DR_MC_CONTROL,
+                           .xsp = thread.context.sp,
+                           .pc = pointer_to<byte>(thread.context.pc)};
+  dr_restore_state_info_t info = {.mcontext = &faulted,
+                                  .fragment_info = {.tag = pointer_to(block)}};
+  restore_state.run(&thread, true, &info);
 }
 
 void run_block_events(thread_state& thread, std::uint64_t pc, _instr_list_t& list) {
@@ -104,6 +116,13 @@ bool drmgr_register_kernel_xfer_event(void (*func)(void*, const dr_kernel_xfer_i
 }
 bool drmgr_unregister_kernel_xfer_event(void (*func)(void*, const dr_kernel_xfer_info_t*)) {
   return kernel_transfer.remove(func);
+}
+
+bool drmgr_register_restore_state_ex_event(bool (*func)(void*, bool, dr_restore_state_info_t*)) {
+  return restore_state.add(func);
+}
+bool drmgr_unregister_restore_state_ex_event(bool (*func)(void*, bool, dr_restore_state_info_t*)) {
+  return restore_state.remove(func);
 }
 
 void dr_register_exit_event(void (*func)()) { process_exit.add(func); }

@@ -18,6 +18,10 @@ void run_exit_events();
 void run_signal_delivery_events(thread_state& thread, int signal);
 void run_signal_return_events(thread_state& thread, std::uint64_t frame);
 
+// The restore-state events: the instruction at the context's PC, in the block at `block`, has
+// faulted.
+void run_restore_state_events(thread_state& thread, std::uint64_t block);
+
 // The application-to-application block events, for the block at `pc`.
 void run_block_events(thread_state& thread, std::uint64_t pc, _instr_list_t& list);
 

@@ -112,4 +112,8 @@ instr_t* instr_set_translation(instr_t* instr, app_pc pc) {
 app_pc instr_get_app_pc(instr_t* instr) { return instr->pc; }
 byte* instr_get_raw_bits(instr_t* instr) { return instr->raw_bits; }
 int instr_get_opcode(instr_t* instr) { return instr->opcode; }
+instr_t* instr_set_meta(instr_t* instr) {
+  instr->meta = true;
+  return instr;
+}
 bool instr_is_app(instr_t* instr) { return !instr->meta; }

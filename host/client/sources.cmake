@@ -7,4 +7,5 @@ target_sources(host_engine PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/api_inserted_code.cpp
   ${CMAKE_CURRENT_LIST_DIR}/api_process.cpp
   ${CMAKE_CURRENT_LIST_DIR}/block_builder.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/events.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/events.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/own_interface.cpp)

@@ -121,6 +121,8 @@ enum {
   OP_add,        // 1dst_4src: Xd|SP, Xn|SP, immediate 0..4095, shift type LSL, shift amount 0 or 12
   OP_ldr,        // 1dst_1src: Xt|Wt|Qt, memory of the register's size
   OP_str,        // 1dst_1src: memory of the register's size, Xt|Wt|Qt
+  OP_orr,        // 1dst_2src: Xd, Xn, immediate of 64 bits whose ones stand in one row
+                 // 1dst_4src: Xd, Xn, Xm, shift type LSL, shift amount 0
   OP_ldp,        // 2dst_1src: Xt1, Xt2, memory OPSZ_16
   OP_stp,        // 1dst_2src: memory OPSZ_16, Xt1, Xt2
   OP_mrs,        // 1dst_1src: Xt, DR_REG_NZCV|DR_REG_FPCR|DR_REG_FPSR
@@ -153,6 +155,7 @@ DR_EXPORT int instr_get_opcode(instr_t* instr);
 // Whether this is an application instruction: neither inserted by the host as its own nor marked
 // meta. Meta instructions are emitted unchanged. In all others X28 is the application's.
 DR_EXPORT bool instr_is_app(instr_t* instr);
+DR_EXPORT instr_t* instr_set_meta(instr_t* instr);
 DR_EXPORT instr_t* instr_get_next(instr_t* instr);
 DR_EXPORT instr_t* instr_get_prev(instr_t* instr);
 DR_EXPORT instr_t* instr_get_next_app(instr_t* instr);
@@ -217,6 +220,21 @@ DR_EXPORT bool dr_insert_get_stolen_reg_value(void* drcontext, instrlist_t* ilis
 DR_EXPORT bool dr_insert_set_stolen_reg_value(void* drcontext, instrlist_t* ilist, instr_t* where,
                                               reg_id_t reg);
 
+// Slots of a thread's raw storage. Inserted code reaches each of them by one instruction from the
+// register that `tls_register` receives, which is the stolen one; `offset` receives the first
+// slot's displacement from it. They are 0 in a new thread. `alignment` is ignored. Returns false if
+// not enough of the 8 slots are free.
+DR_EXPORT bool dr_raw_tls_calloc(reg_id_t* tls_register, uint* offset, uint num_slots,
+                                 uint alignment);
+DR_EXPORT bool dr_raw_tls_cfree(uint offset, uint num_slots);
+// The address in that register while the calling thread's code runs.
+DR_EXPORT void* dr_get_dr_segment_base(reg_id_t tls_register);
+// Inserts a meta instruction that loads a slot into `reg` (an X register, not X28), or stores it.
+DR_EXPORT void dr_insert_read_raw_tls(void* drcontext, instrlist_t* ilist, instr_t* where,
+                                      reg_id_t tls_register, uint tls_offs, reg_id_t reg);
+DR_EXPORT void dr_insert_write_raw_tls(void* drcontext, instrlist_t* ilist, instr_t* where,
+                                       reg_id_t tls_register, uint tls_offs, reg_id_t reg);
+
 // Inserts a call to `callee` that takes the place of the application instruction at `pc`. The
 // arguments, at most 8, are immediate operands (`opnd_t`). The callee runs on the application's
 // thread, on a host stack, with the host's TPIDR_EL0, and with the application's FPCR and FPSR.
@@ -247,11 +265,12 @@ DR_EXPORT app_pc dr_fragment_app_pc(void* tag);
 enum dr_kernel_xfer_type_t { DR_XFER_SIGNAL_DELIVERY, DR_XFER_SIGNAL_RETURN };
 enum dr_mcontext_flags_t { DR_MC_CONTROL = 0x02 };
 
-// The application's registers. This host fills in SP only.
+// The application's registers. This host fills in SP and PC only.
 struct dr_mcontext_t {
   std::size_t size;
   dr_mcontext_flags_t flags;
   reg_t xsp;
+  byte* pc;
 };
 
 struct dr_kernel_xfer_info_t {
@@ -260,6 +279,15 @@ struct dr_kernel_xfer_info_t {
   app_pc target_pc;
   reg_t target_xsp;
   int sig;  // of a delivery
+};
+
+// An instruction of the application has faulted in a block.
+struct dr_fault_fragment_info_t {
+  void* tag;  // of the block; see dr_fragment_app_pc
+};
+struct dr_restore_state_info_t {
+  dr_mcontext_t* mcontext;  // before the instruction
+  dr_fault_fragment_info_t fragment_info;
 };
 
 // --- Process, threads, output ------------------------------------------------------------------

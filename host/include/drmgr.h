@@ -33,6 +33,16 @@ DR_EXPORT bool drmgr_register_kernel_xfer_event(void (*func)(void* drcontext,
 DR_EXPORT bool drmgr_unregister_kernel_xfer_event(void (*func)(void* drcontext,
                                                                const dr_kernel_xfer_info_t* info));
 
+// Called on a thread whose application has faulted, before the signal reaches the application. In
+// this host the state is already the application's: the event is for what a client keeps of it.
+// `restore_memory` is always true, and the result is ignored.
+DR_EXPORT bool drmgr_register_restore_state_ex_event(bool (*func)(void* drcontext,
+                                                                  bool restore_memory,
+                                                                  dr_restore_state_info_t* info));
+DR_EXPORT bool drmgr_unregister_restore_state_ex_event(bool (*func)(void* drcontext,
+                                                                    bool restore_memory,
+                                                                    dr_restore_state_info_t* info));
+
 // Returns the index of a field that every thread has, null at first, or -1 if all 16 are taken.
 DR_EXPORT int drmgr_register_tls_field();
 DR_EXPORT bool drmgr_unregister_tls_field(int index);

@@ -7,14 +7,18 @@
 #include <unistd.h>
 #include <vector>
 
+#include "host/client/own_interface.h"
 #include "host/launcher/client_library.h"
 #include "host/launcher/options.h"
 #include "host/launcher/runtime.h"
+#include "host/loading/initial_stack.h"
 #include "host/loading/launch_error.h"
 #include "host/loading/loader.h"
 #include "host/loading/program_search.h"
 #include "host/memory/advertised_sve.h"
 #include "host/processes/execution.h"
+#include "host/signals/frame_records.h"
+#include "host/threads/thread.h"
 
 namespace {
 
@@ -57,7 +61,7 @@ loaded_program load(const options& chosen, char** environment) {
                                                     "under tessaly; give the program alone");
   }
   loaded_program loaded = load_program(program, collect(environment), auxiliary_vector(environment),
-                                       chosen.advertise_sve);
+                                       {chosen.advertise_sve, chosen.architectural});
   // The process gets the program's name, as after exec.
   const std::string& name = program.executable_name;
   prctl(PR_SET_NAME, name.c_str() + name.rfind('/') + 1);
@@ -69,15 +73,25 @@ std::string absolute(const std::string& path) {
   return std::filesystem::absolute(path).lexically_normal();
 }
 
+// What the program can see of SVE before it runs an instruction of it.
+void show_sve(const options& chosen, unsigned vector_bytes, const loaded_program& program) {
+  advertise_sve(vector_bytes);
+  current_thread()->process.inherits_vector_length = chosen.inherits_vector_length;
+  if (!chosen.architectural) return;
+  set_auxiliary_value(program.stack_pointer, AT_MINSIGSTKSZ, smallest_signal_stack(vector_bytes));
+}
+
 [[noreturn]] void run_program(options chosen, char** environment) {
   const loaded_program program = load(chosen, environment);
   if (chosen.client.empty()) chosen.client.push_back(default_client_path());
-  launch_settings settings{launcher_path(), chosen.client, chosen.advertise_sve};
+  launch_settings settings{launcher_path(), chosen.client, chosen.advertise_sve,
+                           chosen.architectural, chosen.warn_v_writes};
   settings.client.front() = absolute(settings.client.front());
   set_launch_settings(settings);
   initialize(program);
+  set_client_modes({chosen.architectural, chosen.warn_v_writes && !chosen.architectural});
   const client_library client(chosen.client.front());
-  if (chosen.advertise_sve) advertise_sve(client.vector_bytes());
+  if (chosen.advertise_sve) show_sve(chosen, client.vector_bytes(), program);
   client.start(chosen.client);
   run(program);
 }

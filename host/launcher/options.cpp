@@ -95,6 +95,12 @@ class command_line {
       read_client();
     } else if (option == option_name::advertise_sve) {
       chosen_.advertise_sve = true;
+    } else if (option == option_name::architectural) {
+      chosen_.architectural = chosen_.advertise_sve = true;
+    } else if (option == option_name::warn_v_writes) {
+      chosen_.warn_v_writes = true;
+    } else if (option == option_name::inherits_vector_length) {
+      chosen_.inherits_vector_length = true;
     } else if (option == option_name::executable) {
       chosen_.executable = value_of(option);
     } else if (option == option_name::executable_name) {
@@ -142,6 +148,12 @@ other instructions were met. Programs that PROGRAM executes run in the same way.
 
   -c CLIENT.so         load this client library instead of libsve_client.so
   --advertise-sve      tell PROGRAM that the processor has SVE (AT_HWCAP, prctl, /proc/cpuinfo)
+  --architectural      show PROGRAM all that a processor with SVE shows: emulate SVE in shared
+                       libraries, clear the rest of Z registers when V registers are written,
+                       deliver faults of SVE instructions, put the vectors into signal frames;
+                       implies --advertise-sve, and costs speed
+  --warn-v-writes      say once if PROGRAM writes a V register and then reads all of the Z
+                       register; without --architectural its result may then be wrong
   --executable FILE    run FILE; PROGRAM is only what it finds as argv[0]
   --list-instructions  list the instruction forms that are known: pattern, what serves each, name,
                        syntax
@@ -150,7 +162,7 @@ other instructions were met. Programs that PROGRAM executes run in the same way.
                        hexadecimal
   --help               show this text
   --version            show the version
-  --executable-name, --executable-descriptor
+  --executable-name, --executable-descriptor, --inherits-vector-length
                        used by tessaly itself when PROGRAM calls execve
 
 The exit status is PROGRAM's own; if a signal kills PROGRAM, it kills tessaly. Otherwise:

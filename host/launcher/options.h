@@ -26,6 +26,9 @@ struct options {
   // A descriptor of the file that the program must not inherit, or -1.
   int executable_descriptor = -1;
   bool advertise_sve = false;
+  bool architectural = false;  // implies advertise_sve
+  bool warn_v_writes = false;
+  bool inherits_vector_length = false;  // PR_SVE_VL_INHERIT of the program that called execve
 };
 
 extern const char* const help_text;

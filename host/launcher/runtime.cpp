@@ -24,7 +24,6 @@ void initialize(const loaded_program& program) {
   static signal_actions actions;
   set_loaded_modules(program);
   note_loaded_memory(program);
-  note_initial_stack(program.stack_pointer);
   install_signal_handlers();
   reserve_program_break();
   set_system_call_handler(handle_system_call);
@@ -36,6 +35,7 @@ void initialize(const loaded_program& program) {
 }
 
 void run(const loaded_program& program) {
+  note_initial_stack(program.stack_pointer);
   thread_state& initial = *current_thread();
   std::uint64_t inherited_mask = 0;
   kernel_call(SYS_rt_sigprocmask, SIG_BLOCK, 0, address_of(&inherited_mask), sizeof inherited_mask);

@@ -139,6 +139,23 @@ void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector) {
   }
 }
 
+void add_signal_stack_size(std::vector<Elf64_auxv_t>& auxiliary_vector) {
+  const bool is_there = std::ranges::any_of(auxiliary_vector, [](const Elf64_auxv_t& entry) {
+    return entry.a_type == AT_MINSIGSTKSZ;
+  });
+  if (!is_there) auxiliary_vector.push_back({AT_MINSIGSTKSZ, {0}});
+}
+
+void set_auxiliary_value(std::uintptr_t stack_pointer, std::uint64_t type, std::uint64_t value) {
+  auto* words = pointer_to<std::uint64_t>(stack_pointer);
+  words += 1 + *words + 1;  // argc, argv, null
+  while (*words != 0) words++;
+  for (auto* entry = reinterpret_cast<Elf64_auxv_t*>(words + 1); entry->a_type != AT_NULL;
+       entry++) {
+    if (entry->a_type == type) entry->a_un.a_val = value;
+  }
+}
+
 std::vector<std::byte> build_initial_stack(const process_start& start, std::uint64_t top,
                                            std::span<const std::byte, 16> random) {
   pointed_to upper;

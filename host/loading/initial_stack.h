@@ -39,6 +39,13 @@ std::vector<Elf64_auxv_t> application_auxiliary_vector(const Elf64_auxv_t* own,
 // Makes AT_HWCAP describe a processor with SVE but without SVE2.
 void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector);
 
+// Adds AT_MINSIGSTKSZ if the vector does not have it.
+void add_signal_stack_size(std::vector<Elf64_auxv_t>& auxiliary_vector);
+
+// Changes an entry of the auxiliary vector on a program's initial stack. Does nothing if the vector
+// does not have it.
+void set_auxiliary_value(std::uintptr_t stack_pointer, std::uint64_t type, std::uint64_t value);
+
 // The bytes of the stack from the stack pointer, a multiple of 16, to `top`. Everything that the
 // auxiliary vector points to (AT_EXECFN, AT_PLATFORM, AT_RANDOM) is copied onto the stack.
 std::vector<std::byte> build_initial_stack(const process_start& start, std::uint64_t top,

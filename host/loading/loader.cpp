@@ -184,7 +184,7 @@ program_addresses addresses_of(const mapped_image& program) {
 
 loaded_program load_program(const program_to_run& program,
                             const std::vector<std::string>& environment,
-                            const Elf64_auxv_t* own_auxiliary_vector, bool advertise_sve) {
+                            const Elf64_auxv_t* own_auxiliary_vector, shown_facts shown) {
   const mapped_image main = map_file(program.file, hint_below_launcher());
   program_addresses addresses = addresses_of(main);
   loaded_program loaded;
@@ -200,7 +200,8 @@ loaded_program load_program(const program_to_run& program,
   process_start start{program.arguments, environment, program.executable_name,
                       application_auxiliary_vector(own_auxiliary_vector, addresses),
                       main.image.executable_stack};
-  if (advertise_sve) add_sve_capability(start.auxiliary_vector);
+  if (shown.sve) add_sve_capability(start.auxiliary_vector);
+  if (shown.signal_stack_size) add_signal_stack_size(start.auxiliary_vector);
   const mapped_stack stack = map_initial_stack(start);
   loaded.stack_start = stack.start;
   loaded.stack_end = stack.end;

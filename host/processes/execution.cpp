@@ -125,10 +125,17 @@ struct prepared_launch {
 };
 thread_local prepared_launch prepared;
 
-void add_words(const executable_file& executable, const std::string& path) {
+void add_words(const thread_state& thread, const executable_file& executable,
+               const std::string& path) {
   std::vector<std::string>& words = prepared.words;
   words = {"tessaly", option_name::executable, path, option_name::executable_name, executable.name};
-  if (settings.advertise_sve) words.emplace_back(option_name::advertise_sve);
+  const auto add_if = [&words](bool chosen, const char* option) {
+    if (chosen) words.emplace_back(option);
+  };
+  add_if(settings.advertise_sve, option_name::advertise_sve);
+  add_if(settings.architectural, option_name::architectural);
+  add_if(settings.warn_v_writes, option_name::warn_v_writes);
+  add_if(thread.process.inherits_vector_length, option_name::inherits_vector_length);
   if (prepared.descriptor >= 0) {
     words.emplace_back(option_name::executable_descriptor);
     words.push_back(std::to_string(prepared.descriptor));
@@ -207,7 +214,8 @@ std::int64_t launch(thread_state& thread, std::uint64_t environment) {
 }
 
 // Throws launch_error.
-void prepare(const execution_request& request, const executable_file& executable) {
+void prepare(const thread_state& thread, const execution_request& request,
+             const executable_file& executable) {
   std::string path = executable.path;
   prepared.descriptor = -1;
   if (depends_on_descriptors(path)) {
@@ -215,7 +223,7 @@ void prepare(const execution_request& request, const executable_file& executable
     if (prepared.descriptor < 0) fail(errno);
     path = "/proc/self/fd/" + std::to_string(prepared.descriptor);
   }
-  add_words(executable, path);
+  add_words(thread, executable, path);
   if (add_arguments(request.arguments)) return;
   if (prepared.descriptor >= 0) close(prepared.descriptor);
   fail(EFAULT);
@@ -240,13 +248,13 @@ bool is_for_kernel(const execution_request& request, const std::optional<std::st
 }
 
 // Returns false if the kernel is to make the call as it is.
-bool prepare_if_ours(const execution_request& request) {
+bool prepare_if_ours(const thread_state& thread, const execution_request& request) {
   const auto path = read_path(request.path);
   if (is_for_kernel(request, path)) return false;
   const executable_file executable = find_executable(request, *path);
   if (is_lost_script(request, executable)) fail(ENOENT);
   if (judge(executable) == verdict::leave_to_kernel) return false;
-  prepare(request, executable);
+  prepare(thread, request, executable);
   return true;
 }
 
@@ -258,7 +266,7 @@ std::int64_t execute_program(thread_state& thread) {
   const std::uint64_t* const x = thread.context.x;
   const execution_request request(x);
   try {
-    if (prepare_if_ours(request)) return launch(thread, request.environment);
+    if (prepare_if_ours(thread, request)) return launch(thread, request.environment);
   } catch (const launch_error& error) {
     return -error.error_number();
   }

@@ -20,6 +20,8 @@ struct launch_settings {
   std::string launcher;             // absolute
   std::vector<std::string> client;  // its path, absolute, and its arguments
   bool advertise_sve = false;
+  bool architectural = false;
+  bool warn_v_writes = false;
 };
 void set_launch_settings(const launch_settings& settings);
 

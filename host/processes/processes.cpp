@@ -1,5 +1,6 @@
 #include "host/processes/processes.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -122,6 +123,7 @@ class parents_view {
         is_vfork_child_(thread.process.is_vfork_child) {}
   ~parents_view() {
     copy_registers(context_, thread_.context);
+    std::ranges::copy(context_.raw_tls, thread_.context.raw_tls);
     thread_.tid = tid_;
     thread_.process.clear_child_tid = clear_child_tid_;
     thread_.signals->alternate_stack = alternate_stack_;

@@ -61,6 +61,7 @@ void deliver_fault(thread_state& thread, const pending_signal& fault, std::uint6
   const kernel_action action =
       blocked ? kernel_action{} : thread.signals->actions->take(fault.signal);
   if (!action.has_handler()) end_by_fault(thread, fault);
+  if (fault.block != 0) run_restore_state_events(thread, fault.block);
   enter_handler(thread, fault, action, mask);
 }
 
@@ -71,6 +72,18 @@ void deliver_sent(thread_state& thread, const pending_signal& arrived, std::uint
   } else if (action.is_default()) {
     act_by_default(arrived);
   }
+}
+
+// As in the kernel, the signal comes from the stack pointer that the frame had.
+void raise_bad_frame(thread_state& thread) {
+  pending_signal& fault = thread.signals->pending.fault;
+  fault = {.signal = SIGSEGV};
+  fault.info.si_signo = SIGSEGV;
+  fault.info.si_code = SEGV_ACCERR;
+  fault.info.si_addr = pointer_to(thread.context.sp);
+  fault.syndrome = thread.signals->last_syndrome;
+  fault.fault_address = thread.signals->last_fault_address;
+  thread.context.attention = 1;
 }
 
 pending_signal take(pending_signal& pending) { return std::exchange(pending, pending_signal{}); }
@@ -137,11 +150,13 @@ void raise_fetch_fault(thread_state& thread, int signal) {
 void return_from_signal(thread_state& thread) {
   const std::uint64_t frame = thread.context.sp;
   std::uint64_t mask = 0;
-  if (!pop_signal_frame(thread, mask)) {
-    print_line("rt_sigreturn: there is no signal frame at %#lx", frame);
-    die_by_signal(SIGSEGV);
+  switch (pop_signal_frame(thread, mask)) {
+    case frame_state::good: run_signal_return_events(thread, frame); break;
+    case frame_state::bad: raise_bad_frame(thread); break;
+    case frame_state::missing:
+      print_line("rt_sigreturn: there is no signal frame at %#lx", frame);
+      die_by_signal(SIGSEGV);
   }
-  run_signal_return_events(thread, frame);
   block_signals(thread);
   set_application_mask(thread, mask);
 }

@@ -1,27 +1,20 @@
 #include "host/signals/signal_frame.h"
 
 #include <algorithm>
-#include <asm/sigcontext.h>
 #include <cstring>
 #include <sys/mman.h>
+#include <vector>
 
 #include "host/kernel/address.h"
 #include "host/kernel/fatal.h"
 #include "host/kernel/guarded_copy.h"
 #include "host/kernel/kernel_action.h"
+#include "host/signals/frame_records.h"
 #include "host/signals/thread_signals.h"
 #include "host/threads/thread.h"
 
 namespace host {
 namespace {
-
-struct frame {
-  siginfo_t info;
-  ucontext_t context;
-};
-static_assert(sizeof(siginfo_t) == 128 && offsetof(ucontext_t, uc_sigmask) == 40 &&
-                  offsetof(ucontext_t, uc_mcontext) == 176,
-              "the C library's types match the kernel's, except for the space after the mask");
 
 // The frame record that x29 points at in a handler. It holds the interrupted function's x29 and
 // x30, so that a debugger can walk the stack.
@@ -40,31 +33,28 @@ bool is_on(const stack_t& stack, std::uint64_t sp) {
   return sp > start && sp - start <= stack.ss_size;
 }
 
-template <typename Record>
-unsigned char* append(unsigned char* at, const Record& record) {
-  std::memcpy(at, &record, sizeof record);
-  return at + sizeof record;
-}
-
-void write_vectors(const thread_context& from, fpsimd_context& to) {
-  to.head = {.magic = FPSIMD_MAGIC, .size = sizeof to};
-  to.fpsr = static_cast<std::uint32_t>(from.fpsr);
-  to.fpcr = static_cast<std::uint32_t>(from.fpcr);
-  std::memcpy(to.vregs, from.q, sizeof to.vregs);
-}
-
 void write_registers(const thread_context& from, const pending_signal& arrived, mcontext_t& to) {
   std::ranges::copy(from.x, std::begin(to.regs));
   to.sp = from.sp;
   to.pc = from.pc;
   to.pstate = from.nzcv & condition_flags;
   to.fault_address = arrived.fault_address;
-  fpsimd_context vectors{};
-  write_vectors(from, vectors);
-  unsigned char* at = append(to.__reserved, vectors);
-  if (arrived.syndrome == 0) return;
-  append(at, esr_context{.head = {.magic = ESR_MAGIC, .size = sizeof(esr_context)},
-                         .esr = arrived.syndrome});
+}
+
+// The frame as it will lie at `sp`.
+std::vector<unsigned char> build_frame(thread_state& thread, const pending_signal& arrived,
+                                       std::uint64_t mask, const frame_layout& layout,
+                                       std::uint64_t sp) {
+  signal_frame fixed{.info = arrived.info, .context = {}};
+  fixed.context.uc_stack = thread.signals->alternate_stack;
+  // As in the kernel, the frame does not say whether the stack is in use.
+  if (signal_stack_status(thread) == SS_DISABLE) fixed.context.uc_stack.ss_flags |= SS_DISABLE;
+  std::memcpy(&fixed.context.uc_sigmask, &mask, sizeof mask);
+  write_registers(thread.context, arrived, fixed.context.uc_mcontext);
+  std::vector<unsigned char> made(layout.size);
+  std::memcpy(made.data(), &fixed, sizeof fixed);
+  write_frame_records(thread, arrived, layout, sp, made);
+  return made;
 }
 
 // The address below which the frame goes: the top of the alternate stack if the action asks for
@@ -101,8 +91,8 @@ void enter_handler(thread_context& context, const kernel_action& action, int sig
                    std::uint64_t sp, std::uint64_t record) {
   context.x[0] = static_cast<std::uint64_t>(signal);
   if ((action.flags & SA_SIGINFO) != 0) {
-    context.x[1] = sp + offsetof(frame, info);
-    context.x[2] = sp + offsetof(frame, context);
+    context.x[1] = sp + offsetof(signal_frame, info);
+    context.x[2] = sp + offsetof(signal_frame, context);
   }
   constexpr std::uint64_t has_restorer = 0x04000000;
   context.x[29] = record;
@@ -111,22 +101,19 @@ void enter_handler(thread_context& context, const kernel_action& action, int sig
   context.pc = action.handler;
 }
 
-void read_vectors(const fpsimd_context& from, thread_context& to) {
-  to.fpsr = from.fpsr;
-  to.fpcr = from.fpcr;
-  std::memcpy(to.q, from.vregs, sizeof to.q);
+void read_registers(const mcontext_t& from, thread_context& to) {
+  std::ranges::copy(from.regs, to.x);
+  to.sp = from.sp;
+  to.pc = from.pc;
+  to.nzcv = from.pstate & condition_flags;
 }
 
-// A handler may have moved the records. Like the kernel, this finds them by their headers.
-void read_records(const mcontext_t& from, thread_context& to) {
-  std::size_t at = 0;
-  while (at + sizeof(fpsimd_context) <= sizeof from.__reserved) {
-    fpsimd_context record{};
-    std::memcpy(&record, from.__reserved + at, sizeof record);
-    if (record.head.magic == FPSIMD_MAGIC) return read_vectors(record, to);
-    if (record.head.size == 0) return;
-    at += record.head.size;
-  }
+void restore_alternate_stack(thread_state& thread, const ucontext_t& from) {
+  const stack_t& stack = from.uc_stack;
+  const bool disabled = (stack.ss_flags & SS_DISABLE) != 0;
+  thread.signals->alternate_stack = {.ss_sp = disabled ? nullptr : stack.ss_sp,
+                                     .ss_flags = stack.ss_flags & stack_autodisarm,
+                                     .ss_size = disabled ? 0 : stack.ss_size};
 }
 
 }  // namespace
@@ -136,19 +123,16 @@ int signal_stack_status(const thread_state& thread) {
   return is_on(thread.signals->alternate_stack, thread.context.sp) ? SS_ONSTACK : 0;
 }
 
-bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
-                       const kernel_action& action, std::uint64_t mask) {
+bool push_signal_frame(thread_state& thread, pending_signal arrived, const kernel_action& action,
+                       std::uint64_t mask) {
+  const frame_layout layout = frame_layout_for(thread, arrived);
   const std::uint64_t record = align_down(top_of_stack(thread, action) - sizeof(frame_record));
-  const std::uint64_t sp = align_down(record - sizeof(frame));
+  const std::uint64_t sp = align_down(record - layout.size);
   if (overflows(thread, sp)) return false;
-  frame made{.info = arrived.info, .context = {}};
-  made.context.uc_stack = thread.signals->alternate_stack;
-  // As in the kernel, the frame does not say whether the stack is in use.
-  if (signal_stack_status(thread) == SS_DISABLE) made.context.uc_stack.ss_flags |= SS_DISABLE;
-  std::memcpy(&made.context.uc_sigmask, &mask, sizeof mask);
-  write_registers(thread.context, arrived, made.context.uc_mcontext);
+  const std::vector<unsigned char> made = build_frame(thread, arrived, mask, layout, sp);
   const frame_record interrupted = {thread.context.x[29], thread.context.x[30]};
-  if (!write_to_application(record, interrupted) || !write_to_application(sp, made)) return false;
+  if (!write_to_application(record, interrupted)) return false;
+  if (guarded_copy(pointer_to(sp), made.data(), made.size()) != 0) return false;
   if ((thread.signals->alternate_stack.ss_flags & stack_autodisarm) != 0) {
     thread.signals->alternate_stack = {.ss_sp = nullptr, .ss_flags = 0, .ss_size = 0};
   }
@@ -156,25 +140,17 @@ bool push_signal_frame(thread_state& thread, const pending_signal& arrived,
   return true;
 }
 
-bool pop_signal_frame(thread_state& thread, std::uint64_t& mask) {
-  frame found{};
-  thread_context& context = thread.context;
-  if (context.sp % stack_alignment != 0 || !read_from_application(context.sp, found)) return false;
-  const mcontext_t& machine = found.context.uc_mcontext;
-  std::ranges::copy(machine.regs, context.x);
-  context.sp = machine.sp;
-  context.pc = machine.pc;
-  context.nzcv = machine.pstate & condition_flags;
-  read_records(machine, context);
-  std::memcpy(&mask, &found.context.uc_sigmask, sizeof mask);
-  const stack_t& stack = found.context.uc_stack;
-  if (signal_stack_status(thread) != SS_ONSTACK) {
-    const bool disabled = (stack.ss_flags & SS_DISABLE) != 0;
-    thread.signals->alternate_stack = {.ss_sp = disabled ? nullptr : stack.ss_sp,
-                                       .ss_flags = stack.ss_flags & stack_autodisarm,
-                                       .ss_size = disabled ? 0 : stack.ss_size};
+frame_state pop_signal_frame(thread_state& thread, std::uint64_t& mask) {
+  signal_frame found{};
+  const std::uint64_t address = thread.context.sp;
+  if (address % stack_alignment != 0 || !read_from_application(address, found)) {
+    return frame_state::missing;
   }
-  return true;
+  std::memcpy(&mask, &found.context.uc_sigmask, sizeof mask);
+  read_registers(found.context.uc_mcontext, thread.context);
+  if (!read_frame_records(thread, address, found)) return frame_state::bad;
+  if (signal_stack_status(thread) != SS_ONSTACK) restore_alternate_stack(thread, found.context);
+  return frame_state::good;
 }
 
 }  // namespace host

@@ -170,9 +170,11 @@ class arrival {
       thread_.cache.recover(machine(), thread_.context);
       thread_.context.tpidr = interrupted_tpidr_;
       thread_.signals->pending.fault = as_pending();
+      thread_.signals->pending.fault.block = thread_.cache.block_of(pc);
       thread_.context.attention = 1;
       leave();
-    } else if (!call_client_handler(signal_, &info_, &context_)) {
+    } else if (thread_.signals->client_fault = as_pending();
+               !call_client_handler(signal_, &info_, &context_)) {
       end_by_own_fault();
     }
   }

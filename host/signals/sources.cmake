@@ -1,4 +1,6 @@
 target_sources(host_engine PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/client_faults.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/frame_records.cpp
   ${CMAKE_CURRENT_LIST_DIR}/host_signals.cpp
   ${CMAKE_CURRENT_LIST_DIR}/signal_actions.cpp
   ${CMAKE_CURRENT_LIST_DIR}/signal_calls.cpp

@@ -19,6 +19,7 @@ struct pending_signal {
   std::uint64_t mask = 0;  // the thread's mask when it arrived
   std::uint64_t fault_address = 0;
   std::uint64_t syndrome = 0;  // ESR_EL1 of a fault, 0 if the kernel does not give it
+  std::uint64_t block = 0;     // of a fault: the application address of the block, or 0
 };
 
 // All pending signals of a thread. There is room for one ordinary signal, because all signals are
@@ -33,6 +34,9 @@ struct pending_signals {
 struct thread_signals {
   signal_actions* actions = nullptr;  // of the thread's process
   pending_signals pending;
+  pending_signal client_fault;             // the last fault of the client's code
+  std::uint64_t last_syndrome = 0;         // that a frame told the application
+  std::uint64_t last_fault_address = 0;
   std::uint64_t blocked_host_signals = 0;  // by the application; the kernel does not block them
   stack_t alternate_stack{};               // that the application asked for
   void* entry_stack = nullptr;             // the host's own; kept when the record is used again

@@ -90,6 +90,15 @@ constexpr std::uint32_t bfi(unsigned d, unsigned n, unsigned position, unsigned 
   return 0xb3400000 | (64 - position) << 16 | (width - 1) << 10 | n << 5 | d;
 }
 
+// ORR Xd, Xn, #immediate: `width` ones from bit `position` up, at most up to bit 63
+constexpr std::uint32_t orr_row(unsigned d, unsigned n, unsigned position, unsigned width) {
+  return 0xb2400000 | ((64 - position) & 63) << 16 | (width - 1) << 10 | n << 5 | d;
+}
+// ORR Xd, Xn, Xm
+constexpr std::uint32_t orr(unsigned d, unsigned n, unsigned m) {
+  return 0xaa000000 | m << 16 | n << 5 | d;
+}
+
 // Loads a register from its home, and stores it there.
 constexpr std::uint32_t load_home(unsigned reg) { return ldr(reg, context_register, reg * 8); }
 constexpr std::uint32_t store_home(unsigned reg) { return str(reg, context_register, reg * 8); }

@@ -99,6 +99,13 @@ class code_cache {
   // alone.
   void recover(const mcontext_t& interrupted, thread_context& context) const;
 
+  // The application address of the block that contains an address in the arena, or 0 outside
+  // blocks.
+  std::uint64_t block_of(std::uint64_t address) const {
+    const fragment* const found = fragment_at(address);
+    return found == nullptr ? 0 : found->pc;
+  }
+
   // The application address of an instruction in the arena, or 0 outside blocks.
   std::uint64_t application_pc(std::uint64_t address) const { return at(address).pc; }
 

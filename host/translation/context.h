@@ -15,6 +15,8 @@ namespace host {
 
 struct exit_record;
 
+inline constexpr unsigned raw_tls_slots = 8;
+
 struct alignas(16) thread_context {
   std::uint64_t x[31];
   std::uint64_t sp;
@@ -34,6 +36,7 @@ struct alignas(16) thread_context {
   std::uint64_t slots[9];    // the client's save slots
   std::uint64_t entry;       // the next block's entry, to load into X28 and jump there
   alignas(16) std::uint8_t q[32][16];
+  std::uint64_t raw_tls[raw_tls_slots];  // the client's
 };
 
 // The assembly and the emitted code address these fields by number.
@@ -57,6 +60,7 @@ static_assert(offsetof(thread_context, attention) == CONTEXT_ATTENTION);
 static_assert(offsetof(thread_context, slots) == CONTEXT_SLOTS);
 static_assert(offsetof(thread_context, entry) == CONTEXT_ENTRY);
 static_assert(offsetof(thread_context, q) == CONTEXT_Q);
+static_assert(offsetof(thread_context, raw_tls) == CONTEXT_RAW_TLS);
 static_assert(CONTEXT_Q % 16 == 0, "LDR and STR of a Q register scale their displacement by 16");
 
 // The displacement of a general register's home from X28.

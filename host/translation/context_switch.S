@@ -209,4 +209,16 @@ call_client_end:
   b 1b
   .size call_client, . - call_client
 
+// void leave_call(thread_context* context)
+//
+// Called on the host stack, below an inserted call. Leaves that call and the cache. The context is
+// complete.
+  .globl leave_call
+  .hidden leave_call
+  .type leave_call, %function
+leave_call:
+  mov x28, x0
+  b leave_cache_at_once
+  .size leave_call, . - leave_call
+
   .section .note.GNU-stack, "", %progbits

@@ -8,6 +8,9 @@ extern "C" {
 // then says how. All of the application's registers come from the context and go back to it.
 void enter_cache(host::thread_context* context, const void* code);
 
+// Leaves the cache from within a call to the client. The context must be complete.
+[[noreturn]] void leave_call(host::thread_context* context);
+
 // Not to be called from C++. Cache code and the signal entry jump to these.
 void leave_cache_with_record();
 void leave_cache();

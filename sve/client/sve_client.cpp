@@ -12,10 +12,13 @@
 #include "dr_api.h"
 #include "drmgr.h"
 #include "drreg.h"
+#include "sve/client/architectural.h"
 #include "sve/client/counters.h"
+#include "sve/client/modes.h"
 #include "sve/client/saved_vectors.h"
 #include "sve/client/thread_state.h"
 #include "sve/client/transfer.h"
+#include "sve/client/v_write_warning.h"
 #include "sve/decode/sve_utils.h"
 
 extern "C" {
@@ -86,6 +89,21 @@ dr_emit_flags_t event_instruction_change(void* drcontext, void* tag, instrlist_t
   return DR_EMIT_DEFAULT;
 }
 
+// With --architectural, all modules are rewritten.
+dr_emit_flags_t event_architectural_block(void* drcontext, void* /*tag*/, instrlist_t* block,
+                                          bool /*for_trace*/, bool /*translating*/) {
+  aarch64_instr_count +=
+      sve::rewrite_architectural(drcontext, block, sve::thread_state(drcontext));
+  return DR_EMIT_DEFAULT;
+}
+
+dr_emit_flags_t event_block_with_warnings(void* drcontext, void* tag, instrlist_t* block,
+                                          bool /*for_trace*/, bool /*translating*/) {
+  if (!is_rewritten(tag)) return DR_EMIT_DEFAULT;
+  aarch64_instr_count += sve::rewrite_with_warnings(drcontext, block, sve::thread_state(drcontext));
+  return DR_EMIT_DEFAULT;
+}
+
 // --- Threads -----------------------------------------------------------------------------------
 
 void event_thread_init(void* drcontext) {
@@ -100,6 +118,21 @@ void event_thread_exit(void* drcontext) {
   dr_thread_free(drcontext, data, sizeof(cpu_state));
 }
 
+void event_architectural_thread_init(void* drcontext) {
+  event_thread_init(drcontext);
+  sve::begin_architectural_thread(drcontext, sve::thread_state(drcontext));
+}
+
+void event_architectural_thread_exit(void* drcontext) {
+  sve::end_architectural_thread(drcontext);
+  event_thread_exit(drcontext);
+}
+
+void event_thread_init_with_warnings(void* drcontext) {
+  event_thread_init(drcontext);
+  sve::forget_v_writes();
+}
+
 thread_local sve::saved_vectors vectors_before_signals;
 
 void event_kernel_transfer(void* drcontext, const dr_kernel_xfer_info_t* info) {
@@ -109,6 +142,39 @@ void event_kernel_transfer(void* drcontext, const dr_kernel_xfer_info_t* info) {
   } else if (info->type == DR_XFER_SIGNAL_RETURN) {
     vectors_before_signals.restore(info->source_mcontext->xsp, *state);
   }
+}
+
+void event_kernel_transfer_with_warnings(void* drcontext, const dr_kernel_xfer_info_t* info) {
+  event_kernel_transfer(drcontext, info);
+  sve::forget_v_writes();
+}
+
+// --- Modes -------------------------------------------------------------------------------------
+
+bool start_default() { return true; }
+
+// What the client does in each mode. With --architectural, the host has the vectors in its signal
+// frames, so no event needs to keep them.
+struct client_mode {
+  bool (*start)();
+  drmgr_xform_cb_t block;
+  void (*thread_init)(void*);
+  void (*thread_exit)(void*);
+  void (*kernel_transfer)(void*, const dr_kernel_xfer_info_t*);  // or null
+};
+
+constexpr client_mode default_mode = {start_default, event_instruction_change, event_thread_init,
+                                      event_thread_exit, event_kernel_transfer};
+constexpr client_mode architectural_mode = {
+    sve::start_architectural, event_architectural_block, event_architectural_thread_init,
+    event_architectural_thread_exit, nullptr};
+constexpr client_mode warning_mode = {sve::start_v_write_warnings, event_block_with_warnings,
+                                      event_thread_init_with_warnings, event_thread_exit,
+                                      event_kernel_transfer_with_warnings};
+
+const client_mode& mode() {
+  if (sve::is_architectural()) return architectural_mode;
+  return sve::warns_of_v_writes() ? warning_mode : default_mode;
 }
 
 // --- Process -----------------------------------------------------------------------------------
@@ -125,7 +191,7 @@ void event_exit() {
   print_report();
   if (exe != nullptr) dr_free_module_data(exe);
   exe = nullptr;
-  CLIENT_ASSERT(drmgr_unregister_bb_app2app_event(event_instruction_change), "false");
+  CLIENT_ASSERT(drmgr_unregister_bb_app2app_event(mode().block), "false");
   CLIENT_ASSERT(drreg_exit() == DRREG_SUCCESS, "false");
   drmgr_exit();
 }
@@ -138,10 +204,10 @@ void scan_arguments(int argc, const char* argv[]) {
 }
 
 void register_events() {
-  drmgr_register_thread_init_event(event_thread_init);
-  drmgr_register_thread_exit_event(event_thread_exit);
+  drmgr_register_thread_init_event(mode().thread_init);
+  drmgr_register_thread_exit_event(mode().thread_exit);
   dr_register_exit_event(event_exit);
-  CLIENT_ASSERT(drmgr_register_bb_app2app_event(event_instruction_change, nullptr), "false");
+  CLIENT_ASSERT(drmgr_register_bb_app2app_event(mode().block, nullptr), "false");
 }
 
 // The counts must not be locked in a child of fork by a thread that does not exist there.
@@ -166,7 +232,8 @@ void dr_client_main(client_id_t /*id*/, int argc, const char* argv[]) {
 
   sve_instr_count = 0;
   aarch64_instr_count = 0;
-  drmgr_register_kernel_xfer_event(event_kernel_transfer);
+  if (mode().kernel_transfer != nullptr) drmgr_register_kernel_xfer_event(mode().kernel_transfer);
+  CLIENT_ASSERT(mode().start(), "false");
   [[maybe_unused]] static const int registered = hold_counts_across_fork();
   dr_log(nullptr, DR_LOG_ALL, 1, "SVE client initializing\n");
 }

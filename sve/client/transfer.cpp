@@ -128,6 +128,18 @@ void insert_call(const inserter& code, decode_handler handler) {
                        opnd_create_immed_int(reinterpret_cast<ptr_int_t>(handler), OPSZ_8));
 }
 
+void insert_call(const inserter& code, const sve::extended_call& call) {
+  const auto immediate = [](std::uint64_t value) {
+    return opnd_create_immed_int(static_cast<ptr_int_t>(value), OPSZ_8);
+  };
+  const std::uint32_t word = *reinterpret_cast<const std::uint32_t*>(code.pc);
+  dr_insert_call_velox(code.drcontext, code.block, code.where, code.pc,
+                       reinterpret_cast<void*>(call.callee), 5, opnd_create_immed_int(word, OPSZ_4),
+                       opnd_create_immed_int(reinterpret_cast<ptr_int_t>(code.pc), OPSZ_8),
+                       opnd_create_immed_int(reinterpret_cast<ptr_int_t>(call.handler), OPSZ_8),
+                       immediate(call.fourth), immediate(call.fifth));
+}
+
 void insert_transfer_out(const inserter& code, const cpu_state* state) {
   code.load_address(DR_REG_X27, state);
 
@@ -150,12 +162,23 @@ void insert_transfer_out(const inserter& code, const cpu_state* state) {
   code.restore(DR_REG_X26, SPILL_SLOT_1);
 }
 
+template <class Call>
+void insert_sequence(void* drcontext, instrlist_t* block, instr_t* instr, const cpu_state* state,
+                     const Call& call) {
+  const inserter code{drcontext, block, instr, instr_get_app_pc(instr)};
+  insert_transfer_in(code, state);
+  insert_call(code, call);
+  insert_transfer_out(code, state);
+}
+
 }  // namespace
 
 void sve::insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
                            decode_handler handler) {
-  const inserter code{drcontext, block, instr, instr_get_app_pc(instr)};
-  insert_transfer_in(code, state);
-  insert_call(code, handler);
-  insert_transfer_out(code, state);
+  insert_sequence(drcontext, block, instr, state, handler);
+}
+
+void sve::insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
+                           const extended_call& call) {
+  insert_sequence(drcontext, block, instr, state, call);
 }

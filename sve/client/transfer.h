@@ -12,4 +12,17 @@ namespace sve {
 void insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
                       decode_handler handler);
 
+// A call with two arguments more than emulate_instruction.
+struct extended_call {
+  void (*callee)(unsigned int word, unsigned char* pc, decode_handler handler, std::uint64_t,
+                 std::uint64_t);
+  decode_handler handler;
+  std::uint64_t fourth;
+  std::uint64_t fifth;
+};
+
+// The same, with another call.
+void insert_emulation(void* drcontext, instrlist_t* block, instr_t* instr, cpu_state* state,
+                      const extended_call& call);
+
 }  // namespace sve

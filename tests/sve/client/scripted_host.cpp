@@ -7,6 +7,7 @@
 
 #include "host/client/instruction_list.h"
 #include "host/kernel/fatal.h"
+#include "tessaly_host.h"
 
 scripted_host host_script;
 
@@ -152,6 +153,34 @@ drreg_status_t drreg_init(drreg_options_t* options) {
 }
 drreg_status_t drreg_exit() {
   return host_script.record("drreg_exit") ? DRREG_SUCCESS : DRREG_ERROR;
+}
+
+bool tessaly_is_architectural() { return host_script.architectural; }
+bool tessaly_warns_of_v_writes() { return host_script.warn_v_writes; }
+void tessaly_set_vector_state(const tessaly_vector_state_t* /*functions*/) {}
+void tessaly_raise_fault(void* /*drcontext*/, const tessaly_registers_t* /*before*/) {
+  std::abort();
+}
+
+bool drmgr_register_restore_state_ex_event(bool (*func)(void*, bool, dr_restore_state_info_t*)) {
+  host_script.restore_state_event = func;
+  return true;
+}
+
+constexpr uint raw_slot_offset = 8;
+bool dr_raw_tls_calloc(reg_id_t* tls_register, uint* offset, uint num_slots, uint /*alignment*/) {
+  *tls_register = host_script.stolen_register;
+  *offset = raw_slot_offset;
+  return num_slots == 1;
+}
+void* dr_get_dr_segment_base(reg_id_t /*tls_register*/) { return host_script.raw_slots; }
+void dr_insert_read_raw_tls(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
+                            reg_id_t /*tls_register*/, uint /*tls_offs*/, reg_id_t reg) {
+  insert_marker(ilist, where, marker::read_raw, reg);
+}
+void dr_insert_write_raw_tls(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
+                             reg_id_t /*tls_register*/, uint /*tls_offs*/, reg_id_t reg) {
+  insert_marker(ilist, where, marker::write_raw, reg);
 }
 
 reg_id_t dr_get_stolen_reg() { return host_script.stolen_register; }

@@ -47,6 +47,8 @@ struct scripted_host {
   bool has_main_module = true;
   std::string failing;  // name of the function that reports failure
   reg_id_t stolen_register = DR_REG_X28;
+  bool architectural = false;
+  bool warn_v_writes = false;
   scripted_thread* current = nullptr;
 
   // The record.
@@ -58,6 +60,8 @@ struct scripted_host {
   void (*thread_init_event)(void*) = nullptr;
   void (*thread_exit_event)(void*) = nullptr;
   drmgr_xform_cb_t block_event = nullptr;
+  bool (*restore_state_event)(void*, bool, dr_restore_state_info_t*) = nullptr;
+  std::uint64_t raw_slots[2] = {};  // the client gets the second
 
   bool record(const std::string& call);  // false if `call` is the failing one
 };
@@ -72,4 +76,6 @@ constexpr std::uint32_t restore = 0x2000;
 constexpr std::uint32_t get_stolen = 0x3000;
 constexpr std::uint32_t set_stolen = 0x4000;
 constexpr std::uint32_t call = 0x5000;
+constexpr std::uint32_t read_raw = 0x6000;
+constexpr std::uint32_t write_raw = 0x7000;
 }  // namespace marker
