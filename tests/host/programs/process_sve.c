@@ -1,8 +1,9 @@
 // Checks what a program learns about SVE in all the places where it may ask.
 //
-// process_sve LENGTH [again]: LENGTH is the length of a vector in bytes, or 0 for a processor
-// without SVE. The status is the number of wrong answers. With `again` the program executes itself
-// for a second round.
+// process_sve LENGTH [again|inherited]: LENGTH is the length of a vector in bytes, or 0 for a
+// processor without SVE. The status is the number of wrong answers. With `again` the program
+// executes itself for a second round. With `inherited` it has been executed by a program that had
+// set PR_SVE_VL_INHERIT.
 #include <errno.h>
 #include <pthread.h>
 #include <stdio.h>
@@ -54,7 +55,7 @@ static void* get_length(void* length) {
 }
 
 // The processor has a single vector length. It never changes, whatever the program asks for.
-static void check_lengths(long length) {
+static void check_lengths(long length, int is_inherited) {
   const struct {
     unsigned long argument;
     long result;
@@ -68,7 +69,10 @@ static void check_lengths(long length) {
       {16 | 1u << 19, -EINVAL},
       {16 | PR_SVE_VL_INHERIT, length | PR_SVE_VL_INHERIT},
   };
-  expect("length", prctl(PR_SVE_GET_VL), length);
+  const long flag = is_inherited ? PR_SVE_VL_INHERIT : 0;
+  expect("length", prctl(PR_SVE_GET_VL), length | flag);
+  expect("length for the next exec", set_length(32 | PR_SVE_SET_VL_ONEXEC | PR_SVE_VL_INHERIT),
+         length | PR_SVE_VL_INHERIT);
   for (unsigned i = 0; i < sizeof table / sizeof table[0]; i++) {
     expect("PR_SVE_SET_VL", set_length(table[i].argument), table[i].result);
   }
@@ -88,10 +92,12 @@ int main(int argc, char** argv) {
   expect("ID_AA64PFR0_EL1", (long)(identification() >> 32 & 15), there);
   expect("/proc/cpuinfo", has_feature(there), there);
   if (there) {
-    check_lengths(length);
+    check_lengths(length, argc > 2 && strcmp(argv[2], "inherited") == 0);
   } else {
     expect("PR_SVE_GET_VL", prctl(PR_SVE_GET_VL), -1);
   }
-  if (argc > 2 && wrong == 0) return execl("/proc/self/exe", argv[0], argv[1], NULL);
+  if (argc > 2 && wrong == 0 && strcmp(argv[2], "again") == 0) {
+    return execl("/proc/self/exe", argv[0], argv[1], there ? "inherited" : NULL, NULL);
+  }
   return wrong;
 }
