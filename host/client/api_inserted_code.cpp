@@ -118,9 +118,7 @@ bool dr_raw_tls_cfree(uint offset, uint num_slots) {
   return true;
 }
 
-void* dr_get_dr_segment_base(reg_id_t /*tls_register*/) {
-  return &host::current_thread()->context;
-}
+void* dr_get_dr_segment_base(reg_id_t /*tls_register*/) { return &host::current_thread()->context; }
 
 void dr_insert_read_raw_tls(void* /*drcontext*/, instrlist_t* ilist, instr_t* where,
                             reg_id_t tls_register, uint tls_offs, reg_id_t reg) {

@@ -45,7 +45,7 @@ struct tessaly_registers_t {
 };
 
 // Raises the signal of the calling thread's last fault in the client's code as if the application's
-// instruction at `before->pc` had faulted, and leaves the inserted call for good. The client's fault
-// handler must have returned before. `before` holds the registers before that instruction.
+// instruction at `before->pc` had faulted, and leaves the inserted call for good. The client's
+// fault handler must have returned before. `before` holds the registers before that instruction.
 DR_EXPORT void tessaly_raise_fault(void* drcontext, const tessaly_registers_t* before)
     __attribute__((noreturn));

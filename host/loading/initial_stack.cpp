@@ -140,9 +140,8 @@ void add_sve_capability(std::vector<Elf64_auxv_t>& auxiliary_vector) {
 }
 
 void add_signal_stack_size(std::vector<Elf64_auxv_t>& auxiliary_vector) {
-  const bool is_there = std::ranges::any_of(auxiliary_vector, [](const Elf64_auxv_t& entry) {
-    return entry.a_type == AT_MINSIGSTKSZ;
-  });
+  const bool is_there = std::ranges::any_of(
+      auxiliary_vector, [](const Elf64_auxv_t& entry) { return entry.a_type == AT_MINSIGSTKSZ; });
   if (!is_there) auxiliary_vector.push_back({AT_MINSIGSTKSZ, {0}});
 }
 

@@ -202,9 +202,9 @@ bool restore_sve(thread_state& thread, const tessaly_vector_state_t& state,
 // The kernel keeps the syndrome and the address of the last fault, and each later frame tells of
 // them, whatever the signal is. SIGTRAP and SIGFPE do not change them.
 void keep_syndrome(thread_signals& signals, pending_signal& arrived) {
-  const bool is_fault = arrived.info.si_code > 0 &&
-                        (arrived.signal == SIGSEGV || arrived.signal == SIGBUS ||
-                         arrived.signal == SIGILL);
+  const bool is_fault =
+      arrived.info.si_code > 0 &&
+      (arrived.signal == SIGSEGV || arrived.signal == SIGBUS || arrived.signal == SIGILL);
   if (is_fault) {
     signals.last_syndrome = arrived.syndrome;
     signals.last_fault_address = arrived.fault_address;

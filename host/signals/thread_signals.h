@@ -34,8 +34,8 @@ struct pending_signals {
 struct thread_signals {
   signal_actions* actions = nullptr;  // of the thread's process
   pending_signals pending;
-  pending_signal client_fault;             // the last fault of the client's code
-  std::uint64_t last_syndrome = 0;         // that a frame told the application
+  pending_signal client_fault;      // the last fault of the client's code
+  std::uint64_t last_syndrome = 0;  // that a frame told the application
   std::uint64_t last_fault_address = 0;
   std::uint64_t blocked_host_signals = 0;  // by the application; the kernel does not block them
   stack_t alternate_stack{};               // that the application asked for

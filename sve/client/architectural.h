@@ -2,8 +2,8 @@
 // shows.
 //
 // Without it, the client emulates the instructions of the main module and leaves everything else as
-// it is. With it, SVE instructions of all modules are emulated, writes of V registers clear the rest
-// of the Z registers, a fault of an emulated instruction reaches the program, first-fault and
+// it is. With it, SVE instructions of all modules are emulated, writes of V registers clear the
+// rest of the Z registers, a fault of an emulated instruction reaches the program, first-fault and
 // non-fault loads go to the last element, a signal frame has the vectors, and a system call clears
 // all but the V registers.
 #pragma once

@@ -64,9 +64,9 @@ bool is_any_active(const predicate_register& governing, unsigned size, unsigned 
   return false;
 }
 
-// The architecture's rule: the first active element of a first-fault load loads or faults. Any other
-// active element that cannot be read makes the FFR false from there on. What the register holds
-// from there on is left to each processor; here it is 0.
+// The architecture's rule: the first active element of a first-fault load loads or faults. Any
+// other active element that cannot be read makes the FFR false from there on. What the register
+// holds from there on is left to each processor; here it is 0.
 aarch64_decode_rc run_fault_tolerant(cpu_state* state, unsigned word) {
   program_access& access = current_access();
   access.keep();

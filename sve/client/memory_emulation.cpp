@@ -13,9 +13,12 @@
 namespace sve {
 namespace {
 
-// LDR and STR of a vector or a predicate: 1u00010110 imm9h 0v0 imm9l Rn Rt, with v for a vector. u is
-// set in a store.
-constexpr bool moves_a_register(std::uint32_t word) { return (word & 0x9fc0a000) == 0x85800000; }
+// LDR and STR of a vector or a predicate: 1uu0010110 imm9h 0v0 imm9l Rn Rt. u is set in a store,
+// and v for a vector.
+constexpr bool moves_a_register(std::uint32_t word) {
+  const std::uint32_t fixed = word & 0xffc0a000;
+  return fixed == 0x85800000 || fixed == 0xe5800000;
+}
 
 // The fast paths copy the register as a block, in an order that the compiler chose. Touching its
 // first byte in each page before that makes the lowest byte that cannot be accessed the one that
@@ -23,16 +26,18 @@ constexpr bool moves_a_register(std::uint32_t word) { return (word & 0x9fc0a000)
 void touch_pages(const cpu_state* state, unsigned word) {
   static const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
   const bool is_vector = bits(word, 14, 14) != 0;
-  const bool is_store = bits(word, 30, 29) == 3;
+  const bool is_store = bits(word, 30, 30) != 0;
   const unsigned length = is_vector ? vector_bytes : predicate_bytes;
-  const int registers = static_cast<int>((bits(word, 21, 16) << 3 | bits(word, 12, 10)) << 23) >> 23;
+  const int registers =
+      static_cast<int>((bits(word, 21, 16) << 3 | bits(word, 12, 10)) << 23) >> 23;
   const std::uint64_t start = read_x(state, aarch64_i_rsp_reg{bits(word, 9, 5), D}) +
                               static_cast<std::uint64_t>(registers * static_cast<int>(length));
   const auto byte_at = [&](std::uint64_t i) {
     const unsigned t = bits(word, 4, 0);
     return is_vector ? state->z[t][i] : pack_lanes(element<std::uint64_t>(state->p[t], i));
   };
-  for (std::uint64_t i = 0; i < length; i = (start + i + page_bytes) / page_bytes * page_bytes - start) {
+  for (std::uint64_t i = 0; i < length;
+       i = (start + i + page_bytes) / page_bytes * page_bytes - start) {
     if (is_store) {
       write_guest<std::uint8_t>(start + i, byte_at(i));
     } else {

@@ -12,9 +12,7 @@ uint tls_offset = 0;
 
 [[gnu::tls_model("initial-exec")]] thread_local constinit std::uint64_t* slot = nullptr;
 
-void clear_rest(vector_register& z) {
-  std::memset(z + group_bytes, 0, sizeof z - group_bytes);
-}
+void clear_rest(vector_register& z) { std::memset(z + group_bytes, 0, sizeof z - group_bytes); }
 
 // The rows of ones of a mask, the lowest first. ORR takes each of them as an immediate.
 std::vector<std::uint64_t> rows_of_ones(std::uint64_t mask) {
@@ -50,9 +48,8 @@ struct mask_code {
   }
 
   void add_row(reg_id_t from, std::uint64_t row) const {
-    put(instr_create_1dst_2src(
-        drcontext, OP_orr, opnd_create_reg(DR_REG_X0), opnd_create_reg(from),
-        opnd_create_immed_int(static_cast<ptr_int_t>(row), OPSZ_8)));
+    put(instr_create_1dst_2src(drcontext, OP_orr, opnd_create_reg(DR_REG_X0), opnd_create_reg(from),
+                               opnd_create_immed_int(static_cast<ptr_int_t>(row), OPSZ_8)));
   }
 
   void add_constant(std::uint64_t mask) const {
@@ -99,8 +96,7 @@ void pay_off_pending_writes(cpu_state& state, std::uint64_t run) {
   }
 }
 
-void insert_pending_writes(void* drcontext, instrlist_t* block, instr_t* where,
-                           std::uint32_t run) {
+void insert_pending_writes(void* drcontext, instrlist_t* block, instr_t* where, std::uint32_t run) {
   if (run == 0) return;
   const mask_code code{drcontext, block, where};
   const std::vector<std::uint64_t> rows = rows_of_ones(run);

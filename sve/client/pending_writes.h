@@ -18,8 +18,8 @@
 
 namespace sve {
 
-// Bits 0 to 31 of the mask stand for V0 to V31. This bit says that the predicates and the FFR are to
-// be cleared as well, and that the thread has no live SVE state.
+// Bits 0 to 31 of the mask stand for V0 to V31. This bit says that the predicates and the FFR are
+// to be cleared as well, and that the thread has no live SVE state.
 inline constexpr std::uint64_t no_live_state = std::uint64_t{1} << 32;
 inline constexpr std::uint64_t all_registers = 0xffffffff;
 
@@ -34,8 +34,8 @@ std::uint64_t& pending_writes();
 // Clears what the mask and the further registers `run` say. The mask is 0 afterwards.
 void pay_off_pending_writes(cpu_state& state, std::uint64_t run);
 
-// Inserts code that adds the registers to the mask: at most 9 instructions, which change no register
-// and no flag. Nothing if there are none.
+// Inserts code that adds the registers to the mask: at most 9 instructions, which change no
+// register and no flag. Nothing if there are none.
 void insert_pending_writes(void* drcontext, instrlist_t* block, instr_t* where, std::uint32_t run);
 
 // Inserts code that sets the whole mask, ahead of a system call.

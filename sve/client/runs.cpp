@@ -14,8 +14,8 @@ std::uint32_t registers_written(std::uint32_t word) {
   return vector_bytes == group_bytes ? 0 : v_registers_written(word);
 }
 
-// The code goes ahead of the last instruction, which may branch, unless that one writes a V register
-// itself and so does not branch.
+// The code goes ahead of the last instruction, which may branch, unless that one writes a V
+// register itself and so does not branch.
 instr_t* place_of_last_run(instr_t* last) {
   const bool is_of_run = last == nullptr || registers_written(word_of(last)) != 0;
   return is_of_run ? nullptr : last;

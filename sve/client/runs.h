@@ -1,5 +1,6 @@
 // A block as runs: the program's own instructions between two emulated ones. With --architectural
-// and with --warn-v-writes, each run tells which V registers it writes (sve/client/pending_writes.h).
+// and with --warn-v-writes, each run tells which V registers it writes
+// (sve/client/pending_writes.h).
 #pragma once
 
 #include <cstdint>
@@ -12,8 +13,8 @@ namespace sve {
 
 // Replaces `instr`, the instruction `word` of a row. `run` has the V registers that the run before
 // it has written in this block; the code in its place must take them into account.
-using insert_emulation_of_row = std::function<void(
-    instr_t* instr, std::uint32_t word, const instruction_row& row, std::uint32_t run)>;
+using insert_emulation_of_row = std::function<void(instr_t* instr, std::uint32_t word,
+                                                   const instruction_row& row, std::uint32_t run)>;
 
 // Rewrites the block. `insert` puts code ahead of each instruction of a row, which is then removed.
 // Returns the number of all other instructions.

@@ -1,5 +1,5 @@
-// The bytes are those of the kernel's sve_context: Z0 to Z31, P0 to P15 and the FFR. A predicate has
-// one bit for each byte of a vector.
+// The bytes are those of the kernel's sve_context: Z0 to Z31, P0 to P15 and the FFR. A predicate
+// has one bit for each byte of a vector.
 #include "sve/client/signal_record.h"
 
 #include <cstring>
@@ -16,7 +16,8 @@ namespace sve {
 namespace {
 
 byte* save_predicate(const predicate_register& from, byte* to) {
-  for (unsigned i = 0; i < predicate_bytes; ++i) *to++ = pack_lanes(element<std::uint64_t>(from, i));
+  for (unsigned i = 0; i < predicate_bytes; ++i)
+    *to++ = pack_lanes(element<std::uint64_t>(from, i));
   return to;
 }
 

@@ -92,8 +92,7 @@ dr_emit_flags_t event_instruction_change(void* drcontext, void* tag, instrlist_t
 // With --architectural, all modules are rewritten.
 dr_emit_flags_t event_architectural_block(void* drcontext, void* /*tag*/, instrlist_t* block,
                                           bool /*for_trace*/, bool /*translating*/) {
-  aarch64_instr_count +=
-      sve::rewrite_architectural(drcontext, block, sve::thread_state(drcontext));
+  aarch64_instr_count += sve::rewrite_architectural(drcontext, block, sve::thread_state(drcontext));
   return DR_EMIT_DEFAULT;
 }
 
@@ -165,9 +164,9 @@ struct client_mode {
 
 constexpr client_mode default_mode = {start_default, event_instruction_change, event_thread_init,
                                       event_thread_exit, event_kernel_transfer};
-constexpr client_mode architectural_mode = {
-    sve::start_architectural, event_architectural_block, event_architectural_thread_init,
-    event_architectural_thread_exit, nullptr};
+constexpr client_mode architectural_mode = {sve::start_architectural, event_architectural_block,
+                                            event_architectural_thread_init,
+                                            event_architectural_thread_exit, nullptr};
 constexpr client_mode warning_mode = {sve::start_v_write_warnings, event_block_with_warnings,
                                       event_thread_init_with_warnings, event_thread_exit,
                                       event_kernel_transfer_with_warnings};

@@ -44,6 +44,11 @@ instr_t* add(int d, int n, ptr_int_t value, ptr_int_t shift) {
                                 immediate(shift));
 }
 
+instr_t* orr(int d, int n, std::uint64_t value) {
+  return instr_create_1dst_2src(nullptr, OP_orr, reg(d), reg(n),
+                                immediate(static_cast<ptr_int_t>(value)));
+}
+
 instr_t* str(int from, const opnd_t& to) {
   return instr_create_1dst_1src(nullptr, OP_str, to, reg(from));
 }
@@ -60,7 +65,13 @@ instr_t* move(int opcode, int to, int from) {
 // tests/sve/client/block_test.cpp has the forms as the client uses them.
 TEST_F(encodes, the_limits_of_every_form) {
   const std::pair<instr_t*, std::uint32_t> forms[] = {
-      {add(DR_REG_X1, DR_REG_X2, 4095, 12), 0x917ffc41},  // add  x1, x2, #0xfff, lsl #12
+      {add(DR_REG_X1, DR_REG_X2, 4095, 12), 0x917ffc41},      // add  x1, x2, #0xfff, lsl #12
+      {orr(DR_REG_X0, DR_REG_X1, 1), 0xb2400020},             // orr  x0, x1, #1
+      {orr(DR_REG_X0, DR_REG_XZR, 0x1ffffffff), 0xb24083e0},  // mov  x0, #0x1ffffffff
+      {orr(DR_REG_X2, DR_REG_X2, std::uint64_t{3} << 62), 0xb2420442},  // orr  x2, x2, #3 << 62
+      {instr_create_1dst_4src(nullptr, OP_orr, reg(DR_REG_X0), reg(DR_REG_X0), reg(DR_REG_X1),
+                              lsl(), immediate(0)),
+       0xaa010000},                                                       // orr  x0, x0, x1
       {ldr(DR_REG_W26, memory(DR_REG_X27, 16380, OPSZ_4)), 0xb97fff7a},   // ldr  w26, [x27, #16380]
       {ldr(DR_REG_XZR, memory(DR_REG_SP, 0, OPSZ_8)), 0xf94003ff},        // ldr  xzr, [sp]
       {str(DR_REG_Q31, memory(DR_REG_X27, 65520, OPSZ_16)), 0x3dbfff7f},  // str  q31, [x27, #65520]
@@ -96,6 +107,8 @@ TEST_F(encodes_death, refuses_all_other_forms_by_name) {
   EXPECT_EXIT(stp(DR_REG_X0, DR_REG_X1, memory(DR_REG_X1, 0, OPSZ_8)), refused, "16 bytes");
   EXPECT_EXIT(move(OP_mrs, DR_REG_X0, DR_REG_X1), refused, "NZCV, FPCR or FPSR");
   EXPECT_EXIT(move(OP_add, DR_REG_X0, DR_REG_X1), refused, "no such form");
+  EXPECT_EXIT(orr(DR_REG_X0, DR_REG_X1, 0b101), refused, "ones in one row");
+  EXPECT_EXIT(orr(DR_REG_X0, DR_REG_X1, 0), refused, "ones in one row");
   EXPECT_EXIT(add(DR_REG_X0, DR_REG_X1, 4096, 0), refused, "from 0 to 4095");
   EXPECT_EXIT(add(DR_REG_X0, DR_REG_X1, 1, 4), refused, "0 or 12");
 }
@@ -105,8 +118,31 @@ TEST_F(encodes_death, refuses_what_it_cannot_insert) {
               "dr_save_reg");
   EXPECT_EXIT(dr_restore_reg(nullptr, list, nullptr, DR_REG_X0, static_cast<dr_spill_slot_t>(9)),
               refused, "no slot 9");
+  EXPECT_EXIT(dr_insert_read_raw_tls(nullptr, list, nullptr, DR_REG_X28, 0, DR_REG_X0), refused,
+              "dr_insert_read_raw_tls: there is no slot at 0");
   EXPECT_EXIT(dr_insert_call_velox(nullptr, list, nullptr, nullptr, nullptr, 1, reg(DR_REG_X0)),
               refused, "argument 0 is not an immediate");
+}
+
+TEST_F(inserts, accesses_to_raw_slots) {
+  reg_id_t base = DR_REG_NULL;
+  uint first = 0;
+  uint second = 0;
+  ASSERT_TRUE(dr_raw_tls_calloc(&base, &first, 1, 0));
+  ASSERT_TRUE(dr_raw_tls_calloc(&base, &second, 7, 0));
+  uint none = 0;
+  EXPECT_FALSE(dr_raw_tls_calloc(&base, &none, 1, 0));
+  EXPECT_EQ(base, DR_REG_X28);
+  dr_insert_read_raw_tls(nullptr, list, nullptr, base, first, DR_REG_X0);
+  dr_insert_write_raw_tls(nullptr, list, nullptr, base, second, DR_REG_X1);
+  EXPECT_EQ(encoded(), (words{
+                           0xf941e380,  // ldr  x0, [x28, #960]
+                           0xf901e781,  // str  x1, [x28, #968]
+                       }));
+  EXPECT_FALSE(instr_is_app(instrlist_first(list)));
+  EXPECT_TRUE(dr_raw_tls_cfree(second, 7));
+  EXPECT_TRUE(dr_raw_tls_cfree(first, 1));
+  EXPECT_FALSE(dr_raw_tls_cfree(first + 64, 1));
 }
 
 TEST_F(inserts, a_call_with_its_arguments) {
