@@ -44,7 +44,7 @@ TEST(RegisterUse, OfSomeWords) {
       {0x04102861, {set_of(3), set_of(1), 0, 2}},        // movprfx z1.b, p2/z, z3.b
       {0x2402ac29, {set_of(1, 2), 0, set_of(9), 3}},     // cmpeq p9.b, p3/z, z1.b, z2.b
       // Loads and stores. After Z31 comes Z0.
-      {0xa5e5cc9e, {0, set_of(30, 31, 0, 1), 0, 3}},  // ld4d {z30.d, z31.d, z0.d, z1.d}, p3/z,
+      {0xa5e5cc9e, {0, set_of(30, 31, 0, 1), 0, 3}},  // ld4d {z30.d-z1.d}, p3/z, [x4, x5]
       {0xe445689f, {set_of(31, 0, 1), 0, 0, 2}},      // st3b {z31.b, z0.b, z1.b}, p2, [x4, x5]
       {0x85800065, {0, 0, set_of(5), -1}},            // ldr p5, [x3]
       {0xe5800065, {0, 0, 0, -1}},                    // str p5, [x3]
