@@ -14,8 +14,8 @@ enum class access : std::uint8_t {
   transferred,  // written by a load, read by a store
 };
 
-// The use of a descriptor's operand. That of an immediate, a general register or the low element of
-// a vector register is empty: register_use does not cover them.
+// The use of a descriptor's operand. It is empty for an immediate, for a general register, and for
+// a vector register of which only the low element is read.
 struct operand_use {
   register_file file = register_file::none;
   char letter = 0;  // the field with the register's number

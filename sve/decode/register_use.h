@@ -15,9 +15,9 @@ struct register_use {
   int governing = -1;           // the number of the governing predicate, or -1
 };
 
-// What a word of that row uses. A merging instruction reads its destination, too. Forms that take a
-// SIMD&FP scalar read its low element only. So does DUP (indexed), as far as this record goes, if
-// the element is in the low 128 bits. A prefetch uses nothing.
+// What a word of that row uses. A merging instruction reads its destination, too. A SIMD&FP scalar
+// is the low element of its register, and does not count as read. Neither does the register of DUP
+// (indexed) if the element is in the low 128 bits. A prefetch uses nothing.
 register_use register_use_of(const instruction_row& row, std::uint32_t word);
 
 }  // namespace sve
