@@ -14,6 +14,7 @@
 #include <sys/mman.h>
 
 #include "bench/section.h"
+#include "sve/state/cpu_state.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "dr_api.h"
 #include "sve/decode/sve_utils.h"
+#include "sve/state/cpu_state.h"
 
 namespace sve {
 

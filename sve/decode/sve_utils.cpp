@@ -10,6 +10,7 @@
 #include "sve/decode/maps.h"
 #include "sve/decode/pattern.h"
 #include "sve/semantics/memory_access.h"
+#include "sve/state/cpu_state.h"
 
 namespace {
 

@@ -15,7 +15,9 @@
 
 #include "sve/decode/operand_text.h"
 #include "sve/decode/operand_use.h"
-#include "sve/state/cpu_state.h"
+#include "sve/state/decode_result.h"
+
+struct cpu_state;
 
 using decode_handler = aarch64_decode_rc (*)(cpu_state*, unsigned int);
 

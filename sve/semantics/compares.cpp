@@ -3,7 +3,7 @@
 
 #include "sve/semantics/elements.h"
 #include "sve/semantics/predicates.h"
-#include "sve/state/cpu_state.h"
+#include "sve/state/condition_flags.h"
 
 using namespace sve::semantics;
 

@@ -6,7 +6,7 @@
 
 #include "sve/semantics/active_elements.h"
 #include "sve/semantics/elements.h"
-#include "sve/state/cpu_state.h"
+#include "sve/state/condition_flags.h"
 #include "sve/state/predicate_pattern.h"
 
 using namespace sve::semantics;

@@ -16,13 +16,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "sve/state/condition_flags.h"
+#include "sve/state/decode_result.h"
 #include "sve/state/vector_length.h"
-
-// Result of a decode handler and of a fast path. There are no other values.
-enum aarch64_decode_rc : int {
-  aarch64_decode_ok = 0,             // the instruction was carried out
-  aarch64_decode_unimplemented = 2,  // nothing was carried out
-};
 
 // A vector register and an unpacked predicate, as bytes in ascending order.
 using vector_register = unsigned char[sve::vector_bytes];
@@ -46,12 +42,3 @@ static_assert(offsetof(cpu_state, sp) == offsetof(cpu_state, x) + 31 * sizeof(st
               "a base register numbered 31 reaches SP as x[31]");
 static_assert(offsetof(cpu_state, ffr) == offsetof(cpu_state, p) + 16 * sizeof(predicate_register),
               "the FFR is in effect predicate number 16");
-
-// The condition flags in `nzcv` and in CpuContext::nzcv.
-namespace sve {
-inline constexpr std::uint32_t flag_n = 1U << 31;
-inline constexpr std::uint32_t flag_z = 1U << 30;
-inline constexpr std::uint32_t flag_c = 1U << 29;
-inline constexpr std::uint32_t flag_v = 1U << 28;
-inline constexpr std::uint32_t flags_nzcv = flag_n | flag_z | flag_c | flag_v;
-}  // namespace sve

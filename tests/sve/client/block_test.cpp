@@ -1,6 +1,7 @@
 // Block rewriting: which blocks and instructions are rewritten, and the sequence that replaces an
 // instruction, word for word.
 #include "sve/client/emulate.h"
+#include "sve/state/vector_length.h"
 #include "tests/sve/client/application_block.h"
 #include "tests/sve/client/client_fixture.h"
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "sve/decode/sve_utils.h"
+#include "sve/state/cpu_state.h"
 
 namespace {
 

@@ -13,6 +13,7 @@
 #include "guarded_memory.h"
 #include "sve/decode/sve_utils.h"
 #include "sve/semantics/memory_access.h"
+#include "sve/state/cpu_state.h"
 
 namespace {
 
