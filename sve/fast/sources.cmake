@@ -1,4 +1,4 @@
-target_sources(sve PRIVATE
+list(APPEND sources_by_length
   ${CMAKE_CURRENT_LIST_DIR}/compare.cpp
   ${CMAKE_CURRENT_LIST_DIR}/contiguous_memory.cpp
   ${CMAKE_CURRENT_LIST_DIR}/counting.cpp
@@ -12,4 +12,4 @@ target_sources(sve PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/stub_entries.cpp)
 
 # Each processor has its own scalar_unit.h.
-target_include_directories(sve PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${CMAKE_SYSTEM_PROCESSOR})
+set(scalar_unit_directory ${CMAKE_CURRENT_LIST_DIR}/${CMAKE_SYSTEM_PROCESSOR})

@@ -22,7 +22,6 @@ set(fp_sources
 # A separate target, so that the tests of its numbers do not have to wait for the rest.
 add_library(sve_fp OBJECT ${fp_sources})
 target_compile_options(sve_fp PRIVATE $<$<CONFIG:Release>:-O3>)
-target_sources(sve PRIVATE $<TARGET_OBJECTS:sve_fp>)
 # Results must not depend on the processor's floating-point state, so the compiler must not use its
 # floating-point registers.
 target_compile_options(sve_fp PRIVATE -mgeneral-regs-only)

@@ -1,4 +1,4 @@
-target_sources(sve PRIVATE
+target_sources(sve_common PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/compares.cpp
   ${CMAKE_CURRENT_LIST_DIR}/counts.cpp
   ${CMAKE_CURRENT_LIST_DIR}/floating_point_arithmetic.cpp

@@ -1,9 +1,9 @@
 // The vector length of the emulated processor.
 //
 // It is a build constant, because all loops of the fast paths have a trip count that is known at
-// compile time. It comes only from the CMake cache variable SVE_VECTOR_BITS, so that you build for
-// another length just by configuring again. No other file names a length: counts, pattern results
-// and the size of a predicate in memory all follow from the values here.
+// compile time. CMake compiles the sources that include this for each length of the build: that of
+// SVE_VECTOR_BITS, and those of TESSALY_VECTOR_LENGTHS. No other file names a length: counts,
+// pattern results and the size of a predicate in memory all follow from the values here.
 #pragma once
 
 #include "sve/state/configured_length.h"
