@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/client/own_interface.h"
+#include "host/launcher/client_by_length.h"
 #include "host/launcher/client_library.h"
 #include "host/launcher/options.h"
 #include "host/launcher/runtime.h"
@@ -82,6 +83,7 @@ void show_sve(const options& chosen, unsigned vector_bytes, const loaded_program
 }
 
 [[noreturn]] void run_program(options chosen, char** environment) {
+  if (chosen.vector_length) chosen.client.push_back(client_for_length(*chosen.vector_length));
   const loaded_program program = load(chosen, environment);
   if (chosen.client.empty()) chosen.client.push_back(default_client_path());
   launch_settings settings{launcher_path(), chosen.client, chosen.advertise_sve,
@@ -91,6 +93,7 @@ void show_sve(const options& chosen, unsigned vector_bytes, const loaded_program
   initialize(program);
   set_client_modes({chosen.architectural, chosen.warn_v_writes && !chosen.architectural});
   const client_library client(chosen.client.front());
+  if (chosen.vector_length) check_length(client, *chosen.vector_length);
   if (chosen.advertise_sve) show_sve(chosen, client.vector_bytes(), program);
   client.start(chosen.client);
   run(program);

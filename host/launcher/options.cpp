@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -44,6 +43,9 @@ class command_line {
     }
     while (!rest_.empty() && rest_.front().starts_with("-") && !at_end_) read_option();
     if (rest_.empty()) usage_error(at_end_ ? "no program given after --" : "no program given");
+    if (chosen_.vector_length && !chosen_.client.empty()) {
+      usage_error("--vl and -c each choose a client library; use only one of them");
+    }
     chosen_.program = {rest_.begin(), rest_.end()};
     return std::move(chosen_);
   }
@@ -93,6 +95,8 @@ class command_line {
       at_end_ = true;
     } else if (option == option_name::client) {
       read_client();
+    } else if (option == "--vl") {
+      chosen_.vector_length = value_of(option);
     } else if (option == option_name::advertise_sve) {
       chosen_.advertise_sve = true;
     } else if (option == option_name::architectural) {
@@ -147,6 +151,7 @@ searched in PATH if it has no slash. At exit two lines on standard error tell ho
 other instructions were met. Programs that PROGRAM executes run in the same way.
 
   -c CLIENT.so         load this client library instead of libsve_client.so
+  --vl BITS            emulate vectors of BITS bits, by the client library for that length
   --advertise-sve      tell PROGRAM that the processor has SVE (AT_HWCAP, prctl, /proc/cpuinfo)
   --architectural      show PROGRAM all that a processor with SVE shows: emulate SVE in shared
                        libraries, clear the rest of Z registers when V registers are written,

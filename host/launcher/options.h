@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@ struct options {
   // argv for dr_client_main: the client library's path, then its arguments. Empty for our own
   // client.
   std::vector<std::string> client;
+  // The vector length in bits, as the user wrote it, if the client of that length is to be used.
+  std::optional<std::string> vector_length;
   // argv for the program. It starts with the name that the user gave.
   std::vector<std::string> program;
   // The file to run, if it is not the one that argv[0] names; otherwise empty.
