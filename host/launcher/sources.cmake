@@ -6,4 +6,6 @@ if(NOT TESSALY_CORE_ONLY)
     ${CMAKE_CURRENT_LIST_DIR}/client_by_length.cpp
     ${CMAKE_CURRENT_LIST_DIR}/client_library.cpp
     ${CMAKE_CURRENT_LIST_DIR}/main.cpp)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/tessaly-sweep
+                 ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/tessaly-sweep COPYONLY)
 endif()
