@@ -45,7 +45,6 @@ std::set<unsigned> lengths_present() {
   return result;
 }
 
-// As in "512, 1920 and 2048 bits".
 std::string tell_lengths_present() {
   std::string text;
   const std::set<unsigned> lengths = lengths_present();
@@ -53,34 +52,36 @@ std::string tell_lengths_present() {
     if (!text.empty()) text += bits == *lengths.rbegin() ? " and " : ", ";
     text += std::to_string(bits);
   }
-  return text.empty() ? "no length" : text + " bits";
+  return text.empty() ? "there are no clients of other lengths"
+                      : "there are clients for " + text + " bits";
+}
+
+[[noreturn]] void refuse(exit_status status, const std::string& what) {
+  throw launch_error(status, what);
 }
 
 }  // namespace
 
 std::string client_for_length(const std::string& bits) {
   if (length_in_bits(bits) == 0) {
-    throw launch_error(exit_status::usage, "--vl needs a multiple of 128 from 128 to 2048, not \"" +
-                                               bits + "\"; there are clients for " +
-                                               tell_lengths_present() +
-                                               ", and ./run --vl BITS PROGRAM makes another one");
+    refuse(exit_status::usage, "--vl needs a multiple of 128 from 128 to 2048, not \"" + bits +
+                                   "\"; " + tell_lengths_present() +
+                                   "; make others by ./run --vl BITS PROGRAM");
   }
   const std::filesystem::path path = file_of_length(bits);
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored)) return path.string();
-  throw launch_error(exit_status::launcher_failed,
-                     "there is no client for " + bits + " bits; there are clients for " +
-                         tell_lengths_present() + ", and ./run --vl " + bits +
-                         " PROGRAM makes the missing one");
+  refuse(exit_status::launcher_failed, "there is no client for " + bits + " bits; " +
+                                           tell_lengths_present() + "; make one by ./run --vl " +
+                                           bits + " PROGRAM");
 }
 
 void check_length(const client_library& client, const std::string& bits) {
   const std::string found = std::to_string(client.vector_bytes() * 8);
   if (found == bits) return;
-  const std::string path = file_of_length(bits).string();
-  throw launch_error(exit_status::launcher_failed,
-                     path + " emulates vectors of " + found + " bits instead of " + bits +
-                         "; delete it, and ./run --vl " + bits + " PROGRAM makes it again");
+  refuse(exit_status::launcher_failed,
+         file_of_length(bits).string() + " emulates vectors of " + found + " bits instead of " +
+             bits + "; delete it, and make it again by ./run --vl " + bits + " PROGRAM");
 }
 
 }  // namespace host

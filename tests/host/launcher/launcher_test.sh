@@ -128,6 +128,29 @@ grep -q "^Usage: tessaly .OPTIONS. PROGRAM" out || fail "--help prints $(cat out
 tessaly --version >out 2>err || fail "--version: $(cat err)"
 grep -Eqx "tessaly [0-9.]+" out || fail "--version prints $(cat out err)"
 
+# Vector lengths. A copy of the launcher has clients for two lengths, one of which has the wrong
+# name, and a link to a client that is not there.
+mkdir -p copy/bin copy/lib
+cp "$launcher" copy/bin
+built=$(dirname "$launcher")/../lib
+ln -s "$built/libsve_client_512.so" copy/lib
+ln -s "$built/libsve_client_512.so" copy/lib/libsve_client_640.so
+ln -s "$work/no/such/client.so" copy/lib/libsve_client_256.so
+touch copy/lib/libsve_client_100.so copy/lib/libsve_client_x.so
+usual=$launcher
+launcher=copy/bin/tessaly
+tessaly --vl 512 ./show x "" "y z" >actual 2>err
+[ $? -eq 42 ] || fail "--vl 512: $(cat err)"
+present="there are clients for 512 and 640 bits; make"
+expect 125 "there is no client for 256 bits; $present one by ./run --vl 256 PROGRAM$" --vl 256 ./show
+for wrong in 100 64 2176 0 -512 0512 5x2 512.0 ""; do
+  expect 2 "not \"$wrong\"; $present others by ./run --vl BITS PROGRAM$" --vl "$wrong" ./show
+done
+expect 125 "libsve_client_640.so emulates vectors of 512 bits instead of 640; " --vl 640 ./show
+rm copy/lib/*
+expect 125 "no client for 512 bits; there are no clients of other lengths; make" --vl 512 ./show
+launcher=$usual
+
 # The instruction table.
 tessaly --list-instructions >out 2>err || fail "--list-instructions: $(cat err)"
 line='00100101001010111000100mmmmddddd  B  VecU8QDecrSCount4PS  *UQDECP <Wdn>, <Pm>.B'

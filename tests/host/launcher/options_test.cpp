@@ -36,13 +36,16 @@ TEST(options, stand_before_the_program) {
   const options chosen =
       parse_options(words{"--executable", "file", "--advertise-sve", "--executable-name", "name",
                           "--executable-descriptor", "7", "-c", "c.so", "x", "--", "", "-y"});
+  EXPECT_EQ(chosen.vector_length, std::nullopt);
   EXPECT_TRUE(chosen.advertise_sve);
   EXPECT_EQ(chosen.executable, "file");
   EXPECT_EQ(chosen.executable_name, "name");
   EXPECT_EQ(chosen.executable_descriptor, 7);
   EXPECT_EQ(chosen.client, (words{"c.so", "x"}));
   EXPECT_EQ(chosen.program, (words{"", "-y"}));
-  const options plain = parse_options(words{"prog", "--advertise-sve"});
+  EXPECT_EQ(parse_options(words{"--vl", "512", "prog"}).vector_length, "512");
+  const options plain = parse_options(words{"prog", "--advertise-sve", "--vl", "512"});
+  EXPECT_EQ(plain.vector_length, std::nullopt);
   EXPECT_FALSE(plain.advertise_sve);
   EXPECT_EQ(plain.executable_descriptor, -1);
 }
@@ -72,6 +75,9 @@ TEST(options, refuses_what_makes_no_sense) {
       {{"-x", "prog"}, "unknown option -x"},
       {{"--helpful"}, "unknown option --helpful"},
       {{"-"}, "unknown option -"},
+      {{"--vl"}, "--vl needs a value"},
+      {{"--vl", "512"}, "no program given"},
+      {{"--vl", "512", "-c", "c.so", "--", "prog"}, "use only one of them"},
       {{"--version", "prog"}, "--version takes no"},
       {{"--advertise-sve"}, "no program given"},
       {{"--disassemble"}, "--disassemble needs an instruction word"},
