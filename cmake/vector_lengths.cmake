@@ -6,9 +6,8 @@ function(check_vector_length variable bits)
     math(EXPR rest "${bits} % 128")
   endif()
   if(NOT rest STREQUAL "0")
-    message(FATAL_ERROR "${variable} is \"${${variable}}\"; \"${bits}\" is no vector length, which is "
-                        "a multiple of 128 from 128 to 2048. Configure again with "
-                        "-D${variable}=${ARGN}, for example.")
+    message(FATAL_ERROR "${variable} has \"${bits}\". A vector length is a multiple of 128 from 128 "
+                        "to 2048. Configure again with -D${variable}=${ARGN}, for example.")
   endif()
 endfunction()
 

@@ -18,8 +18,8 @@ list(APPEND client_sources
   ${CMAKE_CURRENT_LIST_DIR}/transfer.cpp
   ${CMAKE_CURRENT_LIST_DIR}/v_write_warning.cpp)
 
-# A library that a host loads: sve_client(CLIENT CORE). It exports the whole core by name. The host's
-# functions stay undefined here, because the executable that loads the library provides them.
+# A library that a host loads: sve_client(CLIENT CORE). It exports the whole core by name. The
+# host's functions stay undefined here, because the executable that loads the library provides them.
 # -Bsymbolic makes the library use its own definitions, whatever that executable exports.
 function(sve_client client core)
   add_library(${client} SHARED ${client_sources})

@@ -142,7 +142,7 @@ launcher=copy/bin/tessaly
 tessaly --vl 512 ./show x "" "y z" >actual 2>err
 [ $? -eq 42 ] || fail "--vl 512: $(cat err)"
 present="there are clients for 512 and 640 bits; make"
-expect 125 "there is no client for 256 bits; $present one by ./run --vl 256 PROGRAM$" --vl 256 ./show
+expect 125 "no client for 256 bits; $present one by ./run --vl 256 PROGRAM$" --vl 256 ./show
 for wrong in 100 64 2176 0 -512 0512 5x2 512.0 ""; do
   expect 2 "not \"$wrong\"; $present others by ./run --vl BITS PROGRAM$" --vl "$wrong" ./show
 done

@@ -175,8 +175,8 @@ refuse() {
 }
 refuse "tessaly-sweep: no program given; see" --vl 512,2048
 for wrong in 512,100 512,abc 512,,1920 4096 0 "" 512,-128; do
-  refuse "tessaly-sweep: --vl needs multiples of 128 from 128 to 2048, separated by commas, not \"$wrong\"" \
-    --vl "$wrong" ./program
+  rule="multiples of 128 from 128 to 2048, separated by commas"
+  refuse "tessaly-sweep: --vl needs $rule, not \"$wrong\"" --vl "$wrong" ./program
 done
 refuse "tessaly-sweep: --vl needs a value" --vl
 refuse "tessaly-sweep: --output needs a value" --output
