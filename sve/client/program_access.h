@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "sve/decode/sve_utils.h"
+#include "sve/state/cpu_state.h"
 
 namespace sve {
 

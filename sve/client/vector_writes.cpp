@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "sve/state/access.h"
+#include "sve/state/bits.h"
 
 namespace sve {
 namespace {

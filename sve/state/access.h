@@ -10,15 +10,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "sve/state/bits.h"
 #include "sve/state/cpu_state.h"
 #include "sve/state/operands.h"
 
 namespace sve {
-
-// Bits hi to lo of an instruction word.
-constexpr unsigned bits(unsigned word, unsigned hi, unsigned lo) {
-  return (word >> lo) & (0xffffffffU >> (31 - (hi - lo)));
-}
 
 // Element i of a vector register, or of a value at any byte address.
 template <class T>
