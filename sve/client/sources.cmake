@@ -7,7 +7,6 @@ list(APPEND client_sources
   ${CMAKE_CURRENT_LIST_DIR}/emulate.cpp
   ${CMAKE_CURRENT_LIST_DIR}/fault_tolerant_loads.cpp
   ${CMAKE_CURRENT_LIST_DIR}/memory_emulation.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/modes.cpp
   ${CMAKE_CURRENT_LIST_DIR}/pending_writes.cpp
   ${CMAKE_CURRENT_LIST_DIR}/program_access.cpp
   ${CMAKE_CURRENT_LIST_DIR}/runs.cpp

@@ -107,7 +107,7 @@ END
 sweep 1 --advertise-sve "$advertised" 64 <<END
 process_sve does not do the same at 2048 bits as at 512 bits.
 At 2048 bits:
-  the status is 6, but 0 at 512 bits
+  the status is 7, but 0 at 512 bits
   standard output differs first at byte 1, line 1
      512 bits: (the end)
     2048 bits: length: 256 instead of 64
