@@ -78,6 +78,7 @@ aarch64_decode_rc run_fault_tolerant(cpu_state* state, unsigned word) {
   while (!loads_below(access, plain, end, governing)) {
     end = readable_elements(access, plain, size, governing) * size;
     if (!is_non_fault(word) && !is_any_active(governing, size, end)) {
+      access.put_back();
       return access.run(plain);  // faults
     }
   }
