@@ -29,7 +29,8 @@ static void write_file(const char* name, const char* format, int value) {
 int main(int argc, char** argv) {
   what = argc > 1 ? argv[1] : "";
   const int bytes = (int)svcntb();
-  if (is("length")) printf("first\n%*d bytes\nlast\n", argc > 2 ? atoi(argv[2]) : 0, bytes);
+  const int width = argc > 2 ? (int)strtol(argv[2], NULL, 10) : 0;
+  if (is("length")) printf("first\n%*d bytes\nlast\n", width, bytes);
   if (is("lines")) printf("%.*s", bytes / 16 * 2, "0\n1\n2\n3\n4\n5\n6\n7\n8\n9\n");
   if (is("binary")) fwrite("a\n\0b", 1, bytes > 64 ? 2 : 4, stdout);
   if (is("file")) write_file("result", "%d\n", bytes);
