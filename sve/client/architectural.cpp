@@ -8,7 +8,6 @@
 #include "sve/client/program_access.h"
 #include "sve/client/runs.h"
 #include "sve/client/signal_record.h"
-#include "sve/client/thread_state.h"
 #include "sve/client/transfer.h"
 
 namespace sve {
@@ -19,7 +18,7 @@ constexpr bool is_supervisor_call(std::uint32_t word) { return (word & 0xffe0001
 // For instructions that touch no memory.
 void emulate_after_run(unsigned int word, unsigned char* pc, decode_handler handler,
                        std::uint64_t run, std::uint64_t /*unused*/) {
-  pay_off_pending_writes(*thread_state(dr_get_current_drcontext()), run);
+  pay_off_pending_writes(*current_access().state, run);
   emulate_instruction(word, pc, handler);
 }
 

@@ -36,7 +36,7 @@ struct program_access {
   decode_handler handler = nullptr;  // that touches memory
   destinations changed;
   std::jmp_buf* retry = nullptr;  // where to go on after a fault, if it is not the program's
-  bool is_under_way = false;
+  volatile bool is_under_way = false;  // the signal handler reads it
   vector_register z[4];  // the destinations as they were
   predicate_register p;
 
