@@ -70,6 +70,12 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+install_packages() {
+  as_root apt-get update -q >&2
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -q -y --no-install-recommends "$@" >&2
+}
+
 install_missing() {
   command -v apt-get >/dev/null 2>&1 ||
     fail "missing:$missing_commands. There is no apt-get to install them with. On Debian 12 they" \
@@ -78,10 +84,8 @@ install_missing() {
     fail "packages are missing, but you are not root, and there is no sudo. As root, run:" \
       "apt-get install$missing_packages"
   echo "setup: installing$missing_packages" >&2
-  as_root apt-get update -q >&2
   # shellcheck disable=SC2086
-  as_root env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -q -y --no-install-recommends $missing_packages >&2
+  install_packages $missing_packages
   missing_commands=
   missing_packages=
   "find_missing_for_$1"
@@ -92,6 +96,12 @@ purpose=${1:-run}
 "find_missing_for_$purpose"
 [ -z "$missing_packages" ] || install_missing "$purpose"
 if [ "$purpose" = all ]; then
+  # Debian has newer compilers in its updates only. If they cannot be installed, the tests that need
+  # them are skipped.
+  for compiler in clang-19 clang-22; do
+    command -v $compiler >/dev/null 2>&1 || install_packages $compiler ||
+      echo "setup: $compiler cannot be installed; its tests will be skipped" >&2
+  done
   root=$(dirname "$0")/..
   # If these programs cannot be fetched, the tests that need them are skipped.
   for suite in real_programs kernel; do
