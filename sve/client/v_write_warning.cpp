@@ -77,10 +77,14 @@ unsigned rewrite_with_warnings(void* drcontext, instrlist_t* block, cpu_state* s
       drcontext, block,
       [&](instr_t* instr, std::uint32_t word, const instruction_row& row, std::uint32_t run) {
         const register_use use = register_use_of(row, word);
-        const std::uint32_t read = shorts.governs(use) ? 0 : use.z_read;
+        // Under a short predicate, a merging instruction keeps the rest of its destination, which
+        // it also reads.
+        const bool is_short = shorts.governs(use);
+        const std::uint32_t read = is_short ? 0 : use.z_read;
+        const std::uint32_t written = is_short ? use.z_written & ~use.z_read : use.z_written;
         shorts.note(word, use);
         insert_emulation(drcontext, block, instr, state,
-                         {emulate_with_warning, row.handler, run, pack(read, use.z_written)});
+                         {emulate_with_warning, row.handler, run, pack(read, written)});
       });
 }
 
