@@ -48,7 +48,8 @@ static void handle(int signal, siginfo_t* info, void* context) {
 }
 
 static void set_handler(int signal, void (*work)(ucontext_t*)) {
-  struct sigaction action = {.sa_flags = SA_SIGINFO | SA_NODEFER};
+  // Handlers of faults may jump out. That of the timer must not interrupt itself.
+  struct sigaction action = {.sa_flags = SA_SIGINFO | (signal == SIGALRM ? 0 : SA_NODEFER)};
   action.sa_sigaction = handle;
   handler_work = work;
   sigaction(signal, &action, NULL);
