@@ -35,9 +35,9 @@ struct program_access {
   cpu_state* state = nullptr;
   decode_handler handler = nullptr;  // that touches memory
   destinations changed;
-  std::jmp_buf* retry = nullptr;  // where to go on after a fault, if it is not the program's
+  std::jmp_buf* retry = nullptr;       // where to go on after a fault, if it is not the program's
   volatile bool is_under_way = false;  // the signal handler reads it
-  vector_register z[4];  // the destinations as they were
+  vector_register z[4];                // the destinations as they were
   predicate_register p;
 
   void keep();
