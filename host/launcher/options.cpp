@@ -153,12 +153,11 @@ other instructions were met. Programs that PROGRAM executes run in the same way.
   -c CLIENT.so         load this client library instead of libsve_client.so
   --vl BITS            emulate vectors of BITS bits, by the client library for that length
   --advertise-sve      tell PROGRAM that the processor has SVE (AT_HWCAP, prctl, /proc/cpuinfo)
-  --architectural      show PROGRAM all that a processor with SVE shows: emulate SVE in shared
-                       libraries, clear the rest of Z registers when V registers are written,
-                       deliver faults of SVE instructions, put the vectors into signal frames;
-                       implies --advertise-sve, and costs speed
-  --warn-v-writes      say once if PROGRAM writes a V register and then reads all of the Z
-                       register; without --architectural its result may then be wrong
+  --architectural      show PROGRAM all that a processor with SVE shows; needed for SVE in shared
+                       libraries, for programs of Clang 22, and for programs that handle SIGSEGV
+                       or SIGBUS of SVE instructions; implies --advertise-sve, and is slower
+  --warn-v-writes      say once if PROGRAM writes a V register and an SVE instruction then reads
+                       all of the Z register; its result may be wrong without --architectural
   --executable FILE    run FILE; PROGRAM is only what it finds as argv[0]
   --list-instructions  list the instruction forms that are known: pattern, what serves each, name,
                        syntax
