@@ -57,6 +57,22 @@ std::uint64_t collatz() {
   return steps;
 }
 
+// --- Loops over floating point -------------------------------------------------------------------
+
+// Each block of the loop writes V registers.
+std::uint64_t integrate() {
+  double position = 1;
+  double speed = 0;
+  double energy = 0;
+  for (int i = 0; i < 20000; i++) {
+    const double force = position > 0.5 ? -position : -0.5 * position * position;
+    speed += force * 0.001;
+    position += speed * 0.001;
+    energy += position * position + speed * speed;
+  }
+  return static_cast<std::uint64_t>(energy);
+}
+
 // --- Calls ---------------------------------------------------------------------------------------
 
 [[gnu::noipa]] std::uint64_t fibonacci(std::uint64_t n) {
@@ -223,6 +239,7 @@ constexpr struct {
     {"matrices", multiply_matrices},
     {"primes", count_primes},
     {"collatz", collatz},
+    {"integrate", integrate},
     {"fibonacci", recurse},
     {"tree", grow_a_tree},
     {"sort", sort_by_callback},
