@@ -3,8 +3,7 @@
 #include <csetjmp>
 #include <cstring>
 
-#include "sve/client/emulate.h"
-#include "sve/client/pending_writes.h"
+#include "sve/client/memory_emulation.h"
 #include "sve/client/program_access.h"
 #include "sve/state/access.h"
 
@@ -98,11 +97,7 @@ std::uint32_t plain_load_of(std::uint32_t word) {
 
 void emulate_fault_tolerant_load(unsigned int word, unsigned char* pc, decode_handler handler,
                                  std::uint64_t run, std::uint64_t kept) {
-  program_access& access = current_access();
-  access.handler = handler;
-  access.changed = destinations::unpacked(kept);
-  pay_off_pending_writes(*access.state, run);
-  emulate_instruction(word, pc, run_fault_tolerant);
+  emulate_access(word, pc, {handler, run, kept}, run_fault_tolerant);
 }
 
 }  // namespace sve

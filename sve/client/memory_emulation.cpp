@@ -13,6 +13,8 @@
 namespace sve {
 namespace {
 
+const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+
 // LDR and STR of a vector or a predicate: 1uu0010110 imm9h 0v0 imm9l Rn Rt. u is set in a store,
 // and v for a vector.
 constexpr bool moves_a_register(std::uint32_t word) {
@@ -24,7 +26,6 @@ constexpr bool moves_a_register(std::uint32_t word) {
 // first byte in each page before that makes the lowest byte that cannot be accessed the one that
 // faults, as on a processor. A store stores the byte that it will store anyway.
 void touch_pages(const cpu_state* state, unsigned word) {
-  static const auto page_bytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
   const bool is_vector = bits(word, 14, 14) != 0;
   const bool is_store = bits(word, 30, 30) != 0;
   const unsigned length = is_vector ? vector_bytes : predicate_bytes;
@@ -66,13 +67,18 @@ destinations destinations_of(const instruction_row& row, std::uint32_t word) {
           .predicate = predicates != 0 ? std::countr_zero(predicates) : -1};
 }
 
+void emulate_access(unsigned int word, unsigned char* pc, const access_call& call,
+                    decode_handler around) {
+  program_access& access = current_access();
+  access.handler = call.handler;
+  access.changed = destinations::unpacked(call.kept);
+  pay_off_pending_writes(*access.state, call.run);
+  emulate_instruction(word, pc, around);
+}
+
 void emulate_memory_instruction(unsigned int word, unsigned char* pc, decode_handler handler,
                                 std::uint64_t run, std::uint64_t kept) {
-  program_access& access = current_access();
-  access.handler = handler;
-  access.changed = destinations::unpacked(kept);
-  pay_off_pending_writes(*access.state, run);
-  emulate_instruction(word, pc, run_row);
+  emulate_access(word, pc, {handler, run, kept}, run_row);
 }
 
 }  // namespace sve

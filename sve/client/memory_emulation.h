@@ -14,6 +14,18 @@ constexpr bool accesses_memory(std::uint32_t word) { return (word & 0x9e000000) 
 // The destinations of a row's load. Nothing for a store.
 destinations destinations_of(const instruction_row& row, std::uint32_t word);
 
+// What a call has besides the word and its address: the handler that touches memory, the V
+// registers that the run before it has written, and the packed destinations.
+struct access_call {
+  decode_handler handler;
+  std::uint64_t run;
+  std::uint64_t kept;
+};
+
+// Pays off the pending writes, and emulates the instruction by `around`, which runs that handler.
+void emulate_access(unsigned int word, unsigned char* pc, const access_call& call,
+                    decode_handler around);
+
 // What a rewritten block calls in place of an instruction that touches memory. Like
 // emulate_instruction; but before it, the pending writes and those of the registers `run` are paid
 // off. `kept` is the packed destinations.
