@@ -29,50 +29,6 @@ using sve::register_use;
 
 constexpr std::uint32_t ffr = 1U << 16;
 
-constexpr std::uint32_t set_of(auto... numbers) { return ((1U << numbers) | ... | 0U); }
-
-TEST(RegisterUse, OfSomeWords) {
-  constexpr struct {
-    std::uint32_t word;
-    register_use use;
-  } cases[] = {
-      // Constructive, destructive, merging and zeroing forms.
-      {0x04230041, {set_of(2, 3), set_of(1), 0, -1}},    // add z1.b, z2.b, z3.b
-      {0x04c44861, {set_of(1, 3, 4), set_of(1), 0, 2}},  // mla z1.d, p2/m, z3.d, z4.d
-      {0x0416afe1, {set_of(1, 31), set_of(1), 0, 3}},    // abs z1.b, p3/m, z31.b
-      {0x055cd801, {set_of(1), set_of(1), 0, 12}},       // fmov z1.h, p12/m, #-0.125
-      {0x04102861, {set_of(3), set_of(1), 0, 2}},        // movprfx z1.b, p2/z, z3.b
-      {0x2402ac29, {set_of(1, 2), 0, set_of(9), 3}},     // cmpeq p9.b, p3/z, z1.b, z2.b
-      // Loads and stores. After Z31 comes Z0.
-      {0xa5e5cc9e, {0, set_of(30, 31, 0, 1), 0, 3}},  // ld4d {z30.d-z1.d}, p3/z, [x4, x5]
-      {0xe445689f, {set_of(31, 0, 1), 0, 0, 2}},      // st3b {z31.b, z0.b, z1.b}, p2, [x4, x5]
-      {0x85800065, {0, 0, set_of(5), -1}},            // ldr p5, [x3]
-      {0xe5800065, {0, 0, 0, -1}},                    // str p5, [x3]
-      {0xc463e440, {0, 0, 0, -1}},                    // prfd pldl1keep, p1, [x2, z3.d, lsl #3]
-      // The low element, and an element in or above the low 128 bits.
-      {0x05b43883, {set_of(3), set_of(3), 0, -1}},  // insr z3.s, s4
-      {0x05a088e3, {set_of(3), set_of(3), 0, 2}},   // mov z3.s, p2/m, s7
-      {0x05aa8883, {set_of(4), set_of(3), 0, 2}},   // clasta s3, p2, s3, z4.s
-      {0x053f20c5, {0, set_of(5), 0, -1}},          // mov z5.b, z6.b[15]
-      {0x056120c5, {set_of(6), set_of(5), 0, -1}},  // mov z5.b, z6.b[16]
-      {0x053820c5, {0, set_of(5), 0, -1}},          // mov z5.d, z6.d[1]
-      {0x056820c5, {set_of(6), set_of(5), 0, -1}},  // mov z5.d, z6.d[2]
-      // The FFR.
-      {0xa5e56883, {0, set_of(3), ffr, 2}},  // ldff1d {z3.d}, p2/z, [x4, x5, lsl #3]
-      {0x252890e0, {0, 0, ffr, -1}},         // wrffr p7.b
-      {0x252c9000, {0, 0, ffr, -1}},         // setffr
-      {0x2518f0a3, {0, 0, set_of(3), 5}},    // rdffr p3.b, p5/z
-  };
-  for (const auto& [word, use] : cases) {
-    const register_use actual = register_use_of(*sve::find_row(word), word);
-    SCOPED_TRACE(sve::disassemble(word));
-    EXPECT_EQ(actual.z_read, use.z_read);
-    EXPECT_EQ(actual.z_written, use.z_written);
-    EXPECT_EQ(actual.p_written, use.p_written);
-    EXPECT_EQ(actual.governing, use.governing);
-  }
-}
-
 // The numbers of the registers in a set.
 std::vector<unsigned> numbers_in(std::uint32_t set) {
   std::vector<unsigned> numbers;

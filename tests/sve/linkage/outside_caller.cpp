@@ -186,12 +186,14 @@ TEST_F(OutsideCaller, FastPaths) {
 TEST_F(OutsideCaller, DecodingAndCounting) {
   EXPECT_NE(is_sve(add_s), nullptr);
   EXPECT_EQ(is_sve(0xd503201f), nullptr) << "nop";
-  unsigned int code[] = {add_s};
+  unsigned int code[] = {add_s, 0xd503201f};
   state.pc = code;
   EXPECT_EQ(execute_sve_instruction(&state), ok);
   EXPECT_EQ(state.pc, code + 1);
   EXPECT_EQ(state.instr, add_s);
   EXPECT_EQ(word_of(state.z[0], 0), 0x07070707U);
+  EXPECT_EQ(execute_sve_instruction(&state), aarch64_decode_rc{2}) << "unimplemented";
+  EXPECT_EQ(state.pc, code + 1);
   update_sve_stats(code, add_s);
   testing::internal::CaptureStderr();
   dump_sve_stats();
