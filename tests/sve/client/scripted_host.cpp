@@ -162,8 +162,7 @@ void tessaly_raise_fault(void* /*drcontext*/, const tessaly_registers_t* /*befor
   std::abort();
 }
 
-bool drmgr_register_restore_state_ex_event(bool (*func)(void*, bool, dr_restore_state_info_t*)) {
-  host_script.restore_state_event = func;
+bool drmgr_register_restore_state_ex_event(bool (*)(void*, bool, dr_restore_state_info_t*)) {
   return true;
 }
 

@@ -60,7 +60,6 @@ struct scripted_host {
   void (*thread_init_event)(void*) = nullptr;
   void (*thread_exit_event)(void*) = nullptr;
   drmgr_xform_cb_t block_event = nullptr;
-  bool (*restore_state_event)(void*, bool, dr_restore_state_info_t*) = nullptr;
   std::uint64_t raw_slots[2] = {};  // the client gets the second
 
   bool record(const std::string& call);  // false if `call` is the failing one
