@@ -1,24 +1,12 @@
 // Code that raises a signal while the thread has live SVE state, and while it has none, because a
-// system call came before. Each case is a subroutine, and a table has their addresses and texts.
+// system call came before.
 //
 // X0 is the process's number, and X1 SIGUSR1. X2 is an address that cannot be accessed. X4 points to
 // a byte that becomes 1 when a timer's signal has come. X5 is X4 if the case waits for that.
 
   .arch armv8.2-a+sve
+#include "cases.inc"
 
-  .macro case text
-  .text
-  .balign 8
-1: \text
-  ret
-  .section .rodata.texts, "a"
-2: .asciz "\text"
-  .section .data.rel.ro.cases, "aw"
-  .quad 1b, 2b
-  .endm
-
-  .section .data.rel.ro.cases, "aw"
-  .balign 8
   .globl frame_cases, frame_cases_end
 frame_cases:
   case "brk #1"

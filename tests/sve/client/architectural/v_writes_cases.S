@@ -1,111 +1,44 @@
 // Instructions that write a V register, and so clear the rest of the Z register, beside SVE
-// instructions that read it. Each case is a subroutine, and a table has their addresses and texts.
-// X1 is the address of 256 bytes of memory, and X2 holds 3. All vector registers and predicates
-// hold arbitrary values.
+// instructions that read it. X1 is the address of 256 bytes of memory, and X2 holds 3. All vector
+// registers and predicates hold arbitrary values.
 //
 // The loads of single structures and USHLL are left out, because QEMU 7.2 keeps the rest of the Z
 // register there.
 
   .arch armv8.2-a+sve+crypto+fp16
-
-  .macro case text
-  .text
-  .balign 8
-1: \text
-  ret
-  .section .rodata.texts, "a"
-2: .asciz "\text"
-  .section .data.rel.ro.cases, "aw"
-  .quad 1b, 2b
-  .endm
+#include "cases.inc"
 
 // One instruction between two for SVE.
   .macro between instruction:vararg
-  .text
-  .balign 8
-1: eor z29.d, z29.d, z28.d
+  begin_case
+  eor z29.d, z29.d, z28.d
   \instruction
   eor z28.d, z29.d, z28.d
-  ret
-  .section .rodata.texts, "a"
-2: .asciz "\instruction"
-  .section .data.rel.ro.cases, "aw"
-  .quad 1b, 2b
+  end_case "\instruction"
   .endm
 
-  .section .data.rel.ro.cases, "aw"
-  .balign 8
   .globl v_write_cases, v_write_cases_end
 v_write_cases:
 
-// One kind of instruction each
+// The vector_writes test has each kind of instruction. Here are some with each kind of operand: an
+// immediate, general registers, memory, lists that wrap, parts of a register.
   between movi v0.2d, #0
-  between movi d0, #0xff00ff
-  between fmov v1.4s, #1.0
-  between fmov s1, #1.5
-  between fmov d2, x2
-  between fmov s2, w2
-  between fmov h2, w2
   between fmov v3.d[1], x2
-  between mvni v3.8h, #5
-  between bic v3.4s, #255
-  between ldr b4, [x1]
-  between ldr h4, [x1, #2]
   between ldr s4, [x1, x2, lsl #2]
-  between ldur d4, [x1, #1]
   between ldr q5, [x1], #16
-  between ldr q5, [x1, #32]!
-  between ldp q6, q7, [x1]
   between ldp d6, d7, [x1, #16]!
-  between ldnp s6, s7, [x1]
-  between dup v8.4s, w2
-  between dup v8.2d, v9.d[1]
-  between mov b8, v9.b[7]
-  between ins v9.d[1], x2
   between mov v9.s[0], v10.s[3]
-  between ld1 {v10.16b}, [x1]
-  between ld1r {v12.8h}, [x1]
-  between ld2 {v12.4s, v13.4s}, [x1], #32
   between ld4 {v30.16b, v31.16b, v0.16b, v1.16b}, [x1]
   between ld4r {v31.2d, v0.2d, v1.2d, v2.2d}, [x1], x2
-  between scvtf d16, x2
-  between ucvtf s16, w2, #3
-  between scvtf v16.4s, v17.4s
-  between fcvt d17, s18
-  between frintn s17, s18
-  between fadd s18, s19, s20
   between fmadd d18, d19, d20, d21
-  between fcsel d19, d20, d21, eq
-  between fcmeq v19.4s, v20.4s, v21.4s
-  between add v20.16b, v21.16b, v22.16b
-  between add d20, d21, d22
-  between addp d21, v22.2d
-  between addv h21, v22.8h
-  between ext v22.16b, v23.16b, v24.16b, #3
-  between tbl v22.16b, {v23.16b, v24.16b}, v25.16b
-  between xtn v23.8b, v24.8h
   between sqxtn2 v23.8h, v24.4s
-  between fcvtn2 v24.4s, v25.2d
   between sha1h s25, s26
   between aese v26.16b, v27.16b
-  between pmull v26.1q, v27.1d, v25.1d
-  between ldr q27, [x1, #240]
 
 // Instructions that write no V register
-  between nop
-  between str q0, [x1]
-  between stp d0, d1, [x1]
   between st2 {v0.16b, v1.16b}, [x1]
-  between st4 {v0.b, v1.b, v2.b, v3.b}[3], [x1]
-  between fmov x0, d0
   between fmov x0, v1.d[1]
-  between umov w0, v0.s[1]
-  between smov x0, v0.h[2]
-  between fcvtzs x0, d0
   between fcmp d0, d1
-  between fccmp s0, s1, #4, ne
-  between prfm pldl1keep, [x1]
-  between ldp x0, x3, [x1]
 
 // In order: an SVE instruction before the write, one after it
   case "add z1.d, z0.d, z31.d; movi v0.2d, #0; add z2.d, z0.d, z31.d"

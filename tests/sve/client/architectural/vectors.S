@@ -20,6 +20,18 @@ read_vector_length:
   .endr
   .endm
 
+  .macro callee_saved instruction
+  \instruction x19, x20, [sp, #16]
+  \instruction x21, x22, [sp, #32]
+  \instruction x23, x24, [sp, #48]
+  \instruction x25, x26, [sp, #64]
+  \instruction x27, x28, [sp, #80]
+  \instruction d8, d9, [sp, #96]
+  \instruction d10, d11, [sp, #112]
+  \instruction d12, d13, [sp, #128]
+  \instruction d14, d15, [sp, #144]
+  .endm
+
 // void store_vectors(struct vectors* out)
   .globl store_vectors
   .type store_vectors, %function
@@ -40,15 +52,7 @@ store_vectors:
   .type run_code, %function
 run_code:
   stp x29, x30, [sp, #-176]!
-  stp x19, x20, [sp, #16]
-  stp x21, x22, [sp, #32]
-  stp x23, x24, [sp, #48]
-  stp x25, x26, [sp, #64]
-  stp x27, x28, [sp, #80]
-  stp d8, d9, [sp, #96]
-  stp d10, d11, [sp, #112]
-  stp d12, d13, [sp, #128]
-  stp d14, d15, [sp, #144]
+  callee_saved stp
   stp x2, x3, [sp, #160]
   mov x8, x0
   mov x9, x1
@@ -74,15 +78,7 @@ run_code:
   str x0, [x8, #64]
   mov x0, x9
   bl store_vectors
-  ldp x19, x20, [sp, #16]
-  ldp x21, x22, [sp, #32]
-  ldp x23, x24, [sp, #48]
-  ldp x25, x26, [sp, #64]
-  ldp x27, x28, [sp, #80]
-  ldp d8, d9, [sp, #96]
-  ldp d10, d11, [sp, #112]
-  ldp d12, d13, [sp, #128]
-  ldp d14, d15, [sp, #144]
+  callee_saved ldp
   ldp x29, x30, [sp], #176
   ret
 
