@@ -10,8 +10,6 @@
 
 using namespace sve::integers;
 
-inline constexpr unsigned lengths[] = {2, 8, 30, 32};  // in units of 64 bits
-
 inline CpuContext context(unsigned vl) {
   CpuContext ctx{};
   ctx.vl = vl;

@@ -1,4 +1,5 @@
-// First-fault and non-fault loads at the ends of real pages, at every distance from the boundary.
+// First-fault and non-fault loads at the ends of real pages, at every distance from the boundary,
+// by their fast paths and by the reference semantics.
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -11,9 +12,9 @@
 #include <vector>
 
 #include "guarded_memory.h"
-#include "sve/decode/sve_utils.h"
 #include "sve/semantics/memory_access.h"
 #include "sve/state/cpu_state.h"
+#include "tests/conformance/row_shape.h"
 
 namespace {
 
@@ -21,29 +22,30 @@ using sve::vector_bytes;
 
 constexpr unsigned zt = 30, pg = 3;
 
-// A row of the instruction table, and what its name says. VecS64CLoadFF2LSSZ has elements of 64
-// bits, which are sign-extended from 2 bytes in memory.
+using Addresses = std::vector<std::uint64_t>;
+
 struct Form {
   explicit Form(const sve::instruction_row& row)
       : row(&row),
         name(row.name),
-        element_bytes(std::stoul(name.substr(4)) / 8),
-        memory_bytes(static_cast<std::size_t>(name[name.find("CLoad") + 7] - '0')),
+        memory(*conformance::describe(row).memory),
+        element_bytes(memory.container),
+        memory_bytes(memory.memory),
         sign(name[3] == 'S') {}
   std::size_t elements() const { return vector_bytes / element_bytes; }
 
   const sve::instruction_row* row;
   std::string name;
+  conformance::memory_form memory;
   std::size_t element_bytes, memory_bytes;
   bool sign;
 };
 
-// The rows with a fast path whose names contain `part`.
-std::vector<Form> forms(std::string_view part) {
+// The rows of that kind whose names contain `part`.
+std::vector<Form> forms(std::string_view part, sve::row_kind kind = sve::row_kind::fast) {
   std::vector<Form> result;
   for (const sve::instruction_row& row : sve::instruction_rows()) {
-    const bool chosen = row.name.find(part) != std::string_view::npos;
-    if (chosen && row.kind == sve::row_kind::fast) result.emplace_back(row);
+    if (row.name.find(part) != std::string_view::npos && row.kind == kind) result.emplace_back(row);
   }
   return result;
 }
@@ -78,12 +80,44 @@ class FirstFault : public testing::Test {
     form.row->handler(state.get(), word);
   }
 
+  // Element e of a load, which is at this address.
   void expect_element(const Form& form, std::uint64_t address, std::size_t e) {
-    const std::int64_t value = active(form, e) ? loaded(form, address + e * form.memory_bytes) : 0;
+    const std::int64_t value = active(form, e) ? loaded(form, address) : 0;
     std::memcpy(before->z[zt] + e * form.element_bytes, &value, form.element_bytes);
   }
   void expect_cleared(const Form& form, std::size_t e) {
     std::memset(before->ffr + e * form.element_bytes, 0, form.element_bytes);
+  }
+
+  // Runs a load by the reference semantics. No element from `stop` on can be read. Those before the
+  // first active one of them are loaded. The others become 0, and false in FFR.
+  void expect_stop(const Form& form, unsigned operands, const Addresses& at, std::size_t stop) {
+    std::generate_n(state->ffr, vector_bytes, [this] { return byte() & 1; });
+    std::memcpy(before.get(), state.get(), sizeof(cpu_state));
+    while (stop < form.elements() && !active(form, stop)) ++stop;
+    std::memset(before->z[zt], 0, vector_bytes);
+    for (std::size_t e = 0; e < stop; ++e) expect_element(form, at[e], e);
+    for (std::size_t e = stop; e < form.elements(); ++e) expect_cleared(form, e);
+    form.row->handler(state.get(), form.row->fixed_bits() | operands | pg << 10 | zt);
+    EXPECT_EQ(std::memcmp(state->z[zt], before->z[zt], vector_bytes), 0) << form.name << stop;
+    EXPECT_EQ(std::memcmp(state->ffr, before->ffr, vector_bytes), 0) << form.name << stop;
+  }
+
+  // Puts the addresses into Z4, as they are or as offsets from X1. Bits that the form ignores are
+  // arbitrary. Returns the operand fields of the word.
+  unsigned set_addresses(const Form& form, const Addresses& at) {
+    const bool by_base = form.memory.address == conformance::address_shape::vector_immediate;
+    const bool may_be_negative = form.memory.signed_offset || !form.memory.word_offset;
+    const std::uint64_t distance = 3 * form.memory_bytes;
+    state->x[1] = memory.begin() + (may_be_negative ? distance : -distance);
+    for (std::size_t e = 0; e < form.elements(); ++e) {
+      std::uint64_t value = by_base ? at[e] - distance : at[e] - state->x[1];
+      value =
+          static_cast<std::uint64_t>(static_cast<std::int64_t>(value) / form.memory.offset_scale);
+      if (form.memory.word_offset) value = (value & 0xffffffff) | random() << 32;
+      std::memcpy(state->z[4] + e * form.element_bytes, &value, form.element_bytes);
+    }
+    return by_base ? 3U << 16 | 4U << 5 : 4U << 16 | 1U << 5;
   }
 
   // How many elements a first-fault load handles when an unreadable page begins after `room` bytes:
@@ -106,7 +140,7 @@ class FirstFault : public testing::Test {
   }
 
   // Governing predicates: all, none, one element, and random ones with many and few gaps.
-  void choose_predicate(const Form& form, unsigned choice) {
+  void choose_predicate(const Form& form, std::size_t choice) {
     const std::size_t lone = random() % form.elements();
     for (std::size_t e = 0; e < form.elements(); ++e) {
       const bool truths[] = {true, false, e == lone, random() % 2 != 0, random() % 8 == 0};
@@ -151,7 +185,7 @@ TEST_F(FirstFault, HandlesTheElementsBeforeAnUnreadablePage) {
         const std::uint64_t address = memory.end() - room;
         call(form, address);
         for (std::size_t e = 0; e < form.elements(); ++e) {
-          if (e < *count) expect_element(form, address, e);
+          if (e < *count) expect_element(form, address + e * form.memory_bytes, e);
           if (e >= *count) expect_cleared(form, e);
         }
         expect_state_as_before(form.name + " " + std::to_string(room), choice);
@@ -183,7 +217,7 @@ TEST_F(FirstFault, NonFaultLoadsReadWhatCanBeRead) {
           const std::uint64_t at = address + e * form.memory_bytes;
           const bool readable = at >= memory.begin() && at + form.memory_bytes <= memory.end();
           if (readable || !active(form, e)) {
-            expect_element(form, address, e);
+            expect_element(form, at, e);
           } else {
             expect_cleared(form, e);
           }
@@ -192,6 +226,47 @@ TEST_F(FirstFault, NonFaultLoadsReadWhatCanBeRead) {
       }
     }
   }
+}
+
+TEST_F(FirstFault, ReferenceFunctionsStopAtTheElementThatFaults) {
+  for (const Form& form : forms("CLoadFF", sve::row_kind::bridge)) {
+    for (std::size_t room = 0; room <= form.elements() * form.memory_bytes; ++room) {
+      choose_predicate(form, room % 5);
+      Addresses at;
+      for (std::size_t e = 0; e < form.elements(); ++e)
+        at.push_back(memory.end() - room + e * form.memory_bytes);
+      state->x[1] = at[0] - 5 * form.memory_bytes;
+      state->x[2] = 5;
+      expect_stop(form, 2U << 16 | 1U << 5, at, room / form.memory_bytes);
+    }
+  }
+}
+
+// At every second stop, an element whose offset is in bytes begins in the readable page and runs
+// over into the unreadable one. Inactive elements are far away.
+TEST_F(FirstFault, GathersStopAtTheElementThatFaults) {
+  int tested = 0;
+  for (const Form& form : forms("LoadFF", sve::row_kind::bridge)) {
+    const bool has_low_bases =
+        form.memory.address == conformance::address_shape::vector_immediate &&
+        form.element_bytes == 4;
+    if (form.memory.access != conformance::access_shape::gathered || has_low_bases) continue;
+    ++tested;
+    for (std::size_t stop = 0; stop <= form.elements(); ++stop) {
+      choose_predicate(form, stop % 5);
+      Addresses at;
+      for (std::size_t e = 0; e < form.elements(); ++e) {
+        const std::uint64_t unit = random() % (memory.size() / form.memory_bytes);
+        at.push_back(active(form, e) ? memory.begin() + unit * form.memory_bytes
+                                     : memory.end() + 0x7000 * form.memory_bytes);
+      }
+      const bool overlaps = form.memory.offset_scale == 1 && stop % 2 != 0;
+      for (std::size_t e = stop; e < form.elements(); ++e)
+        at[e] = memory.end() - (overlaps ? form.memory_bytes / 2 : 0);
+      expect_stop(form, set_addresses(form, at), at, stop);
+    }
+  }
+  EXPECT_NE(tested, 0);
 }
 
 using FirstFaultDeathTest = FirstFault;
