@@ -90,10 +90,6 @@ int run(const options& chosen) {
     std::fputs("conformance: no row matches\n", stderr);
     return 2;
   }
-  if (chosen.list) {
-    print_list(rows);
-    return 0;
-  }
   map_arena();
   start_native_runs();
   if (chosen.word) return run_word(chosen);

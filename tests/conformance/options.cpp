@@ -20,7 +20,6 @@ constexpr argp_option described[] = {
     {"shard", 'p', "I/N", 0, "only every N-th row, starting with the I-th", 0},
     {"word", 'w', "WORD", 0, "run this instruction word only, --count times (default 1)", 0},
     {"state-seed", 't', "N", 0, "make the first machine state of --word from N", 0},
-    {"list", 'l', nullptr, 0, "list the rows and run nothing", 0},
     {"output", 'o', "FILE", 0,
      "also write the summary to FILE, and below it a line for each row, separated by tabs: name, "
      "family, kind, pattern, status, words compared, failed and reserved, syntax",
@@ -47,7 +46,6 @@ error_t apply(int key, char* text, argp_state* state) {
       chosen.word = static_cast<std::uint32_t>(number(state, "--word", text, 0, UINT32_MAX));
       break;
     case 't': chosen.state_seed = number(state, "--state-seed", text); break;
-    case 'l': chosen.list = true; break;
     case 'o': chosen.output = text; break;
     case 'k': chosen.self_check = true; break;
     case ARGP_KEY_END: check_together(state, chosen); break;

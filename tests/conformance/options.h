@@ -18,7 +18,6 @@ struct options {
   std::optional<std::uint32_t> word;
   std::optional<std::uint64_t> state_seed;
   std::string output;  // the file for the full list, or empty
-  bool list = false;
   bool self_check = false;
 };
 

@@ -23,38 +23,20 @@ struct family {
 // The first entry that matches a row's name determines its family.
 constexpr std::array families{
     family{"*Prefetch*", "prefetches"},
-    family{"*FillSI", "register loads and stores"},
-    family{"*SpillSI", "register loads and stores"},
+    family{"*@(Fill|Spill)SI", "register loads and stores"},
     family{"*LoadDup*", "replicating loads"},
     family{"*Load[FN]F*", "first-fault and non-fault loads"},
-    family{"*E[234]Load*", "structure loads and stores"},
-    family{"*E[234]Store*", "structure loads and stores"},
-    family{"*CLoad*", "contiguous loads and stores"},
-    family{"*CStore*", "contiguous loads and stores"},
-    family{"*Load[1248]*", "gathers and scatters"},
-    family{"*Store[1248]*", "gathers and scatters"},
-    family{"*While*", "loop control"},
-    family{"*CTerm*", "loop control"},
-    family{"*Count*", "counts"},
-    family{"*VL[48SVX]*", "counts"},
-    family{"*AddPLX", "counts"},
+    family{"*E[234]@(Load|Store)*", "structure loads and stores"},
+    family{"*C@(Load|Store)*", "contiguous loads and stores"},
+    family{"*@(Load|Store)[1248]*", "gathers and scatters"},
+    family{"*@(While|CTerm)*", "loop control"},
+    family{"*@(Count*|VL[48SVX]*|AddPLX)", "counts"},
     family{"VecP*", "predicates"},
     family{"*CmpFlg*", "integer compares"},
-    family{"*Zip[12]VV", "permutes, copies and extraction"},
-    family{"*Uzp[12]VV", "permutes, copies and extraction"},
-    family{"*Trn[12]VV", "permutes, copies and extraction"},
-    family{"*TblVV", "permutes, copies and extraction"},
-    family{"*ReverseV", "permutes, copies and extraction"},
-    family{"*Unpack*", "permutes, copies and extraction"},
-    family{"*SpliceVV", "permutes, copies and extraction"},
-    family{"*CompressVV", "permutes, copies and extraction"},
-    family{"*SlideVI", "permutes, copies and extraction"},
-    family{"*Last[AB]V", "permutes, copies and extraction"},
-    family{"*CondX[AB]*", "permutes, copies and extraction"},
-    family{"*InsertS", "permutes, copies and extraction"},
-    family{"*Dup*", "permutes, copies and extraction"},
-    family{"*Move*", "permutes, copies and extraction"},
-    family{"*SelVV", "permutes, copies and extraction"},
+    family{"*@(Zip[12]|Uzp[12]|Trn[12]|Tbl|Splice|Compress|Sel)VV",
+           "permutes, copies and extraction"},
+    family{"*@(ReverseV|SlideVI|Last[AB]V|InsertS)", "permutes, copies and extraction"},
+    family{"*@(Unpack|CondX[AB]|Dup|Move)*", "permutes, copies and extraction"},
     family{"Vec[FDH][136]*", "floating point"},
     family{"*_[248]From*", "floating point"},
     family{"*Reduce*", "integer reductions"},
@@ -63,9 +45,10 @@ constexpr std::array families{
 
 const char* family_of(const sve::instruction_row& row) {
   const std::string name{row.name};
-  return std::ranges::find_if(
-             families,
-             [&](const family& entry) { return fnmatch(entry.rows, name.c_str(), 0) == 0; })
+  return std::ranges::find_if(families,
+                              [&](const family& entry) {
+                                return fnmatch(entry.rows, name.c_str(), FNM_EXTMATCH) == 0;
+                              })
       ->name;
 }
 
@@ -151,12 +134,6 @@ void print_summary(std::FILE* out, const std::vector<row_result>& results) {
   total.print(out, "all", "");
   std::fprintf(out, "%lu reserved words left out\n", total.reserved);
   print_failing_rows(out, results);
-}
-
-void print_list(const std::vector<const sve::instruction_row*>& rows) {
-  for (const sve::instruction_row* row : rows)
-    std::printf("%s %-7s %-22s %s\n", text(row->pattern).c_str(), kind_name(row->kind),
-                text(row->name).c_str(), row->syntax().c_str());
 }
 
 bool write_results(const std::string& path, const std::string& heading,

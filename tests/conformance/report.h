@@ -15,9 +15,6 @@ void report_failure(const test_case& tested, const std::vector<difference>& foun
 // Prints how many rows pass and fail, by family and kind, and in total.
 void print_summary(std::FILE* out, const std::vector<row_result>& results);
 
-// Prints only the rows.
-void print_list(const std::vector<const sve::instruction_row*>& rows);
-
 // Writes the heading, the summary, and a line for each row. Returns false, with errno set, if the
 // file cannot be written.
 bool write_results(const std::string& path, const std::string& heading,
