@@ -128,10 +128,8 @@ static void handle_faults(void (*handler)(int, siginfo_t*, void*)) {
   static unsigned char stack[1 << 16];
   const stack_t alternate = {.ss_sp = stack, .ss_size = sizeof stack};
   sigaltstack(&alternate, NULL);
-  struct sigaction action = {.sa_flags = SA_SIGINFO | SA_ONSTACK};
-  action.sa_sigaction = handler;
-  sigaction(SIGSEGV, &action, NULL);
-  sigaction(SIGBUS, &action, NULL);
+  set_handler(SIGSEGV, handler, SA_ONSTACK);
+  set_handler(SIGBUS, handler, SA_ONSTACK);
 }
 
 static struct general_registers start(void) {

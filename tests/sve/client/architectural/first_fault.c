@@ -202,8 +202,7 @@ static void choose_addresses(unsigned distance, unsigned operand) {
   }
 }
 
-// --- The code
-// --------------------------------------------------------------------------------------
+// --- The code ------------------------------------------------------------------------------------
 
 enum { operands = 32, ret = (int)0xd65f03c0 };
 
@@ -338,10 +337,8 @@ int main(int argc, char** argv) {
   printf("seed %lu, %ld rounds\n", random_state, rounds);
   map_places();
   write_code();
-  struct sigaction action = {.sa_flags = SA_SIGINFO | SA_NODEFER};
-  action.sa_sigaction = handle;
-  sigaction(SIGSEGV, &action, NULL);
-  sigaction(SIGBUS, &action, NULL);
+  set_handler(SIGSEGV, handle, SA_NODEFER);
+  set_handler(SIGBUS, handle, SA_NODEFER);
   for (unsigned f = 0; f < form_count; ++f) {
     form = &forms[f];
     for (unsigned p = 0; p < sizeof places / sizeof places[0]; ++p) {

@@ -20,11 +20,7 @@
 
 enum { at_minsigstksz = 51, esr_record = 0x45535201, usual_frame = 4704 };
 
-struct frame_case {
-  const void* code;
-  const char* text;
-};
-extern const struct frame_case frame_cases[], frame_cases_end[];
+extern const struct test_case frame_cases[], frame_cases_end[];
 void frame_handler(int signal, siginfo_t* info, void* context);
 
 static struct vectors before, after, in_handler;
@@ -109,12 +105,6 @@ void handle(int signal, siginfo_t* info, void* context) {
   if (signal == SIGALRM) timer_has_run = 1;
 }
 
-static void set_handler(int signal, void (*handler)(int, siginfo_t*, void*)) {
-  struct sigaction action = {.sa_flags = SA_SIGINFO};
-  action.sa_sigaction = handler;
-  sigaction(signal, &action, NULL);
-}
-
 static void run(const void* code) {
   struct general_registers registers = {
       .x = {(uint64_t)getpid(), SIGUSR1, (uintptr_t)not_accessible, 0, (uintptr_t)&timer_has_run}};
@@ -124,7 +114,7 @@ static void run(const void* code) {
 static void signals(void) {
   for (int looks = 0; looks < 2; ++looks) {
     vectors_of_handler = looks ? &in_handler : NULL;
-    for (const struct frame_case* c = frame_cases; c != frame_cases_end; ++c) {
+    for (const struct test_case* c = frame_cases; c != frame_cases_end; ++c) {
       printf("%s%s\n", c->text, looks ? ", and the handler uses SVE" : "");
       fill_vectors(&before);
       timer_has_run = 0;
@@ -137,8 +127,7 @@ static void signals(void) {
   vectors_of_handler = NULL;
 }
 
-// --- Frames that the handler changes
-// ---------------------------------------------------------------
+// --- Frames that the handler changes -------------------------------------------------------------
 
 static struct sve_context* sve(ucontext_t* context) { return record_in(context, SVE_MAGIC); }
 static void end_at(void* record) { memset(record, 0, 8); }
@@ -216,7 +205,7 @@ static void edits(void) {
     if (fork() == 0) {
       fill_vectors(&before);
       edit = table[i].edit;
-      set_handler(SIGSEGV, tell_bad_frame);
+      set_handler(SIGSEGV, tell_bad_frame, 0);
       run(frame_cases[0].code);
       printf("  then %s\n", describe(&after));
       if (!are_low_parts_alone(&after)) print_changes(&before, &after);
@@ -227,8 +216,7 @@ static void edits(void) {
   }
 }
 
-// --- New threads and processes, and prctl
-// ----------------------------------------------------------
+// --- New threads and processes, and prctl --------------------------------------------------------
 
 static void print_new_state(const char* where) {
   store_vectors(&after);
@@ -300,7 +288,7 @@ int main(int argc, char** argv) {
          (unsigned)prctl(PR_SVE_GET_VL));
   not_accessible = mmap(NULL, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   const int handled[] = {SIGTRAP, SIGUSR1, SIGSEGV, SIGALRM};
-  for (int i = 0; i < 4; ++i) set_handler(handled[i], frame_handler);
+  for (int i = 0; i < 4; ++i) set_handler(handled[i], frame_handler, 0);
   signals();
   edits();
   lengths("/proc/self/exe");

@@ -10,10 +10,6 @@
 
 #include "vectors.h"
 
-struct test_case {
-  const void* code;
-  const char* text;
-};
 extern const struct test_case v_write_cases[], v_write_cases_end[];
 
 static struct vectors before, after;
@@ -47,12 +43,11 @@ static void handle(int signal, siginfo_t* info, void* context) {
   handler_work(context);
 }
 
-static void set_handler(int signal, void (*work)(ucontext_t*)) {
-  // Handlers of faults may jump out. That of the timer must not interrupt itself.
-  struct sigaction action = {.sa_flags = SA_SIGINFO | (signal == SIGALRM ? 0 : SA_NODEFER)};
-  action.sa_sigaction = handle;
+// Handlers of faults may jump out.
+static void handle_faults(void (*work)(ucontext_t*)) {
   handler_work = work;
-  sigaction(signal, &action, NULL);
+  set_handler(SIGSEGV, handle, SA_NODEFER);
+  set_handler(SIGTRAP, handle, SA_NODEFER);
 }
 
 // Each runs SVE instructions and writes V registers before and after an instruction that raises a
@@ -79,8 +74,7 @@ static void write_and_jump(ucontext_t* context) {
 
 static void run_with_fault(const char* text, void (*code)(void), void (*work)(ucontext_t*)) {
   prepare();
-  set_handler(SIGSEGV, work);
-  set_handler(SIGTRAP, work);
+  handle_faults(work);
   registers.x[0] = 16;
   memset(&in_handler, 0, sizeof in_handler);
   run_code((void*)code, &before, &after, &registers);
@@ -112,7 +106,7 @@ static void nothing(void) {}
 
 static void jumps(void) {
   prepare();
-  set_handler(SIGSEGV, write_and_jump);
+  handle_faults(write_and_jump);
   registers.x[0] = 16;
   if (sigsetjmp(out_of_handler, 0) == 0)
     run_code((void*)fault_between, &before, &after, &registers);
@@ -151,7 +145,8 @@ static unsigned long wrong_rounds(unsigned long rounds) {
 
 static void interruptions(void) {
   prepare();
-  set_handler(SIGALRM, clobber);
+  handler_work = clobber;
+  set_handler(SIGALRM, handle, 0);  // it must not interrupt itself
   const struct itimerval often = {{.tv_usec = 1000}, {.tv_usec = 1000}};
   const struct itimerval never = {{0, 0}, {0, 0}};
   unsigned long wrong = 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <asm/sigcontext.h>
+#include <signal.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -14,6 +15,12 @@ enum { max_vector_bytes = 256, z_count = 32, p_count = 16 };
 // Z0 to Z31, P0 to P15 and the FFR, one after another, as STR stores them.
 struct vectors {
   _Alignas(16) unsigned char bytes[max_vector_bytes * z_count + max_vector_bytes / 8 * 17];
+};
+
+// A subroutine of assembly code and its text.
+struct test_case {
+  const void* code;
+  const char* text;
 };
 
 // What run_code loads before the code and stores after it.
@@ -102,6 +109,14 @@ static inline void print_changes(struct vectors* before, struct vectors* after) 
     printf(n == p_count ? "  ffr" : "  p%u", n);
     printf(" %08x\n", checksum(p_in(after, n), vector_length() / 8));
   }
+}
+
+// --- Signals -----------------------------------------------------------------------------------
+
+static inline void set_handler(int signal, void (*handler)(int, siginfo_t*, void*), int flags) {
+  struct sigaction action = {.sa_flags = SA_SIGINFO | flags};
+  action.sa_sigaction = handler;
+  sigaction(signal, &action, NULL);
 }
 
 // --- In a signal frame -------------------------------------------------------------------------
