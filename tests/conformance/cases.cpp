@@ -96,47 +96,27 @@ class row_test {
   failure_report report_;
 };
 
-std::vector<instruction_case> make_cases(const row_shape& shape, std::uint64_t seed, unsigned first,
-                                         unsigned count) {
-  std::vector<instruction_case> cases;
-  for (unsigned i = first; i < first + count; ++i) {
-    random_source random{derive_seed(seed, shape.row->name, i)};
-    const std::uint32_t word = make_word(shape, random);
-    cases.push_back({word, random()});
-  }
-  return cases;
-}
-
-row_result concluded(row_result result) {
-  if (result.compared == 0) result.status = row_status::failing;
-  return result;
-}
-
 }  // namespace
 
-row_result test_row(const row_shape& shape, std::uint64_t seed, unsigned count,
+instruction_case random_case(const row_shape& shape, std::uint64_t seed, unsigned index) {
+  random_source random{derive_seed(seed, shape.row->name, index)};
+  const std::uint32_t word = make_word(shape, random);
+  return {word, random()};
+}
+
+row_result test_row(const row_shape& shape, unsigned count, const case_maker& make,
                     failure_report report) {
   row_test test{shape, report};
   const unsigned limit = 8 * count + 64;
   for (unsigned made = 0; made < limit && !test.done(count);) {
     const unsigned missing = count - test.result.compared;
-    const auto batch = std::min<unsigned>(missing + missing / 8, max_prepared);
-    test.run(make_cases(shape, seed, made, std::max(batch, 1U)), count);
-    made += std::max(batch, 1U);
+    const unsigned batch = std::clamp<unsigned>(missing + missing / 8, 1, max_prepared);
+    std::vector<instruction_case> cases;
+    while (cases.size() < batch) cases.push_back(make(made++));
+    test.run(cases, count);
   }
-  return concluded(test.result);
-}
-
-row_result test_cases(const row_shape& shape, const std::vector<instruction_case>& cases,
-                      failure_report report) {
-  row_test test{shape, report};
-  for (std::size_t i = 0; i < cases.size(); i += max_prepared) {
-    const auto end = std::min(cases.size(), i + max_prepared);
-    test.run({cases.begin() + static_cast<std::ptrdiff_t>(i),
-              cases.begin() + static_cast<std::ptrdiff_t>(end)},
-             static_cast<unsigned>(cases.size()));
-  }
-  return concluded(test.result);
+  if (test.result.compared == 0) test.result.status = row_status::failing;
+  return test.result;
 }
 
 }  // namespace conformance

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "tests/conformance/comparison.h"
@@ -27,14 +28,16 @@ struct instruction_case {
 // Reports a case that failed, with each of its differences.
 using failure_report = void (*)(const test_case& tested, const std::vector<difference>& found);
 
-// Makes words and states from `seed` until `count` cases are compared, or until it is clear that
-// the processor refuses most of them. A row fails if none of its cases could be compared. Reports
-// the first failing cases of the row.
-row_result test_row(const row_shape& shape, std::uint64_t seed, unsigned count,
-                    failure_report report);
+// Makes the case with this index.
+using case_maker = std::function<instruction_case(unsigned index)>;
 
-// Runs the given cases, all of one row.
-row_result test_cases(const row_shape& shape, const std::vector<instruction_case>& cases,
-                      failure_report report);
+// A word and a state of the row that depend on nothing but the seed and the index.
+instruction_case random_case(const row_shape& shape, std::uint64_t seed, unsigned index);
+
+// Makes cases until `count` of them are compared, or until it is clear that the processor refuses
+// most of them. A row fails if none of its cases could be compared. Reports the first failing cases
+// of the row.
+row_result test_row(const row_shape& shape, unsigned count, const case_maker& make,
+                    failure_report report);
 
 }  // namespace conformance

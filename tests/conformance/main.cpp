@@ -112,10 +112,8 @@ int run_word() {
     return 2;
   }
   const std::uint64_t first = chosen.state_seed.value_or(chosen.seed);
-  std::vector<instruction_case> cases;
-  for (unsigned i = 0; i < chosen.count; ++i) cases.push_back({*chosen.word, first + i});
-  const row_shape shape = describe(*row);
-  const row_result result = test_cases(shape, cases, report_failure);
+  const auto make = [&](unsigned i) { return instruction_case{*chosen.word, first + i}; };
+  const row_result result = test_row(describe(*row), chosen.count, make, report_failure);
   std::printf("%s: %u states compared, %u failed%s\n", std::string{row->name}.c_str(),
               result.compared, result.failed,
               result.reserved > 0 ? "; the processor refuses the word" : "");
@@ -141,8 +139,10 @@ int run_rows(const std::vector<const sve::instruction_row*>& rows) {
                               std::to_string(sve::vector_bits) + "-bit vectors\n";
   std::fputs(heading.c_str(), stdout);
   std::vector<row_result> results;
-  for (const row_shape& shape : describe_all(rows))
-    results.push_back(test_row(shape, chosen.seed, chosen.count, report_failure));
+  for (const row_shape& shape : describe_all(rows)) {
+    const auto make = [&](unsigned i) { return random_case(shape, chosen.seed, i); };
+    results.push_back(test_row(shape, chosen.count, make, report_failure));
+  }
   return conclude(heading, results);
 }
 
@@ -163,7 +163,6 @@ int run() {
 }  // namespace conformance
 
 int main(int argc, char** argv) {
-  test_options::parse(argc, argv, conformance::described, conformance::apply, conformance::purpose,
-                      nullptr);
+  test_options::parse(argc, argv, conformance::described, conformance::apply, conformance::purpose);
   return conformance::run();
 }

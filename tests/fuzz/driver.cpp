@@ -55,8 +55,7 @@ void run_inputs(std::atomic<std::uint64_t>& current) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  test_options::parse(argc, argv, described, apply, "Runs a fuzz target with random inputs.",
-                      nullptr);
+  test_options::parse(argc, argv, described, apply, "Runs a fuzz target with random inputs.");
   std::printf("seed %lu\n", chosen.seed);
   std::fflush(stdout);
   void* const shared = mmap(nullptr, sizeof(std::atomic<std::uint64_t>), PROT_READ | PROT_WRITE,

@@ -41,12 +41,11 @@ inline part part_of(argp_state* state, const char* option, const char* text) {
   return result;
 }
 
-// Leaves the choices in `chosen`, which `parser` receives as its state's input.
 inline void parse(int argc, char** argv, const argp_option* described, argp_parser_t parser,
-                  const char* purpose, void* chosen) {
+                  const char* purpose) {
   const argp command_line = {described, parser, nullptr, purpose, nullptr, nullptr, nullptr};
   argp_err_exit_status = 2;
-  argp_parse(&command_line, argc, argv, 0, nullptr, chosen);
+  argp_parse(&command_line, argc, argv, 0, nullptr, nullptr);
 }
 
 }  // namespace test_options

@@ -281,7 +281,7 @@ bool passes(const encoding_group& group) {
 
 int main(int argc, char** argv) {
   test_options::parse(argc, argv, described, apply,
-                      "Compares the table of V-register writes with the processor.", nullptr);
+                      "Compares the table of V-register writes with the processor.");
   std::cout << "seed " << chosen.seed << std::endl;
   conformance::map_arena();
   conformance::start_native_runs();

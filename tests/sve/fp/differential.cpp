@@ -193,7 +193,7 @@ int run() {
 }  // namespace fp_test
 
 int main(int argc, char** argv) {
-  test_options::parse(argc, argv, fp_test::described, fp_test::apply, fp_test::purpose, nullptr);
+  test_options::parse(argc, argv, fp_test::described, fp_test::apply, fp_test::purpose);
   if (!fp_test::chosen.list) return fp_test::run();
   for (const auto& of : fp_test::chosen_operations()) std::puts(of.name.c_str());
 }
