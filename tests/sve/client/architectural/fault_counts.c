@@ -17,7 +17,8 @@ static void make_accessible(int signal) {
 
 int main(void) {
   page = mmap(NULL, page_bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  signal(SIGSEGV, make_accessible);
+  const struct sigaction action = {.sa_handler = make_accessible};
+  sigaction(SIGSEGV, &action, NULL);
   for (int i = 0; i < 10; ++i) {
     mprotect(page, page_bytes, PROT_NONE);
     __asm__ volatile("ptrue p0.b; ld1b {z0.b}, p0/z, [%0]" : : "r"(page) : "v0", "memory");

@@ -84,14 +84,14 @@ static const struct obstacle* obstacle;
 
 // --- What the handler sees, and what the instruction leaves --------------------------------------
 
+// It has no padding, so outcomes can be compared as a whole.
 struct outcome {
-  int signal, code;
+  int signal, code, entries, unstable;
   long address, pc, sp;  // from the edge, from the instruction, and from X28
   unsigned long flags;
   uint64_t x[31];
+  uint64_t memory;
   struct vectors in_frame, after;
-  uint32_t memory;
-  int entries, unstable;
 };
 
 static struct vectors before, in_frame;
@@ -159,7 +159,7 @@ static void print_outcome(void) {
     puts(" afterwards");
   }
   print_changes(&before, &outcome.after);
-  printf("  memory %08x\n", outcome.memory);
+  printf("  memory %08lx\n", outcome.memory);
 }
 
 static void run_cases(void) {
