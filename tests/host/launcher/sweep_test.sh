@@ -36,10 +36,22 @@ sweep() {
   expect "$status" --vl 512,2048 "$@"
 }
 
+# same ARGUMENTS...: the program does the same at both lengths.
+same() {
+  sweep 0 "$@" <<<"program does the same at 512 and 2048 bits."
+}
+
+# differs ARGUMENTS...: ./program does not. The differences are on standard input.
+differs() {
+  sweep 1 "$@" < <(
+    echo "program does not do the same at 2048 bits as at 512 bits."
+    echo "At 2048 bits:"
+    cat
+  )
+}
+
 # Programs that are agnostic of the length.
-sweep 0 ./program none <<END
-program does the same at 512 and 2048 bits.
-END
+same ./program none
 expect 0 --vl 2048,512,512 -- "$work/program" folder <<END
 program does the same at 2048 and 512 bits.
 END
@@ -51,57 +63,39 @@ name does the same at 512 and 2048 bits.
 END
 
 # Programs that are not.
-sweep 1 ./program length <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program length <<END
   standard output differs first at byte 7, line 2
      512 bits: 64 bytes
     2048 bits: 256 bytes
 END
-sweep 1 ./program length 102 <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program length 102 <<END
   standard output differs first at byte 106, line 2
      512 bits: ...$(printf '%62s' 64) bytes
     2048 bits: ...$(printf '%62s' 256) bytes
 END
-sweep 1 ./program lines <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program lines <<END
   standard output differs first at byte 9, line 5
      512 bits: (the end)
     2048 bits: 4
 END
-sweep 1 ./program binary <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program binary <<END
   standard output differs first at byte 3, line 2
 END
-sweep 0 ./program file <<END
-program does the same at 512 and 2048 bits.
-END
-sweep 1 --output traces --output result ./program file <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+same ./program file
+differs --output traces --output result ./program file <<END
   result differs first at byte 1, line 1
      512 bits: 64
     2048 bits: 256
 tessaly-sweep: program writes no file traces
 END
-sweep 1 --output short --output long ./program files <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs --output short --output long ./program files <<END
   short is not written, but it is at 512 bits
   long is written, but it is not at 512 bits
 END
-sweep 1 ./program status <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program status <<END
   the status is 3, but 125 at 512 bits
 END
-sweep 1 ./program abort <<END
-program does not do the same at 2048 bits as at 512 bits.
-At 2048 bits:
+differs ./program abort <<END
   the status is 134 (SIGABRT), but 0 at 512 bits
 END
 sweep 1 --advertise-sve "$advertised" 64 <<END
@@ -121,15 +115,11 @@ END
 # Each run reads all of a file on standard input. A terminal or a pipe is not read.
 echo text >some_text
 input=some_text
-sweep 0 ./program input <<END
-program does the same at 512 and 2048 bits.
-END
+same ./program input
 mkfifo pipe
 sleep 60 >pipe &
 input=pipe
-sweep 0 ./program input <<END
-program does the same at 512 and 2048 bits.
-END
+same ./program input
 kill $!
 input=/dev/null
 
