@@ -2,22 +2,19 @@
 // the table says about the word, and must not access anything outside of the state, no matter which
 // bytes are in it. Memory operands are moved into an arena between unreadable pages; if no element
 // is active, they stay wild.
-//
-// An input is the seed of the word and of the state. The word is usually one of a row.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <span>
 
 #include "sve/decode/sve_utils.h"
 #include "tests/conformance/arena.h"
-#include "tests/conformance/random.h"
 #include "tests/conformance/states.h"
 #include "tests/conformance/words.h"
+#include "tests/fuzz/target.h"
 
 namespace {
 
@@ -74,12 +71,9 @@ void demand(bool holds, const char* what, std::uint32_t word) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void run_input(conformance::random_source& random) {
   [[maybe_unused]] static const bool mapped = (map_arena(), true);
   static const auto state = std::make_unique<cpu_state>(), before = std::make_unique<cpu_state>();
-  std::uint64_t seed = size;
-  if (size != 0) std::memcpy(&seed, data, std::min(size, sizeof seed));
-  random_source random(seed);
 
   std::uint32_t word = choose_word(random);
   const sve::instruction_row* const row = sve::find_row(word);
@@ -94,5 +88,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     demand(result == aarch64_decode_unimplemented, "reports success", word);
     demand(std::ranges::equal(bytes_of(*before), bytes_of(*state)), "changed the state", word);
   }
-  return 0;
 }

@@ -1,8 +1,6 @@
 // Any file. The reader of program files must either return an image that keeps its promises or
 // refuse the file with one line. A well-formed program is damaged in a few places and read from a
 // heap block of its exact size, so that the sanitizers notice every byte read beyond the end.
-//
-// An input is the seed of the damage.
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -14,7 +12,7 @@
 
 #include "host/loading/elf_reader.h"
 #include "host/loading/launch_error.h"
-#include "tests/conformance/random.h"
+#include "tests/fuzz/target.h"
 #include "tests/host/loading/elf_file.h"
 
 namespace {
@@ -174,14 +172,10 @@ void check_image(const elf_image& image, std::span<const std::byte> bytes,
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::uint64_t seed = size;
-  if (size != 0) std::memcpy(&seed, data, std::min(size, sizeof seed));
-  random_source random(seed);
+void run_input(random_source& random) {
   const std::uint64_t page_size = random.pick(page_sizes);
   const std::vector<std::byte> bytes = damaged_file(random);
   const attempt result = read(bytes, page_size);
   result.image ? check_image(*result.image, bytes, page_size) : check_refusal(result.refusal);
   demand(result.image || bytes != well_formed().bytes(), "a well-formed program is refused");
-  return 0;
 }

@@ -9,14 +9,11 @@
 //
 // The translator's own table says which registers an instruction reads and writes. Another test
 // checks that table with a disassembler (tests/host/translation/register_fields.py).
-//
-// An input is the seed of the words, of the address, and of whether a conditional branch is taken.
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <span>
 #include <vector>
 
@@ -24,7 +21,7 @@
 #include "host/translation/context.h"
 #include "host/translation/mangle.h"
 #include "host/translation/register_fields.h"
-#include "tests/conformance/random.h"
+#include "tests/fuzz/target.h"
 
 namespace {
 
@@ -573,14 +570,10 @@ block make_block(random_source& random) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::uint64_t seed = size;
-  if (size != 0) std::memcpy(&seed, data, std::min(size, sizeof seed));
-  random_source random(seed);
+void run_input(random_source& random) {
   registers start;
   std::ranges::generate(start, random);
   const block made = make_block(random);
   in_question = &made;
   check(made, start);
-  return 0;
 }
