@@ -9,23 +9,14 @@
 
 #include "dr_api.h"
 
-extern "C" {
-
 DR_EXPORT int _USES_DR_VERSION_;
 int _USES_DR_VERSION_ = 602;
 
-DR_EXPORT void dr_client_main(client_id_t id, int argc, const char* argv[]);
-}
-
-namespace {
-
-ssize_t drop(void* /*cookie*/, const char* /*text*/, size_t size) {
+static ssize_t drop(void* /*cookie*/, const char* /*text*/, size_t size) {
   return static_cast<ssize_t>(size);
 }
 
-}  // namespace
-
-void dr_client_main(client_id_t id, int argc, const char* argv[]) {
+DR_EXPORT void dr_client_main(client_id_t id, int argc, const char* argv[]) {
   using client_main = void(client_id_t, int, const char**);
   void* const client = dlopen("libsve_client.so", RTLD_NOW | RTLD_LOCAL);
   if (client == nullptr) {
