@@ -42,23 +42,16 @@ static void tell_environment(void) {
 
 static void tell_signals(void) {
   sigset_t mask;
-  struct sigaction action;
   sigprocmask(SIG_SETMASK, NULL, &mask);
-  printf("blocked:");
   for (int signal = 1; signal < 32; signal++) {
-    if (sigismember(&mask, signal)) printf(" %d", signal);
-  }
-  printf("\nignored:");
-  for (int signal = 1; signal < 32; signal++) {
+    struct sigaction action;
     sigaction(signal, NULL, &action);
-    if (action.sa_handler == SIG_IGN) printf(" %d", signal);
+    if (sigismember(&mask, signal)) printf("%d is blocked\n", signal);
+    if (action.sa_handler == SIG_IGN) printf("%d is ignored\n", signal);
+    if (action.sa_handler != SIG_IGN && action.sa_handler != SIG_DFL) {
+      printf("%d is handled\n", signal);
+    }
   }
-  printf("\nhandled:");
-  for (int signal = 1; signal < 32; signal++) {
-    sigaction(signal, NULL, &action);
-    if (action.sa_handler != SIG_IGN && action.sa_handler != SIG_DFL) printf(" %d", signal);
-  }
-  puts("");
 }
 
 static void tell_descriptors(void) {

@@ -18,6 +18,8 @@
 #include <ucontext.h>
 #include <unistd.h>
 
+#include "tests/host/programs/run_case.h"
+
 static void handle(int signal, void (*handler)(int, siginfo_t*, void*), int flags,
                    const int* blocked) {
   struct sigaction action = {.sa_flags = SA_SIGINFO | flags};
@@ -280,12 +282,19 @@ static void stacks(void) {
 
 // --- Faults ------------------------------------------------------------------------------------
 
-// Each of these faults at its label. X2 to X29 then hold their own number plus 100, and the flags
-// are those of 16 - 17.
-void fault_load(void), fault_store_pair(void), fault_undefined(void), fault_break(void),
-    fault_literal(void);
-extern char at_load[], at_store_pair[], at_undefined[], at_break[], at_literal[];
-extern uint64_t registers_after[31];  // with the flags in place of X0
+// Each begins with an instruction that faults, and then returns. X0 and X1 hold an address that
+// cannot be accessed, and X2 to X29 their own number plus 100.
+__asm__(
+    ".pushsection .text\n"
+    ".globl fault_load, fault_load_byte, fault_store_pair, fault_undefined, fault_break\n"
+    "fault_load: ldr x28, [x0]\n ret\n"
+    "fault_load_byte: ldrb w28, [x0]\n ret\n"
+    "fault_store_pair: stp x28, x3, [x1]\n ret\n"
+    "fault_undefined: udf #1\n ret\n"
+    "fault_break: brk #1\n ret\n"
+    ".popsection");
+extern const char fault_load[], fault_load_byte[], fault_store_pair[], fault_undefined[],
+    fault_break[];
 
 static const char* expected_pc;
 static volatile int wrong_registers;
@@ -301,11 +310,13 @@ static void fix_up(int signal, siginfo_t* info, void* context) {
   machine->pc += 4;
 }
 
-static void fault_at(const char* where, void (*faulting)(void)) {
-  expected_pc = where;
-  faulting();
-  printf(", wrong registers %d; then flags %lx", wrong_registers, registers_after[0]);
-  for (int i = 2; i < 30; ++i) printf(" %lu", registers_after[i]);
+static void fault_at(const char* code) {
+  struct machine state = {.x = {16, 16}, .nzcv = 0x80000000};
+  for (unsigned i = 2; i < 30; ++i) state.x[i] = 100 + i;
+  expected_pc = code;
+  run_case(code, &state);
+  printf(", wrong registers %d; then flags %lx", wrong_registers, state.nzcv);
+  for (int i = 2; i < 30; ++i) printf(" %lu", state.x[i]);
   puts("");
 }
 
@@ -319,11 +330,11 @@ static void return_to_caller(int signal, siginfo_t* info, void* context) {
 static void faults(void) {
   static const int signals[] = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP};
   for (int i = 0; i < 4; ++i) handle(signals[i], fix_up, 0, NULL);
-  fault_at(at_load, fault_load);
-  fault_at(at_store_pair, fault_store_pair);
-  fault_at(at_undefined, fault_undefined);
-  fault_at(at_break, fault_break);
-  fault_at(at_literal, fault_literal);
+  fault_at(fault_load);
+  fault_at(fault_load_byte);
+  fault_at(fault_store_pair);
+  fault_at(fault_undefined);
+  fault_at(fault_break);
   for (int i = 0; i < 4; ++i) handle(signals[i], return_to_caller, 0, NULL);
   void* const page = mmap(NULL, 4096, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   void (*volatile nowhere)(void) = NULL;

@@ -25,12 +25,23 @@
 #include <thread>
 #include <unistd.h>
 
-// Z, P and FFR, in the order of vector_state.S.
+// Z, P and FFR, in the order of vectors.S.
 struct alignas(16) vector_image {
   std::array<unsigned char, 256 * 32 + 32 * 17> bytes;
 };
+using general_registers = std::array<std::uint64_t, 9>;  // X0 to X7 and NZCV
 
-extern "C" void hold_vectors(const vector_image* in, vector_image* out, const volatile int* go_on);
+extern "C" void run_code(const void* code, const vector_image* in, vector_image* out,
+                         general_registers* registers);
+
+// Waits while the word at X0 is not 0.
+asm(".pushsection .text\n"
+    ".globl wait_while_set\n"
+    "wait_while_set: ldr w1, [x0]\n"
+    "cbnz w1, wait_while_set\n"
+    "ret\n"
+    ".popsection");
+extern "C" const char wait_while_set[];
 
 namespace {
 
@@ -100,7 +111,8 @@ void check_vectors(std::uint64_t seed, const volatile int* go_on) {
   vector_image in;
   vector_image out;
   fill(in, seed);
-  hold_vectors(&in, &out, go_on);
+  general_registers registers = {reinterpret_cast<std::uint64_t>(go_on)};
+  run_code(wait_while_set, &in, &out, &registers);
   demand(std::ranges::equal(used_bytes(in), used_bytes(out)), "the vector state has changed");
   counts.vectors++;
 }

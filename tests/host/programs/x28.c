@@ -5,24 +5,16 @@
 #include <string.h>
 #include <sys/mman.h>
 
+#include "tests/host/programs/run_case.h"
+
 struct test_case {
   const void* code;
   uint64_t kind;  // 1: X28 holds an address
   const char* text;
 };
 
-struct machine {
-  uint64_t x[30];
-  uint64_t nzcv;
-  uint64_t fpsr;
-  uint64_t q[32][2];
-  uint64_t fpcr;
-  uint64_t tpidr;
-};
-
 extern const struct test_case x28_cases[];
 extern const struct test_case x28_cases_end[];
-void run_case(const void* code, struct machine* state);
 
 // At a fixed address, so that addresses in the output are the same in every run.
 static void* const memory_at = (void*)0x20000000;
