@@ -1,7 +1,6 @@
 // Blocks in the code cache: linked, looked up, mapped back to the application, and run.
 #include "host/translation/code_cache.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <sys/syscall.h>
@@ -43,16 +42,6 @@ class cache_test : public testing::Test {
     return *context().exit;
   }
 
-  // All but PC and TPIDR_EL0.
-  void expect_registers_of(const thread_context& expected) {
-    for (unsigned i = 0; i < 31; i++) EXPECT_EQ(context().x[i], expected.x[i]) << i;
-    EXPECT_EQ(std::memcmp(context().q, expected.q, sizeof expected.q), 0);
-    EXPECT_EQ(context().sp, expected.sp);
-    EXPECT_EQ(context().nzcv, expected.nzcv);
-    EXPECT_EQ(context().fpcr, expected.fpcr);
-    EXPECT_EQ(context().fpsr, expected.fpsr);
-  }
-
   std::unique_ptr<thread_state> thread;
 };
 
@@ -84,24 +73,6 @@ TEST_F(cache_test, finds_every_target_as_the_table_grows) {
     ASSERT_EQ(exit.kind, exit_kind::supervisor_call) << i;
     ASSERT_EQ(exit.target, target(i) + 8);
   }
-}
-
-TEST_F(cache_test, keeps_every_register_through_entry_lookup_and_exit) {
-  const fragment& first = install(0x1000, 0xd503201f, br_x5);  // nop
-  cache().admit(install(0x2000, 0xd503201f, svc), 5);
-  for (unsigned i = 0; i < 31; i++) context().x[i] = 0x1111111111111111 * (i % 15) + i;
-  for (unsigned i = 0; i < sizeof context().q; i++) {
-    (&context().q[0][0])[i] = static_cast<std::uint8_t>(i * 7);
-  }
-  context().x[5] = 0x2000;
-  context().sp = 0x7654'3210;
-  context().nzcv = 0xa0000000;
-  context().fpcr = 0x01c00000;
-  context().fpsr = 0x0800001f;
-  const thread_context before = context();
-  ASSERT_EQ(run(first).kind, exit_kind::supervisor_call);
-  expect_registers_of(before);
-  EXPECT_EQ(context().tpidr, before.tpidr);
 }
 
 TEST_F(cache_test, tells_the_application_address_of_each_word) {
@@ -222,38 +193,6 @@ class interrupted_test : public cache_test {
   static inline interrupted_test* test = nullptr;
   std::vector<char> signal_stack;
 };
-
-TEST_F(interrupted_test, recovers_the_state_before_the_instruction_that_faults) {
-  constexpr std::uint64_t pc = 0x2000'0000;
-  constexpr std::uint32_t faulting[] = {
-      0xf9400123,  // ldr x3, [x9]
-      0xf8408523,  // ldr x3, [x9], #8
-      0xf9400380,  // ldr x0, [x28]
-      0xf8408f80,  // ldr x0, [x28, #8]!
-      0xf940013c,  // ldr x28, [x9]
-      0xa9c10783,  // ldp x3, x1, [x28, #16]!
-      0xa9c17123,  // ldp x3, x28, [x9, #16]!
-      0xf9000382,  // str x2, [x28]
-      0xf81f8f9d,  // str x29, [x28, #-8]!
-      0x48227d3c,  // casp x2, x3, x28, x29, [x9]
-      0x48207f84,  // casp x0, x1, x4, x5, [x28]
-      0xc85f7f80,  // ldxr x0, [x28]
-      0xc85f7d3c,  // ldxr x28, [x9]
-      0x58080003,  // ldr x3, .+0x10000
-      0x9808001c,  // ldrsw x28, .+0x10000
-      0x9c080005,  // ldr q5, .+0x10000
-      0x0000001c,  // udf #28
-  };
-  for (const std::uint32_t word : faulting) {
-    SCOPED_TRACE(testing::Message() << std::hex << word);
-    const thread_context before = context();
-    const fragment& block = install(pc, word, svc);
-    ASSERT_EQ(run(block).kind, exit_kind::interrupted);
-    EXPECT_EQ(context().pc, pc);
-    expect_registers_of(before);
-    cache().flush();
-  }
-}
 
 TEST_F(interrupted_test, recovers_what_another_register_held_for_x28) {
   context().x[28] = 0x77;
