@@ -1,6 +1,6 @@
-// Runs a fuzz target on random inputs. An input is a number, the seed of all that the target makes of
-// it: input i of a run is the run's seed plus i. A child process runs the inputs. No matter what ends
-// it, the driver prints the command that runs the failing input alone.
+// Runs a fuzz target on random inputs. An input is a number, the seed of all that the target makes
+// of it: input i of a run is the run's seed plus i. A child process runs the inputs. No matter what
+// ends it, the driver prints the command that runs the failing input alone.
 #include <atomic>
 #include <cstdio>
 #include <new>

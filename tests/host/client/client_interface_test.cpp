@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "host/include/drmgr.h"
-#include "host/include/drreg.h"
 #include "host/threads/thread.h"
 
 namespace {
@@ -206,14 +205,6 @@ TEST(fields_of_threads, are_given_out_once_and_kept_apart) {
   EXPECT_EQ(drmgr_get_tls_field(&one, host::tls_field_count), nullptr);
   for (const int index : indices) EXPECT_TRUE(drmgr_unregister_tls_field(index));
   EXPECT_FALSE(drmgr_unregister_tls_field(indices[0]));
-}
-
-TEST(drreg_init_checks, the_size_of_its_options) {
-  drreg_options_t options{};
-  options.struct_size = sizeof options;
-  EXPECT_EQ(drreg_init(&options), DRREG_SUCCESS);
-  options.struct_size = 24;
-  EXPECT_EQ(drreg_init(&options), DRREG_ERROR_INVALID_PARAMETER);
 }
 
 }  // namespace

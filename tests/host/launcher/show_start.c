@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/auxv.h>
 
 extern char _start[];
 extern char** environ;
@@ -71,10 +72,7 @@ int main(int argc, char** argv, char** envp) {
   first_argument = argv[0];
   if (argc > 1 && strcmp(argv[1], "--overflow-stack") == 0) return descend(1 << 20);
   if (argc > 1 && strcmp(argv[1], "--random") == 0) {
-    for (const ElfW(auxv_t)* entry = auxiliary_vector(); entry->a_type != AT_NULL; ++entry) {
-      if (entry->a_type == AT_RANDOM)
-        printf("%lx\n", *(const unsigned long*)pointer(entry->a_un.a_val));
-    }
+    printf("%lx\n", *(const unsigned long*)pointer(getauxval(AT_RANDOM)));
     return 0;
   }
   printf("argc %d\n", argc);

@@ -37,14 +37,12 @@ static size_t read_file(const char* path, char* buffer, size_t size) {
   return filled;
 }
 
-static const char* in_thread(void* path) {
+static void* target_of(void* path) {
   static char target[4096];
   const ssize_t length = readlink(path, target, sizeof target - 1);
   target[length < 0 ? 0 : length] = '\0';
   return target;
 }
-
-static void* link_in_thread(void* path) { return (void*)in_thread(path); }
 
 static void executable(const char* own) {
   char path[128];
@@ -54,7 +52,7 @@ static void executable(const char* own) {
   stat(own, &mine);
   for (unsigned i = 0; i < sizeof forms / sizeof forms[0]; i++) {
     snprintf(path, sizeof path, forms[i], getpid(), getpid());
-    expect(strcmp(in_thread(path), own) == 0, path);
+    expect(strcmp(target_of(path), own) == 0, path);
     expect(stat(path, &found) == 0 && found.st_ino == mine.st_ino, path);
     const int fd = open(path, O_RDONLY | O_CLOEXEC);
     expect(fd >= 0 && fstat(fd, &found) == 0 && found.st_ino == mine.st_ino, path);
@@ -71,7 +69,7 @@ static void executable(const char* own) {
   expect(lstat("/proc/self/exe", &found) == 0 && S_ISLNK(found.st_mode), "lstat");
   pthread_t thread;
   void* seen = NULL;
-  pthread_create(&thread, NULL, link_in_thread, (void*)"/proc/thread-self/exe");
+  pthread_create(&thread, NULL, target_of, (void*)"/proc/thread-self/exe");
   pthread_join(thread, &seen);
   expect(strcmp(seen, own) == 0, "in a thread");
 }

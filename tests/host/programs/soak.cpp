@@ -50,7 +50,6 @@ constexpr std::size_t page_bytes = 4096;
 constexpr std::size_t alternate_stack_bytes = std::size_t{256} * 1024;
 const int queued_signal = SIGRTMIN;
 const int timer_signal = SIGRTMIN + 1;
-constexpr std::uint64_t repaired = 0x5eed'0fa'11'7e57;
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "soak: %s\n", what);
@@ -61,7 +60,7 @@ void demand(bool holds, const char* what) {
   if (!holds) fail(what);
 }
 
-enum class repair : std::uint8_t { none, give_memory, skip_load, jump };
+enum class repair : std::uint8_t { none, give_memory, jump };
 
 struct worker {
   explicit worker(std::uint64_t seed) : random(seed) {}
@@ -138,13 +137,6 @@ void on_tick(int signal, siginfo_t* info, void* /*context*/) {
   counts.ticks++;
 }
 
-// The load's base is X28 and its target X9.
-void skip_load(mcontext_t& machine) {
-  demand(machine.regs[28] == reinterpret_cast<std::uint64_t>(self->guarded), "another X28");
-  machine.regs[9] = repaired;
-  machine.pc += 4;
-}
-
 [[noreturn]] void fail_at_fault(const siginfo_t& info, const mcontext_t& machine) {
   std::fprintf(stderr, "at %#llx, address %p, code %d, LR %#llx\n", machine.pc, info.si_addr,
                info.si_code, machine.regs[30]);
@@ -158,11 +150,8 @@ void on_fault(int /*signal*/, siginfo_t* info, void* context) {
   if (!expected) fail_at_fault(*info, static_cast<ucontext_t*>(context)->uc_mcontext);
   check_vectors(own_number, &at_once);
   counts.faults++;
-  switch (self->on_fault) {
-    case repair::give_memory: mprotect(self->guarded, page_bytes, PROT_READ | PROT_WRITE); return;
-    case repair::skip_load: return skip_load(static_cast<ucontext_t*>(context)->uc_mcontext);
-    default: siglongjmp(self->before_fault, 1);
-  }
+  if (self->on_fault == repair::jump) siglongjmp(self->before_fault, 1);
+  mprotect(self->guarded, page_bytes, PROT_READ | PROT_WRITE);
 }
 
 void handle(int signal, void (*handler)(int, siginfo_t*, void*), int flags) {
@@ -236,19 +225,6 @@ void fault_and_get_memory(worker& me) {
   demand(*place == own_number, "a store was lost");
 }
 
-void fault_and_skip(worker& me) {
-  me.on_fault = repair::skip_load;
-  std::uint64_t loaded = 0;
-  asm volatile(
-      "mov x28, %1\n"
-      "ldr x9, [x28]\n"
-      "mov %0, x9\n"
-      : "=r"(loaded)
-      : "r"(me.guarded)
-      : "x9", "x28", "memory");
-  demand(loaded == repaired, "the handler's register was lost");
-}
-
 void fault_and_jump(worker& me) {
   me.on_fault = repair::jump;
   if (sigsetjmp(me.before_fault, 1) == 0) {
@@ -258,8 +234,7 @@ void fault_and_jump(worker& me) {
 }
 
 void fault(worker& me) {
-  constexpr std::array ways = {fault_and_get_memory, fault_and_skip, fault_and_jump};
-  ways[me.random() % ways.size()](me);
+  me.random() % 2 == 0 ? fault_and_get_memory(me) : fault_and_jump(me);
   me.on_fault = repair::none;
   demand(mprotect(me.guarded, page_bytes, PROT_NONE) == 0, "mprotect");
 }

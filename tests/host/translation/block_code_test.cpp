@@ -1,7 +1,8 @@
 // Single instructions and the words that replace them, with their disassembly. Until the block has
 // an address, it is open what a word branches to or loads: the disassembly shows that after =>, and
 // the word does not contain it. The instruction is at 0x412340. That the words do what they should,
-// tests/fuzz/rewriter_fuzz.cpp finds out for all instructions; here are the sequences that are meant.
+// tests/fuzz/rewriter_fuzz.cpp finds out for all instructions; here are the sequences that are
+// meant.
 #include "host/translation/block_code.h"
 
 #include <gtest/gtest.h>

@@ -36,10 +36,9 @@ void run(void* library, const char* name, Element huge) {
 int main() {
   void* const library = dlopen("libsleef.so.3", RTLD_NOW);
   if (library == nullptr) return std::printf("%s\n", dlerror()), 1;
-  for (const char* name :
-       {"Sleef_sindx_u10sve", "Sleef_cosdx_u35sve", "Sleef_tandx_u10sve", "Sleef_expdx_u10sve",
-        "Sleef_logdx_u10sve", "Sleef_cbrtdx_u10sve", "Sleef_asindx_u10sve", "Sleef_tanhdx_u10sve",
-        "Sleef_lgammadx_u10sve"}) {
+  for (const char* name : {"Sleef_sindx_u10sve", "Sleef_cosdx_u35sve", "Sleef_tandx_u10sve",
+                           "Sleef_expdx_u10sve", "Sleef_logdx_u10sve", "Sleef_cbrtdx_u10sve",
+                           "Sleef_asindx_u10sve", "Sleef_tanhdx_u10sve", "Sleef_lgammadx_u10sve"}) {
     run<svfloat64_t, double, std::uint64_t>(library, name, 1e300);
   }
   for (const char* name : {"Sleef_sinfx_u10sve", "Sleef_expfx_u10sve", "Sleef_logfx_u10sve",
