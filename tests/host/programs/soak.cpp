@@ -24,6 +24,7 @@
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 // Z, P and FFR, in the order of vectors.S.
 struct alignas(16) vector_image {
@@ -387,16 +388,20 @@ void run(std::chrono::seconds length) {
 }
 
 void report() {
-  std::printf(
-      "vectors held %lu, first-fault loads %lu, generated functions %lu, mappings replaced %lu, "
-      "faults %lu, queued signals %lu, timer signals %lu, threads %lu, increments %lu\n",
-      counts.vectors.load(), counts.loads.load(), counts.functions.load(), counts.mappings.load(),
-      counts.faults.load(), counts.queued.load(), counts.ticks.load(), counts.threads.load(),
-      shared_count);
-  demand(counts.vectors != 0 && counts.loads != 0 && counts.functions != 0 &&
-             counts.mappings != 0 && counts.faults != 0 && counts.queued != 0 &&
-             counts.ticks != 0 && counts.threads != 0 && shared_count != 0,
-         "it was too short for everything to happen");
+  const std::pair<const char*, std::uint64_t> happened[] = {
+      {"vectors held", counts.vectors},
+      {"first-fault loads", counts.loads},
+      {"generated functions", counts.functions},
+      {"mappings replaced", counts.mappings},
+      {"faults", counts.faults},
+      {"queued signals", counts.queued},
+      {"timer signals", counts.ticks},
+      {"threads", counts.threads},
+      {"increments", shared_count}};
+  for (const auto& [what, count] : happened) {
+    std::printf("%s %lu\n", what, count);
+    demand(count != 0, "it was too short for everything to happen");
+  }
 }
 
 }  // namespace

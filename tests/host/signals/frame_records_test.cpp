@@ -2,6 +2,7 @@
 // SVE.
 #include "host/signals/frame_records.h"
 
+#include <array>
 #include <gtest/gtest.h>
 
 namespace {
@@ -19,6 +20,10 @@ struct layout_case {
   frame_layout expected;
 };
 
+std::array<std::size_t, 6> members(const frame_layout& f) {
+  return {f.fpsimd, f.esr, f.sve, f.extra, f.end, f.size};
+}
+
 TEST(frame_records, stand_where_the_kernel_puts_them) {
   const std::size_t at = behind_fpsimd;
   const layout_case cases[] = {
@@ -32,13 +37,7 @@ TEST(frame_records, stand_where_the_kernel_puts_them) {
   };
   for (const layout_case& c : cases) {
     SCOPED_TRACE(c.what);
-    const frame_layout layout = lay_out_frame(c.has_syndrome, c.vector_bytes);
-    EXPECT_EQ(layout.fpsimd, c.expected.fpsimd);
-    EXPECT_EQ(layout.esr, c.expected.esr);
-    EXPECT_EQ(layout.sve, c.expected.sve);
-    EXPECT_EQ(layout.extra, c.expected.extra);
-    EXPECT_EQ(layout.end, c.expected.end);
-    EXPECT_EQ(layout.size, c.expected.size);
+    EXPECT_EQ(members(lay_out_frame(c.has_syndrome, c.vector_bytes)), members(c.expected));
   }
 }
 
