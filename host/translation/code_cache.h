@@ -106,9 +106,6 @@ class code_cache {
     return found == nullptr ? 0 : found->pc;
   }
 
-  // The application address of an instruction in the arena, or 0 outside blocks.
-  std::uint64_t application_pc(std::uint64_t address) const { return at(address).pc; }
-
  private:
   struct branch_entry {
     std::uint64_t pc;

@@ -282,20 +282,20 @@ static void stacks(void) {
 
 // --- Faults ------------------------------------------------------------------------------------
 
-// Each begins with an instruction that faults, and then returns. X0 and X1 hold an address that
-// cannot be accessed, and X2 to X29 their own number plus 100.
+// The third instruction of each faults. X0 and X1 hold an address that cannot be accessed, and X2 to
+// X29 their own number plus 100.
 __asm__(
     ".pushsection .text\n"
     ".arch_extension lse\n"
     ".globl fault_load, fault_load_byte, fault_load_with_writeback\n"
     ".globl fault_store_pair, fault_swap_pair, fault_undefined, fault_break\n"
-    "fault_load: ldr x28, [x0]\n ret\n"
-    "fault_load_byte: ldrb w28, [x0]\n ret\n"
-    "fault_load_with_writeback: ldp x28, x3, [x1, #16]!\n ret\n"
-    "fault_store_pair: stp x28, x3, [x1]\n ret\n"
-    "fault_swap_pair: casp x2, x3, x28, x29, [x0]\n ret\n"
-    "fault_undefined: udf #1\n ret\n"
-    "fault_break: brk #1\n ret\n"
+    "fault_load: nop\n nop\n ldr x28, [x0]\n ret\n"
+    "fault_load_byte: nop\n nop\n ldrb w28, [x0]\n ret\n"
+    "fault_load_with_writeback: nop\n nop\n ldp x28, x3, [x1, #16]!\n ret\n"
+    "fault_store_pair: nop\n nop\n stp x28, x3, [x1]\n ret\n"
+    "fault_swap_pair: nop\n nop\n casp x2, x3, x28, x29, [x0]\n ret\n"
+    "fault_undefined: nop\n nop\n udf #1\n ret\n"
+    "fault_break: nop\n nop\n brk #1\n ret\n"
     ".popsection");
 extern const char fault_load[], fault_load_byte[], fault_load_with_writeback[], fault_store_pair[],
     fault_swap_pair[], fault_undefined[], fault_break[];
@@ -320,7 +320,7 @@ static void fault_at(const char* code) {
   for (unsigned i = 2; i < 30; ++i) state.x[i] = 100 + i;
   memset(state.q, 0xa5, sizeof state.q);
   const struct machine before = state;
-  expected_pc = code;
+  expected_pc = code + 8;
   run_case(code, &state);
   printf(", wrong registers %d; then vectors kept %d, fpsr %lx, fpcr %lx, flags %lx",
          wrong_registers, memcmp(state.q, before.q, sizeof state.q) == 0, state.fpsr, state.fpcr,
