@@ -101,6 +101,33 @@ static void faults(void) {
   }
 }
 
+// A load into V0 that faults leaves Z0 as it is, wherever the load is in a block of code. Here it
+// comes after different numbers of instructions.
+static void faulting_load_anywhere(void) {
+  enum { most = 130, nop = (int)0xd503201f, load = 0x3dc00000, ret = (int)0xd65f03c0 };
+  const size_t bytes = sizeof(uint32_t) * most * (most + 2);
+  uint32_t* const code =
+      mmap(NULL, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  for (size_t i = 0; i < most; ++i) {
+    uint32_t* at = code + i * (most + 2);
+    for (size_t n = 0; n < i; ++n) *at++ = (uint32_t)nop;
+    *at++ = load;  // ldr q0, [x0]
+    *at = (uint32_t)ret;
+  }
+  mprotect(code, bytes, PROT_READ | PROT_EXEC);
+  __builtin___clear_cache((char*)code, (char*)code + bytes);
+  handle_faults(skip_instruction);
+  int changed = 0;
+  for (size_t i = 0; i < most; ++i) {
+    prepare();
+    registers.x[0] = 16;
+    run_code(code + i * (most + 2), &before, &after, &registers);
+    changed += memcmp(z_in(&before, 0), z_in(&in_frame, 0), vector_length()) != 0;
+    changed += memcmp(z_in(&before, 0), z_in(&after, 0), vector_length()) != 0;
+  }
+  printf("faulting loads into V0 that change Z0: %d\n", changed);
+}
+
 // Leaves the registers as they are when the code comes back from a jump.
 static void nothing(void) {}
 
@@ -173,6 +200,7 @@ int main(void) {
   setvbuf(stdout, NULL, _IOLBF, 0);
   cases();
   faults();
+  faulting_load_anywhere();
   jumps();
   interruptions();
   threads();
