@@ -282,8 +282,8 @@ static void stacks(void) {
 
 // --- Faults ------------------------------------------------------------------------------------
 
-// The third instruction of each faults. X0 and X1 hold an address that cannot be accessed, and X2 to
-// X29 their own number plus 100.
+// The third instruction of each faults. X0 and X1 hold an address that cannot be accessed, and X2
+// to X29 their own number plus 100.
 __asm__(
     ".pushsection .text\n"
     ".arch_extension lse\n"
